@@ -1,0 +1,157 @@
+"""A throw-away checkout with the real ./dev and tools, on a machine whose programs are fakes.
+
+The fakes stand first on PATH, so that no test needs a network, root's rights or much time: mmdebstrap makes a tiny
+root, bwrap runs the command outside, cmake and ctest answer and exit as a test tells them to. All write down how
+they were called.
+"""
+
+import os
+import shutil
+import subprocess
+import tempfile
+import unittest
+from pathlib import Path
+
+REPOSITORY = Path(__file__).resolve().parents[2]
+
+CALL_LOG = 'printf "%s" "${0##*/}" >>"$CALLS"; printf " %s" "$@" >>"$CALLS"; printf "\\n" >>"$CALLS"\n'
+
+# The folder is the word before the mirror, which is the last one; without root it is "-", and a tar is wanted.
+FAKE_MMDEBSTRAP = r"""
+words=("$@")
+folder=${words[-2]}
+if [[ -n ${MMDEBSTRAP_FAILS:-} ]]; then
+    printf 'E: %s\n' "$MMDEBSTRAP_FAILS" >&2
+    exit 1
+fi
+root=$folder
+[[ $folder != - ]] || root=$(mktemp -d)
+mkdir -p "$root/etc" "$root/usr/bin"
+# Half made: a named pipe keeps the build here until the test lets it go on, or kills it.
+if [[ -n ${MMDEBSTRAP_GATE:-} ]]; then
+    read -r _ <"$MMDEBSTRAP_GATE"
+fi
+touch "$root/usr/bin/whole"
+if [[ $folder == - ]]; then
+    tar -c -C "$root" .
+fi
+"""
+
+# Runs what follows "--", in the folder that --chdir names.
+FAKE_BWRAP = r"""
+if [[ -n ${BWRAP_FAILS:-} ]]; then
+    printf 'bwrap: %s\n' "$BWRAP_FAILS" >&2
+    exit 1
+fi
+while [[ $1 != -- ]]; do
+    [[ $1 != --chdir ]] || cd "$2"
+    shift
+done
+shift
+exec "$@"
+"""
+
+# FAILING is a part of the command line that shall fail; FAILED_LOG is then ctest's list of failed tests.
+FAKE_TOOL = r"""
+if [[ -n ${FAILING:-} && "${0##*/} $*" == *"$FAILING"* ]]; then
+    if [[ -n ${FAILED_LOG:-} ]]; then
+        mkdir -p "$FAILED_LOG_FOLDER"
+        cp "$FAILED_LOG" "$FAILED_LOG_FOLDER/LastTestsFailed.log"
+    fi
+    exit "${FAILING_CODE:-1}"
+fi
+"""
+
+FAKE_SETPRIV = r"""
+while [[ $1 != -- ]]; do shift; done
+shift
+exec "$@"
+"""
+
+# All packages are installed but those in MISSING_PACKAGES.
+FAKE_DPKG_QUERY = r"""
+[[ " ${MISSING_PACKAGES:-} " != *" ${*: -1} "* ]] || exit 1
+printf 'installed'
+"""
+
+FAKE_ID = 'printf "%s\\n" "${FAKE_UID:-0}"\n'
+
+
+class Sandbox:
+    def __init__(self, parent):
+        self.base = Path(parent)
+        self.checkout = self.base / "a checkout's folder"
+        self.cache = self.base / "the cache"
+        self.fakes = self.base / "fakes"
+        self.calls = self.base / "calls"
+        self.checkout.mkdir()
+        self.fakes.mkdir()
+        shutil.copy2(REPOSITORY / "dev", self.checkout)
+        shutil.copytree(REPOSITORY / "tools", self.checkout / "tools")
+        for name, body in {
+            "mmdebstrap": FAKE_MMDEBSTRAP,
+            "bwrap": FAKE_BWRAP,
+            "setpriv": FAKE_SETPRIV,
+            "dpkg-query": FAKE_DPKG_QUERY,
+            "id": FAKE_ID,
+            "apt-get": FAKE_TOOL,
+            "cmake": FAKE_TOOL,
+            "ctest": FAKE_TOOL,
+        }.items():
+            self.fake(name, body)
+
+    def fake(self, name, body):
+        path = self.fakes / name
+        path.write_text(f"#!/bin/bash\n{CALL_LOG}{body}", encoding="utf-8")
+        path.chmod(0o755)
+
+    def environment(self, **changes):
+        environment = {
+            "PATH": f"{self.fakes}:/usr/bin:/bin",
+            "HOME": str(self.base),
+            "LANG": "C.UTF-8",
+            "KVX_CACHE_DIR": str(self.cache),
+            "KVX_DEBIAN_MIRROR": "file:/no/mirror",
+            "CALLS": str(self.calls),
+        }
+        environment.update(changes)
+        return {name: value for name, value in environment.items() if value is not None}
+
+    def start(self, *words, **changes):
+        return subprocess.Popen(
+            [str(self.checkout / "dev"), *words],
+            cwd=self.base,
+            env=self.environment(**changes),
+            stdin=subprocess.DEVNULL,
+            stdout=subprocess.PIPE,
+            stderr=subprocess.PIPE,
+            text=True,
+            start_new_session=True,
+        )
+
+    def dev(self, *words, **changes):
+        process = self.start(*words, **changes)
+        process.out, process.err = process.communicate()
+        return process
+
+    def called(self, program=""):
+        if not self.calls.exists():
+            return []
+        lines = self.calls.read_text(encoding="utf-8").splitlines()
+        return [line for line in lines if line.startswith(program)]
+
+    def toolbox(self):
+        """The folder of the toolbox that the checkout wants now."""
+        script = self.checkout / "tools" / "toolbox-key"
+        key = subprocess.run([script], env=self.environment(), stdout=subprocess.PIPE, text=True, check=True).stdout
+        return self.cache / "toolbox" / key.strip()
+
+
+class SandboxTest(unittest.TestCase):
+    maxDiff = None
+
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.sandbox = Sandbox(os.path.realpath(folder.name))
+        self.dev = self.sandbox.dev

@@ -1,0 +1,250 @@
+"""What ./dev prints, runs and refuses."""
+
+import json
+import unittest
+
+from sandbox import REPOSITORY, SandboxTest
+
+
+class Refusals(SandboxTest):
+    def assert_refused(self, expected, *words, **changes):
+        process = self.dev(*words, **changes)
+        self.assertEqual((process.out, process.err, process.returncode), ("", f"./dev: {expected}\n", 2))
+        self.assertEqual(self.sandbox.called("cmake"), [])
+
+    def test_unknown_verb(self):
+        self.assert_refused("no verb is called 'biuld' (./dev help lists them)", "biuld")
+
+    def test_no_verb(self):
+        self.assert_refused("say what to do: ./dev help lists the verbs")
+
+    def test_unknown_option(self):
+        self.assert_refused("no option is called '--nativ' (./dev help lists them)", "--nativ", "test")
+
+    def test_unknown_preset(self):
+        self.assert_refused("no preset is called 'fast' (there are: release, dev, asan, tidy)", "build", "fast")
+
+    def test_filter_without_preset(self):
+        self.assert_refused(
+            "no preset is called 'tst_Dpi' (there are: release, dev, asan, tidy); "
+            "to filter, name the preset first: ./dev test release 'tst_Dpi'",
+            "test",
+            "tst_Dpi",
+        )
+
+    def test_presets_that_only_native_builds_use_are_not_offered(self):
+        self.assert_refused(
+            "no preset is called 'native-release' (there are: release, dev, asan, tidy)", "build", "native-release"
+        )
+
+    def test_preset_that_needs_the_toolbox(self):
+        self.assert_refused("no preset is called 'tidy' (there are: release, dev, asan (native))", "--native", "build", "tidy")
+
+    def test_surplus_arguments(self):
+        self.assert_refused("build takes one PRESET at most", "build", "release", "asan")
+        self.assert_refused("test takes one PRESET and one FILTER at most", "test", "release", "a", "b")
+        self.assert_refused("shell takes no arguments", "shell", "bash")
+        self.assert_refused("format takes no arguments", "format", "device")
+
+    def test_exec_without_command(self):
+        self.assert_refused("exec needs a COMMAND", "exec")
+
+    def test_unknown_check(self):
+        self.assert_refused(
+            "no check is called 'spelling' (there are: format tidy clazy shell python)", "lint", "spelling"
+        )
+
+    def test_checks_of_sources_need_the_toolbox(self):
+        sentence = "{} needs the toolbox, which has clang's tools in the version that the sources are checked with"
+        self.assert_refused(sentence.format("lint"), "--native", "lint")
+        self.assert_refused(sentence.format("format"), "--native", "format")
+
+
+class DryRun(SandboxTest):
+    def setUp(self):
+        super().setUp()
+        self.dev("exec", "true")
+        self.sandbox.calls.unlink()
+
+    def assert_prints(self, expected, *words):
+        process = self.dev("--dry-run", *words)
+        self.assertEqual((process.out.splitlines(), process.err, process.returncode), (expected, "", 0))
+        self.assertEqual(self.sandbox.called("cmake") + self.sandbox.called("ctest"), [])
+
+    def test_build(self):
+        self.assert_prints(["$ cmake --preset release", "$ cmake --build --preset release"], "build")
+        self.assert_prints(["$ cmake --preset asan", "$ cmake --build --preset asan"], "build", "asan")
+
+    def test_native_build_has_its_own_folder(self):
+        self.assert_prints(
+            ["$ cmake --preset native-dev", "$ cmake --build --preset native-dev"], "--native", "build", "dev"
+        )
+
+    def test_run_passes_arguments_on(self):
+        self.assert_prints(
+            [
+                "$ cmake --preset release",
+                "$ cmake --build --preset release",
+                "$ build/release/kvx session --plugin 'a b.so'",
+            ],
+            "run",
+            "--plugin",
+            "a b.so",
+        )
+
+    def test_test(self):
+        report = f"'{self.sandbox.checkout}/build/dev/ctest.xml'".replace("checkout's", "checkout'\\''s")
+        self.assert_prints(
+            [
+                "$ cmake --preset dev",
+                "$ cmake --build --preset dev",
+                "$ cmake -E rm -rf build/dev/test-results",
+                "$ cmake -E make_directory build/dev/test-results",
+                f"$ ctest --preset dev --output-junit {report}",
+                "$ tools/check-test-count build/dev",
+            ],
+            "test",
+            "dev",
+        )
+
+    def test_filtered_test_counts_nothing(self):
+        process = self.dev("--dry-run", "test", "release", "^tst_Dpi$")
+        self.assertIn("-R '^tst_Dpi$'", process.out)
+        self.assertNotIn("check-test-count", process.out)
+        self.assertNotIn("rm -rf", process.out)
+
+    def test_exec_and_shell(self):
+        self.assert_prints(["$ echo 'it'\\''s' ''"], "exec", "echo", "it's", "")
+        self.assert_prints(["$ env 'PS1=(kvx toolbox) \\w\\$ ' bash --norc"], "shell")
+
+    def test_format(self):
+        self.assert_prints(["$ tools/format"], "format")
+
+    def test_lint(self):
+        self.assert_prints(
+            [
+                "$ cmake --preset tidy",
+                "$ cmake --build --preset tidy --target autogen",
+                "$ tools/lint-format",
+                "$ tools/lint-tidy",
+                "$ tools/lint-clazy",
+                "$ tools/lint-shell",
+                "$ tools/lint-python",
+            ],
+            "lint",
+        )
+        self.assert_prints(["$ tools/lint-shell"], "lint", "shell")
+
+
+class Commands(SandboxTest):
+    def test_help_names_every_verb(self):
+        process = self.dev("help")
+        self.assertEqual((process.err, process.returncode), ("", 0))
+        self.assertEqual(self.dev("--help").out, process.out)
+        for verb in ("run", "test", "build", "exec", "shell", "lint", "format", "help"):
+            self.assertRegex(process.out, rf"(?m)^  {verb}\b")
+
+    def test_exec_keeps_words_output_and_exit_code(self):
+        process = self.dev("exec", "bash", "-c", 'printf "%s|" "$PWD" "$@"; exit 7', "bash", "a  b", "", "*")
+        self.assertEqual(process.out, f"{self.sandbox.checkout}|a  b||*|")
+        self.assertEqual(process.returncode, 7)
+
+    def test_stdout_belongs_to_the_command(self):
+        process = self.dev("exec", "echo", "alone")
+        self.assertEqual(process.out, "alone\n")
+        self.assertEqual(process.err.splitlines()[-1], "$ echo alone")
+
+    def test_run_leaves_stdout_to_the_session(self):
+        kvx = self.sandbox.checkout / "build" / "release" / "kvx"
+        kvx.parent.mkdir(parents=True)
+        kvx.write_text('#!/bin/sh\necho "played: $*"\n', encoding="utf-8")
+        kvx.chmod(0o755)
+        self.sandbox.fake("cmake", "echo noise\n")
+        process = self.dev("run", "--json")
+        self.assertEqual((process.out, process.returncode), ("played: session --json\n", 0))
+        self.assertIn("noise", process.err)
+
+    def test_shell_keeps_exit_code(self):
+        self.assertEqual(self.dev("shell").returncode, 0)
+
+    def test_inside_the_toolbox_commands_run_directly(self):
+        process = self.dev("exec", "echo", "inside", KVX_IN_TOOLBOX="1")
+        self.assertEqual((process.out, process.err), ("inside\n", "$ echo inside\n"))
+        self.assertEqual(self.sandbox.called("bwrap"), [])
+
+
+class Failures(SandboxTest):
+    def last_line(self, *words, **changes):
+        process = self.dev(*words, **changes)
+        return process.err.splitlines()[-1], process.returncode
+
+    def test_command(self):
+        self.assertEqual(
+            self.last_line("exec", "bash", "-c", "exit 9"),
+            ("./dev: failed (exit code 9); to repeat just this: ./dev exec bash -c 'exit 9'", 9),
+        )
+
+    def test_configuring(self):
+        self.assertEqual(
+            self.last_line("build", "dev", FAILING="cmake --preset"),
+            ("./dev: failed (exit code 1); to repeat just this: ./dev exec cmake --preset dev", 1),
+        )
+        self.assertEqual(self.sandbox.called("cmake --build"), [])
+
+    def test_native_building(self):
+        self.assertEqual(
+            self.last_line("--native", "run", FAILING="cmake --build"),
+            (
+                "./dev: failed (exit code 1); to repeat just this: "
+                "./dev --native exec cmake --build --preset native-release",
+                1,
+            ),
+        )
+
+    def test_tests_are_named_by_a_filter(self):
+        log = self.sandbox.base / "failed.log"
+        log.write_text("3:tst_Dpi\n12:odd.name+\n", encoding="utf-8")
+        self.assertEqual(
+            self.last_line(
+                "test",
+                FAILING="ctest",
+                FAILING_CODE="8",
+                FAILED_LOG=str(log),
+                FAILED_LOG_FOLDER=str(self.sandbox.checkout / "build/release/Testing/Temporary"),
+            ),
+            (
+                "./dev: failed (exit code 8); to repeat just this: "
+                "./dev test release '^(tst_Dpi|odd\\.name\\+)$'",
+                8,
+            ),
+        )
+
+    def test_count_of_tests(self):
+        self.assertEqual(
+            self.last_line("test"),
+            ("./dev: failed (exit code 2); to repeat just this: ./dev exec tools/check-test-count build/release", 2),
+        )
+
+    def test_lint_runs_all_checks_and_names_those_that_failed(self):
+        for name, code in {"format": 1, "tidy": 0, "clazy": 0, "shell": 2, "python": 0}.items():
+            script = self.sandbox.checkout / "tools" / f"lint-{name}"
+            script.write_text(f"#!/bin/sh\necho ran {name}\nexit {code}\n", encoding="utf-8")
+        process = self.dev("lint")
+        self.assertEqual(process.out, "".join(f"ran {name}\n" for name in ("format", "tidy", "clazy", "shell", "python")))
+        self.assertEqual(
+            process.err.splitlines()[-1],
+            "./dev: failed (exit code 1); to repeat just this: ./dev lint format shell",
+        )
+
+
+class Presets(unittest.TestCase):
+    def test_same_word_configures_builds_and_tests(self):
+        presets = json.loads((REPOSITORY / "CMakePresets.json").read_text(encoding="utf-8"))
+
+        def names(kind):
+            return [preset["name"] for preset in presets[kind] if not preset.get("hidden")]
+
+        own = ["release", "dev", "asan", "tidy"]
+        native = ["native-release", "native-dev", "native-asan"]
+        for kind in ("configurePresets", "buildPresets", "testPresets"):
+            self.assertEqual(names(kind), own + native)

@@ -1,0 +1,110 @@
+"""What tools/mutate changes, and what it refuses."""
+
+import importlib.machinery
+import importlib.util
+import subprocess
+import sys
+import tempfile
+import unittest
+from pathlib import Path
+
+REPOSITORY = Path(__file__).resolve().parents[2]
+TOOL = REPOSITORY / "tools" / "mutate"
+
+SOURCE = """#include "Thing.h"
+
+int Thing::answer(int limit) const
+{
+    // A comment with == and 5 stays.
+    if (limit == 5 && m_isOpen) {
+        log() << "too much";
+        m_count = 0;
+        close();
+    }
+    return m_count - 1;
+}
+"""
+
+
+def load():
+    loader = importlib.machinery.SourceFileLoader("mutate", str(TOOL))
+    module = importlib.util.module_from_spec(importlib.util.spec_from_loader("mutate", loader))
+    loader.exec_module(module)
+    return module
+
+
+class Mutants(unittest.TestCase):
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.path = Path(folder.name) / "Thing.cpp"
+        self.path.write_text(SOURCE)
+        self.mutants = list(load().mutants_of(self.path))
+
+    def descriptions(self):
+        return [description for _, description, _ in self.mutants]
+
+    def test_every_kind_of_change_is_made(self):
+        condition = "if (limit == 5 && m_isOpen) {"
+        for expected in (
+            f"{condition}  =>  if (limit != 5 && m_isOpen) {{",
+            f"{condition}  =>  if (limit == 5 || m_isOpen) {{",
+            f"{condition}  =>  if (limit == 6 && m_isOpen) {{",
+            f"{condition}  =>  if (true) {{",
+            f"{condition}  =>  if (false) {{",
+            'log() << "too much";  =>  log() << "too much~";',
+            "m_count = 0;  =>  m_count = 1;",
+            "remove  close();",
+            'remove  log() << "too much";',
+            "swap  m_count = 0;  <->  close();",
+            "return m_count - 1;  =>  return m_count + 1;",
+        ):
+            self.assertIn(expected, self.descriptions())
+
+    def test_swaps_that_nobody_sees_are_not_made(self):
+        unseen = load().change_places_unseen
+        self.assertTrue(unseen("m_a = 1;", "m_b = rate;"))
+        self.assertTrue(unseen('deviceDebug() << "a";', "m_a = rate;"))
+        self.assertFalse(unseen('deviceDebug() << "a" << m_a;', "m_a = rate;"))
+        self.assertFalse(unseen('deviceDebug() << "a";', 'deviceDebug() << "b";'))
+        self.assertFalse(unseen("m_a = 1;", "close();"))
+
+    def test_comments_and_includes_stay(self):
+        for _, _, text in self.mutants:
+            self.assertIn("// A comment with == and 5 stays.\n", text)
+            self.assertTrue(text.startswith('#include "Thing.h"\n'))
+
+    def test_each_mutant_differs_from_the_source_and_from_the_others(self):
+        texts = [text for _, _, text in self.mutants]
+        self.assertNotIn(SOURCE, texts)
+        self.assertEqual(len(texts), len(set(texts)))
+
+    def test_line_numbers_are_those_of_the_source(self):
+        lines = {description: number for number, description, _ in self.mutants}
+        self.assertEqual(lines["remove  close();"], 9)
+
+
+class Usage(unittest.TestCase):
+    def run_tool(self, *words):
+        return subprocess.run(
+            [sys.executable, "-B", TOOL, *words], capture_output=True, text=True, cwd=REPOSITORY, check=False
+        )
+
+    def test_lists_the_mutants_of_a_file(self):
+        process = self.run_tool("--list", "device/LogicalDevice_DpiButton.cpp")
+        self.assertEqual(process.returncode, 0)
+        self.assertIn("remove  setDpiButtonIdChangePending(isAccepted);", process.stdout)
+
+    def test_refuses_a_file_that_is_none_of_the_product(self):
+        process = self.run_tool("README.md")
+        self.assertEqual(process.returncode, 2)
+        self.assertEqual(
+            process.stderr, 'mutate: "README.md" is no file of the product; name files in device/ or plugin/\n'
+        )
+
+    def test_refuses_an_unknown_option(self):
+        self.assertEqual(self.run_tool("--fast").returncode, 2)
+
+
+if __name__ == "__main__":
+    unittest.main()
