@@ -1,0 +1,14 @@
+# kvx_add_test(tst_Name [SOURCES file...] [LIBRARIES target...])
+#
+# A Qt Test program from tst_Name.cpp: file, class, target and ctest name are the same word. It gets the path
+# of the library under test, so that the same program can judge any build of it, and writes its results to
+# test-results/ in the build folder.
+function(kvx_add_test name)
+    cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LIBRARIES")
+    add_executable(${name} ${name}.cpp ${arg_SOURCES})
+    target_link_libraries(${name} PRIVATE Qt6::Test test_support kvx_warnings ${arg_LIBRARIES})
+    add_dependencies(${name} rv418_plugin)
+    add_test(NAME ${name}
+        COMMAND ${name} -o ${PROJECT_BINARY_DIR}/test-results/${name}.xml,junitxml -o -,txt)
+    set_tests_properties(${name} PROPERTIES TIMEOUT 300)
+endfunction()

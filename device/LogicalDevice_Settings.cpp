@@ -1,0 +1,39 @@
+#include "ButtonBits.h"
+#include "GatedLog.h"
+#include "IPhysicalDeviceDongle.h"
+#include "LogicalDevice.h"
+
+void LogicalDevice::applySettings(const QVariantMap &settings)
+{
+    deviceDebug() << "applySettings :" << settings;
+}
+
+void LogicalDevice::resetSettings()
+{
+    deviceDebug() << "resetSettings";
+    m_isSmartPointerEnabled = false;
+    m_isSmartPointerConfigured = false;
+    if ((m_disabledButtonsOrKeysMask & smartPointerBit) == 0)
+        return;
+    m_disabledButtonsOrKeysMask &= static_cast<quint8>(~smartPointerBit);
+    if (sendDisabledButtonsOrKeysMask())
+        deviceDebug() << "SmartPointer reset to disabled";
+}
+
+void LogicalDevice::capabilityChangedCallBack(quint8 capability)
+{
+    deviceDebug() << "capabilityChangedCallBack, capability :" << uint(capability);
+    if (!m_dongle)
+        return;
+    const bool isSupported = m_dongle->isSmartPointerSupported(m_deviceId);
+    if (isSupported == m_isSmartPointerSupported)
+        return;
+    m_isSmartPointerSupported = isSupported;
+    // On the calling thread, not queued: kept, the host relies on it.
+    Q_EMIT isSmartPointerSupportedChanged(isSupported);
+}
+
+bool LogicalDevice::isSmartPointerSupported() const
+{
+    return m_isSmartPointerSupported;
+}

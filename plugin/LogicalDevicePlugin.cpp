@@ -1,0 +1,36 @@
+#include "LogicalDevicePlugin.h"
+
+#include "GatedLog.h"
+#include "LogicalDevice.h"
+
+LogicalDevicePlugin::~LogicalDevicePlugin()
+{
+    pluginDebug() << "~LogicalDevicePlugin";
+}
+
+bool LogicalDevicePlugin::initialize(IHostServices *hostServices, bool debugEnabled, bool warningEnabled,
+                                     bool criticalEnabled)
+{
+    m_hostServices = hostServices;
+    setLogSwitches(debugEnabled, warningEnabled, criticalEnabled);
+    return true;
+}
+
+void LogicalDevicePlugin::destroyDevice(IDevice *device)
+{
+    delete dynamic_cast<LogicalDevice *>(device);
+}
+
+ILogicalDevice *LogicalDevicePlugin::createLogicalDevice(IPhysicalDevice *physicalDevice, DeviceId id)
+{
+    return new LogicalDevice(physicalDevice, id, this);
+}
+
+IHostServices *LogicalDevicePlugin::hostServices() const
+{
+    return m_hostServices;
+}
+
+// Here and not in a file of automoc's, because the compile option that keeps the metadata free of processor
+// requirements is set for this file.
+#include "moc_LogicalDevicePlugin.cpp"  // NOLINT(bugprone-suspicious-include)
