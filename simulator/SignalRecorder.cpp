@@ -1,0 +1,103 @@
+#include "SignalRecorder.h"
+
+#include "IDevice.h"
+#include "Timeline.h"
+#include "TimelineValue.h"
+
+#include <QtCore/QMetaObject>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+template <typename Type>
+const Type &valueAt(const void *argument)
+{
+    return *static_cast<const Type *>(argument);
+}
+
+}  // namespace
+
+SignalRecorder::SignalRecorder(Timeline &timeline, QObject *sender, std::optional<DeviceId> device)
+    : m_timeline(timeline), m_device(device)
+{
+    if (!sender) {
+        m_isComplete = false;
+        m_timeline.recordVerdict(u"there is no object whose signals could be recorded"_s, m_device);
+        return;
+    }
+    m_ownDevice = qobject_cast<IDevice *>(sender);
+    // Registered from here, where it stays: what a library registers dangles once the library is unloaded.
+    QMetaType::fromType<IDevice *>().id();
+    const QMetaObject *metaObject = sender->metaObject();
+    const int firstOwnMethod = QObject::staticMetaObject.methodCount();
+    for (int index = firstOwnMethod; index < metaObject->methodCount(); ++index) {
+        const QMetaMethod method = metaObject->method(index);
+        // Qt makes a clone of a signal for each default argument; emitting the signal emits those too.
+        if (method.methodType() != QMetaMethod::Signal || (method.attributes() & QMetaMethod::Cloned))
+            continue;
+        const int receiverMethod = firstOwnMethod + static_cast<int>(m_signals.size());
+        m_signals.append(method);
+        if (QMetaObject::connect(sender, index, this, receiverMethod, Qt::DirectConnection))
+            continue;
+        m_isComplete = false;
+        m_timeline.recordVerdict(u"the signal "_s + QString::fromLatin1(method.methodSignature()) +
+                                     u" cannot be recorded"_s,
+                                 m_device);
+    }
+}
+
+bool SignalRecorder::isComplete() const
+{
+    return m_isComplete;
+}
+
+int SignalRecorder::qt_metacall(QMetaObject::Call call, int id, void **arguments)
+{
+    id = QObject::qt_metacall(call, id, arguments);
+    if (id < 0 || call != QMetaObject::InvokeMetaMethod)
+        return id;
+    const int signalCount = static_cast<int>(m_signals.size());
+    if (id < signalCount)
+        recordSignal(m_signals.at(id), arguments);
+    return id - signalCount;
+}
+
+QJsonValue SignalRecorder::argumentValue(QMetaType type, const void *argument) const
+{
+    switch (type.id()) {
+    case QMetaType::Bool:
+        return timelineValue(valueAt<bool>(argument));
+    case QMetaType::Int:
+        return timelineValue(valueAt<int>(argument));
+    case QMetaType::UInt:
+        return timelineValue(valueAt<uint>(argument));
+    case QMetaType::LongLong:
+        return timelineValue(valueAt<qlonglong>(argument));
+    case QMetaType::ULongLong:
+        return timelineValue(valueAt<qulonglong>(argument));
+    case QMetaType::UChar:
+        return timelineValue(valueAt<quint8>(argument));
+    case QMetaType::QString:
+        return timelineValue(valueAt<QString>(argument));
+    case QMetaType::QStringList:
+        return timelineValue(valueAt<QStringList>(argument));
+    default:
+        break;
+    }
+    if (type == QMetaType::fromType<IDevice *>()) {
+        const void *device = valueAt<IDevice *>(argument);
+        if (!device)
+            return QJsonValue::Null;
+        return device == m_ownDevice ? u"this"_s : u"other"_s;
+    }
+    return QString::fromLatin1(type.name());
+}
+
+void SignalRecorder::recordSignal(const QMetaMethod &signal, void **arguments)
+{
+    QJsonArray values;
+    for (int index = 0; index < signal.parameterCount(); ++index)
+        values.append(argumentValue(signal.parameterMetaType(index), arguments[index + 1]));
+    m_timeline.record(TimelineEntry::Kind::Signal, m_device, QString::fromLatin1(signal.name()), values);
+}

@@ -1,0 +1,117 @@
+#include "SimulatedReceiver.h"
+
+#include "ILogicalDeviceGen3Mouse.h"
+
+#include <QtCore/QMutexLocker>
+
+#include <utility>
+
+SimulatedReceiver::SimulatedReceiver(Timeline &timeline, QObject *parent)
+    : ReceiverBase(timeline, parent), m_timer(this)
+{
+    m_timer.setSingleShot(true);
+    m_timer.setTimerType(Qt::PreciseTimer);
+    connect(&m_timer, &QTimer::timeout, this, &SimulatedReceiver::deliverDue);
+}
+
+void SimulatedReceiver::setMouse(DeviceId id, const SimulatedMouse &mouse)
+{
+    const QMutexLocker locker(&m_mutex);
+    m_mice.insert(id, mouse);
+}
+
+void SimulatedReceiver::removeMouse(DeviceId id)
+{
+    const QMutexLocker locker(&m_mutex);
+    m_mice.remove(id);
+}
+
+SimulatedMouse SimulatedReceiver::mouse(DeviceId id) const
+{
+    const QMutexLocker locker(&m_mutex);
+    return m_mice.value(id);
+}
+
+bool SimulatedReceiver::changeMouse(DeviceId id, const std::function<void(SimulatedMouse &)> &change)
+{
+    const QMutexLocker locker(&m_mutex);
+    const auto mouse = m_mice.find(id);
+    if (mouse == m_mice.end())
+        return false;
+    change(*mouse);
+    return true;
+}
+
+void SimulatedReceiver::attach(DeviceId id, ILogicalDeviceGen3Mouse *device)
+{
+    const QMutexLocker locker(&m_mutex);
+    m_devices.insert(id, {dynamic_cast<QObject *>(device), device});
+}
+
+void SimulatedReceiver::detach(DeviceId id)
+{
+    const QMutexLocker locker(&m_mutex);
+    m_devices.remove(id);
+}
+
+void SimulatedReceiver::addFault(const ReceiverFault &fault)
+{
+    const QMutexLocker locker(&m_mutex);
+    m_faults.add(fault);
+}
+
+void SimulatedReceiver::clearFaults()
+{
+    const QMutexLocker locker(&m_mutex);
+    m_faults.clear();
+}
+
+QList<ReceiverFault> SimulatedReceiver::faults() const
+{
+    const QMutexLocker locker(&m_mutex);
+    return m_faults.list();
+}
+
+void SimulatedReceiver::setAnswerDelay(std::chrono::milliseconds delay)
+{
+    const QMutexLocker locker(&m_mutex);
+    m_answerDelay = delay;
+}
+
+std::chrono::milliseconds SimulatedReceiver::answerDelay() const
+{
+    const QMutexLocker locker(&m_mutex);
+    return m_answerDelay;
+}
+
+void SimulatedReceiver::setResendLimit(int limit)
+{
+    const QMutexLocker locker(&m_mutex);
+    m_resendLimit = limit;
+}
+
+int SimulatedReceiver::resendLimit() const
+{
+    const QMutexLocker locker(&m_mutex);
+    return m_resendLimit;
+}
+
+bool SimulatedReceiver::act(DeviceId id, const std::function<QList<MouseMessage>(SimulatedMouse &)> &action)
+{
+    QList<MouseMessage> reports;
+    const bool isKnown = changeMouse(id, [&](SimulatedMouse &mouse) { reports = action(mouse); });
+    for (const MouseMessage &message : std::as_const(reports))
+        report(id, message);
+    return isKnown;
+}
+
+void SimulatedReceiver::report(DeviceId id, const MouseMessage &message)
+{
+    enqueue(Transit::Kind::Report, id, message, std::chrono::milliseconds::zero());
+}
+
+bool SimulatedReceiver::isIdle() const
+{
+    const QMutexLocker locker(&m_mutex);
+    return m_transits.isEmpty() && !m_delivery;
+}

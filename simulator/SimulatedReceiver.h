@@ -1,0 +1,151 @@
+#pragma once
+
+#include "ReceiverBase.h"
+#include "ReceiverFault.h"
+#include "SimulatedMouse.h"
+
+#include <QtCore/QHash>
+#include <QtCore/QMutex>
+#include <QtCore/QPointer>
+#include <QtCore/QTimer>
+
+#include <chrono>
+#include <functional>
+
+class ILogicalDeviceGen3Mouse;
+
+/// A wireless receiver with any number of simulated mice, and the host's side of it that hands the mice's
+/// reports to the logical devices.
+///
+/// Every call of the plugin is recorded. A request that is accepted reaches the mouse after answerDelay(),
+/// through the event loop of the receiver's thread and never inside the request; the mouse's reports are
+/// delivered there, in the order in which the requests came. Reports for a mouse without an attached device
+/// are dropped. The DPI range travels by signals that name no mouse: every started device hears them.
+///
+/// The plugin may call from any thread, and so may everybody else, except where it says otherwise.
+class SimulatedReceiver : public ReceiverBase
+{
+    Q_OBJECT
+
+public:
+    explicit SimulatedReceiver(Timeline &timeline, QObject *parent = nullptr);
+
+    /// Adds a mouse or replaces all that is known of it.
+    void setMouse(DeviceId id, const SimulatedMouse &mouse);
+    void removeMouse(DeviceId id);
+    /// A copy of its state now; a default mouse when there is none with this id.
+    SimulatedMouse mouse(DeviceId id) const;
+    /// Changes the mouse in place, without a report. False when there is no mouse with this id.
+    /// The function runs under the receiver's lock and must not call the receiver.
+    bool changeMouse(DeviceId id, const std::function<void(SimulatedMouse &)> &change);
+
+    /// From now on the logical device gets the reports of this mouse, in place of another one if there was.
+    /// Noticed when it is deleted; delete it on the receiver's thread.
+    void attach(DeviceId id, ILogicalDeviceGen3Mouse *device);
+    void detach(DeviceId id);
+
+    void addFault(const ReceiverFault &fault);
+    void clearFaults();
+    QList<ReceiverFault> faults() const;
+
+    /// From an accepted request to its report.
+    void setAnswerDelay(std::chrono::milliseconds delay);
+    std::chrono::milliseconds answerDelay() const;
+
+    /// How often a plugin may send a request again because its confirmation disagreed, before the receiver
+    /// stops answering it with a verdict. The next request that is no such repetition is answered again.
+    void setResendLimit(int limit);
+    int resendLimit() const;
+
+    /// Something that is done to the mouse, and the reports that it makes; they are delivered from the event loop.
+    /// False when there is no mouse with this id.
+    bool act(DeviceId id, const std::function<QList<MouseMessage>(SimulatedMouse &)> &action);
+
+    /// A report that no request asked for. Delivered from the event loop; nothing is done to the mouse.
+    void report(DeviceId id, const MouseMessage &message);
+
+    /// Whether nothing is under way to a mouse or from one.
+    bool isIdle() const;
+
+    /// Answers argument1.
+    quintptr forwardedCall(quintptr argument1, quintptr argument2, quintptr argument3) override;
+    uint getFirmwareVersion(DeviceId id) override;
+    bool hasBatteryLevel(DeviceId id) override;
+    int getBatteryLevel(DeviceId id) override;
+    bool setDisabledButtonsOrKeysMask(DeviceId id, quint8 mask) override;
+    int getStatusValue(DeviceId id) override;
+    int getDeviceValue(DeviceId id) override;
+    quintptr forwardedOperation(DeviceId id, quintptr argument2, quintptr argument3) override;
+    bool isSmartPointerSupported(DeviceId id) override;
+    bool setReportRate(DeviceId id, int rate) override;
+    bool getReportRateInfo(DeviceId id, ReportRateInfo *info) override;
+    int getLevelValue(DeviceId id) override;
+    bool setDpiButtonAndActiveSlot(DeviceId id, int dpiButtonId, int activeDpiSlotIndex) override;
+    bool setDpiSlotValues(DeviceId id, const quint16 values[5], int dpiButtonId,
+                          int activeDpiSlotIndex) override;
+    bool requestInitialState2(DeviceId id) override;
+    bool requestInitialState1(DeviceId id) override;
+    bool requestInitialState3(DeviceId id) override;
+
+private:
+    // What a logical device is called through, as long as it lives.
+    struct Attachment
+    {
+        QPointer<QObject> object;
+        ILogicalDeviceGen3Mouse *device = nullptr;
+    };
+    // On its way through the air.
+    struct Transit
+    {
+        enum class Kind {
+            Request,
+            Report,
+            HeldReport,  // a fault has hit it already
+        };
+        std::chrono::steady_clock::time_point due;
+        Kind kind = Kind::Request;
+        DeviceId id = 0;
+        MouseMessage message;
+    };
+    // The report that is being delivered; a request that comes from within is a repetition.
+    struct Delivery
+    {
+        DeviceId id = 0;
+        QString operation;
+        Qt::HANDLE thread = nullptr;
+        bool isAnsweredByRequest = false;
+    };
+
+    template <typename Value>
+    Value readValue(const char *operation, DeviceId id, Value SimulatedMouse::*member,
+                    const QJsonArray &arguments = {});
+    bool request(const char *operation, DeviceId id, const QJsonArray &arguments);
+    /// False when this request repeats another one for the last time that is allowed.
+    bool countRepetition(DeviceId id, const QString &operation);
+    std::optional<ReceiverFault> takeFault(const QString &operation, DeviceId id);
+    void recordFault(const ReceiverFault &fault, DeviceId id);
+    void recordUnknownMouse(DeviceId id);
+    void enqueue(Transit::Kind kind, DeviceId id, const MouseMessage &message,
+                 std::chrono::milliseconds delay);
+    void scheduleDelivery();
+    void deliverDue();
+    void arriveAtMouse(DeviceId id, const MouseMessage &request);
+    void sendReport(DeviceId id, const MouseMessage &report);
+    void deliverReport(DeviceId id, const MouseMessage &report);
+    void callDevice(ILogicalDeviceGen3Mouse &device, DeviceId id, const MouseMessage &report);
+    ILogicalDeviceGen3Mouse *attachedDevice(DeviceId id) const;
+
+    mutable QMutex m_mutex;
+    // Guarded by the mutex, which is never held while a device, the timeline or a slot is called.
+    QHash<DeviceId, SimulatedMouse> m_mice;
+    QHash<DeviceId, Attachment> m_devices;
+    ReceiverFaults m_faults;
+    std::chrono::milliseconds m_answerDelay{5};
+    int m_resendLimit = 20;
+    QList<Transit> m_transits;  // in the order in which they are due
+    QHash<DeviceId, QHash<QString, int>>
+        m_repetitions;  // by mouse and report: answered by a request so often
+    std::optional<Delivery> m_delivery;
+
+    QTimer m_timer;  // the receiver's thread only
+};

@@ -1,0 +1,258 @@
+#include "Timeline.h"
+
+#include "TimelineValue.h"
+
+#include <QtCore/QJsonDocument>
+#include <QtCore/QJsonObject>
+#include <QtCore/QMutexLocker>
+#include <QtCore/QThread>
+
+#include <algorithm>
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr QLatin1StringView ownCategoryPrefix{"com.orvane.KVX.Plugin.LogicalDevice."};
+
+QString kindWord(const TimelineEntry &entry)
+{
+    switch (entry.kind) {
+    case TimelineEntry::Kind::Call:
+        return u"call"_s;
+    case TimelineEntry::Kind::Receiver:
+        return u"receiver"_s;
+    case TimelineEntry::Kind::Report:
+        return u"report"_s;
+    case TimelineEntry::Kind::Signal:
+        return u"signal"_s;
+    case TimelineEntry::Kind::Log:
+        return u"log"_s;
+    case TimelineEntry::Kind::HostService:
+        return u"host"_s;
+    case TimelineEntry::Kind::Verdict:
+        break;
+    }
+    return u"verdict"_s;
+}
+
+QString lineStart(const TimelineEntry &entry, bool showsDevice)
+{
+    QString start = entry.kind == TimelineEntry::Kind::Log ? entry.name : kindWord(entry);
+    if (showsDevice && entry.device)
+        start += u" ["_s + QString::number(*entry.device) + u']';
+    return start + u' ';
+}
+
+QString lineContent(const TimelineEntry &entry)
+{
+    if (entry.kind == TimelineEntry::Kind::Verdict)
+        return entry.arguments.at(0).toString();
+    if (entry.kind == TimelineEntry::Kind::Log) {
+        QString category = entry.category;
+        if (category.startsWith(ownCategoryPrefix))
+            category.remove(0, ownCategoryPrefix.size());
+        return category + u": "_s + entry.arguments.at(0).toString();
+    }
+    QStringList arguments;
+    for (const QJsonValue &argument : entry.arguments)
+        arguments.append(readableValue(argument));
+    QString content = entry.name + u'(' + arguments.join(u", "_s) + u')';
+    if (!entry.result.isUndefined())
+        content += u" -> "_s + readableValue(entry.result);
+    return content;
+}
+
+QString fullLine(const TimelineEntry &entry)
+{
+    constexpr int sequenceWidth = 5;
+    constexpr int timeWidth = 10;
+    constexpr int deviceWidth = 5;
+    const double milliseconds = std::chrono::duration<double, std::milli>(entry.time).count();
+    const QString device = entry.device ? u'[' + QString::number(*entry.device) + u']' : QString();
+    return QString::number(entry.sequence).rightJustified(sequenceWidth) +
+           QString::number(milliseconds, 'f', 3).rightJustified(timeWidth) + u" ms  thread "_s +
+           QString::number(entry.thread) + u"  "_s + device.leftJustified(deviceWidth) + u' ' +
+           lineStart(entry, false) + lineContent(entry);
+}
+
+// Integers that were put in as they are still have to survive a reader that keeps numbers as doubles.
+QJsonValue portableValue(const QJsonValue &value)
+{
+    if (value.isDouble()) {
+        const qint64 integer = value.toInteger();
+        return static_cast<double>(integer) == value.toDouble() ? timelineValue(integer) : value;
+    }
+    if (value.isArray()) {
+        QJsonArray array;
+        for (const QJsonValue &item : value.toArray())
+            array.append(portableValue(item));
+        return array;
+    }
+    if (value.isObject()) {
+        QJsonObject object = value.toObject();
+        for (QJsonValueRef item : object)
+            item = portableValue(item);
+        return object;
+    }
+    return value;
+}
+
+QStringList linesOf(const QList<TimelineEntry> &entries, Timeline::Style style)
+{
+    QStringList lines;
+    lines.reserve(entries.size());
+    for (const TimelineEntry &entry : entries)
+        lines.append(Timeline::line(entry, style));
+    return lines;
+}
+
+}  // namespace
+
+Timeline::Timeline() : m_start(std::chrono::steady_clock::now()), m_threads{QThread::currentThreadId()} {}
+
+quint64 Timeline::record(TimelineEntry::Kind kind, std::optional<DeviceId> device, const QString &name,
+                         const QJsonArray &arguments, const QJsonValue &result)
+{
+    TimelineEntry entry;
+    entry.kind = kind;
+    entry.device = device;
+    entry.name = name;
+    entry.arguments = arguments;
+    entry.result = result;
+    return append(std::move(entry));
+}
+
+quint64 Timeline::recordLog(const QString &severity, const QString &category, const QString &text)
+{
+    TimelineEntry entry;
+    entry.kind = TimelineEntry::Kind::Log;
+    entry.name = severity;
+    entry.arguments = {text};
+    entry.category = category;
+    return append(std::move(entry));
+}
+
+quint64 Timeline::recordVerdict(const QString &text, std::optional<DeviceId> device)
+{
+    return record(TimelineEntry::Kind::Verdict, device, u"verdict"_s, {text});
+}
+
+void Timeline::setResult(quint64 sequence, const QJsonValue &result)
+{
+    const QMutexLocker locker(&m_mutex);
+    const auto entry =
+        std::find_if(m_entries.rbegin(), m_entries.rend(),
+                     [sequence](const TimelineEntry &candidate) { return candidate.sequence == sequence; });
+    if (entry != m_entries.rend())
+        entry->result = result;
+}
+
+QList<TimelineEntry> Timeline::entries() const
+{
+    const QMutexLocker locker(&m_mutex);
+    return m_entries;
+}
+
+QList<TimelineEntry> Timeline::entriesAfter(quint64 sequence) const
+{
+    const QMutexLocker locker(&m_mutex);
+    const auto first =
+        std::find_if(m_entries.cbegin(), m_entries.cend(),
+                     [sequence](const TimelineEntry &entry) { return entry.sequence > sequence; });
+    return QList<TimelineEntry>(first, m_entries.cend());
+}
+
+quint64 Timeline::lastSequence() const
+{
+    const QMutexLocker locker(&m_mutex);
+    return m_lastSequence;
+}
+
+void Timeline::clear()
+{
+    const QMutexLocker locker(&m_mutex);
+    m_entries.clear();
+}
+
+QStringList Timeline::lines(Style style) const
+{
+    return linesOf(entries(), style);
+}
+
+QString Timeline::take(Style style)
+{
+    QList<TimelineEntry> taken;
+    {
+        const QMutexLocker locker(&m_mutex);
+        taken.swap(m_entries);
+    }
+    return linesOf(taken, style).join(u'\n');
+}
+
+QString Timeline::line(const TimelineEntry &entry, Style style)
+{
+    if (style == Style::Full)
+        return fullLine(entry);
+    QString line = lineStart(entry, style == Style::WithDevice) + lineContent(entry);
+    if (entry.thread != 1)
+        line += u" on thread "_s + QString::number(entry.thread);
+    return line;
+}
+
+QByteArray Timeline::jsonHeader()
+{
+    return QJsonDocument(QJsonObject{{u"schemaVersion"_s, schemaVersion}}).toJson(QJsonDocument::Compact);
+}
+
+QByteArray Timeline::jsonLine(const TimelineEntry &entry)
+{
+    QJsonObject object{{u"sequence"_s, timelineValue(entry.sequence)},
+                       {u"timeUs"_s, timelineValue(static_cast<qint64>(entry.time.count()))},
+                       {u"thread"_s, entry.thread},
+                       {u"kind"_s, kindWord(entry)},
+                       {u"name"_s, entry.name},
+                       {u"arguments"_s, portableValue(entry.arguments)}};
+    if (entry.device)
+        object.insert(u"device"_s, QString::number(*entry.device));
+    if (!entry.result.isUndefined())
+        object.insert(u"result"_s, portableValue(entry.result));
+    if (entry.kind == TimelineEntry::Kind::Log)
+        object.insert(u"category"_s, entry.category);
+    return QJsonDocument(object).toJson(QJsonDocument::Compact);
+}
+
+void Timeline::setObserver(std::function<void(const TimelineEntry &)> observer)
+{
+    const QMutexLocker locker(&m_mutex);
+    m_observer = std::move(observer);
+}
+
+quint64 Timeline::append(TimelineEntry entry)
+{
+    std::function<void(const TimelineEntry &)> observer;
+    {
+        const QMutexLocker locker(&m_mutex);
+        entry.sequence = ++m_lastSequence;
+        entry.time =
+            std::chrono::duration_cast<std::chrono::microseconds>(std::chrono::steady_clock::now() - m_start);
+        entry.thread = threadNumber();
+        m_entries.append(entry);
+        observer = m_observer;
+    }
+    if (observer)
+        observer(entry);
+    return entry.sequence;
+}
+
+int Timeline::threadNumber()
+{
+    const Qt::HANDLE current = QThread::currentThreadId();
+    qsizetype index = m_threads.indexOf(current);
+    if (index < 0) {
+        index = m_threads.size();
+        m_threads.append(current);
+    }
+    return static_cast<int>(index) + 1;
+}
