@@ -1,0 +1,302 @@
+#include "Bench.h"
+#include "TimelineText.h"
+
+#include <QtCore/QDir>
+#include <QtCore/QFile>
+#include <QtCore/QResource>
+#include <QtCore/QTemporaryFile>
+#include <QtCore/QtEndian>
+#include <QtTest/QTest>
+
+#include <limits>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const QLatin1StringView profilePath = ":/com.orvane.KVX.Plugin.LogicalDevice.RV418/DefaultProfile.json"_L1;
+const QLatin1StringView imagePath =
+    ":/com.orvane.KVX.Plugin.LogicalDevice.RV418/Images/DarkTheme_Device_Selection_Mouse.png"_L1;
+
+QByteArray profileBytes()
+{
+    return "{\r\n  \"version\": 1,\r\n  \"defaultActions\": [\r\n  ]\r\n}\r\n";
+}
+
+QStringList disableCall(const QString &ids, int mask)
+{
+    return {u"call disbaleButtonsOrKeys([%1])"_s.arg(ids),
+            debugLine(u"disbaleButtonsOrKeys enter, buttonOrKeys : QList(%1)"_s.arg(ids)),
+            u"receiver setDisabledButtonsOrKeysMask(%1) -> true"_s.arg(mask),
+            debugLine(u"disbaleButtonsOrKeys exit"_s)};
+}
+
+/// A resource collection that is registered as long as it lives.
+class RegisteredResource
+{
+public:
+    explicit RegisteredResource(const QString &file)
+        : m_file(file), m_isRegistered(QResource::registerResource(file))
+    {}
+    ~RegisteredResource()
+    {
+        if (m_isRegistered)
+            QResource::unregisterResource(m_file);
+    }
+    Q_DISABLE_COPY_MOVE(RegisteredResource)
+
+    bool isRegistered() const { return m_isRegistered; }
+
+private:
+    QString m_file;
+    bool m_isRegistered;
+};
+
+// A copy of a resource collection with one compressed file, whose compressed bytes are spoilt: the file is
+// found but cannot be opened. The place of the data stands in the fourth word of the collection, each file
+// there begins with its length and the length that it has unpacked.
+QByteArray damagedCollection(const QString &file)
+{
+    QFile source(file);
+    if (!source.open(QIODevice::ReadOnly))
+        return {};
+    QByteArray bytes = source.readAll();
+    const auto dataOffset = qFromBigEndian<quint32>(bytes.constData() + 12);
+    const auto length = qFromBigEndian<quint32>(bytes.constData() + dataOffset);
+    constexpr quint32 lengths = 8;
+    for (quint32 i = lengths; i < length; ++i)
+        bytes[static_cast<qsizetype>(dataOffset + i)] = '\xff';
+    return bytes;
+}
+
+}  // namespace
+
+class tst_Buttons : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void profileIsServedByteForByte();
+    void profileIsAResourceWhileTheLibraryIsLoaded();
+    void profileIsStoredUncompressed();
+    void resourceTreeHoldsNothingElse();
+    void profileThatCannotBeReadIsWarnedOf_data();
+    void profileThatCannotBeReadIsWarnedOf();
+    void imageIsEmptyWithoutAResource();
+    void imageComesFromTheHostsResources();
+    void buttonsAreDisabled_data();
+    void buttonsAreDisabled();
+    void maskIsReplacedNotMerged();
+    void setToDefaultSendsZero();
+    void setToDefaultAfterDisabling();
+    void refusalIsIgnored();
+    void withoutReceiver();
+    void maskIsSentOncePerCall();
+};
+
+void tst_Buttons::profileIsServedByteForByte()
+{
+    Bench bench;
+    HostedDevice &device = bench.create();
+    QCOMPARE(profileBytes().size(), qsizetype(51));
+    QCOMPARE(device.device()->defaultProfile(), profileBytes());
+    device.start();
+    bench.take();
+    QCOMPARE(device.device()->defaultProfile(), profileBytes());
+    QCOMPARE(bench.take(), QString());
+}
+
+void tst_Buttons::profileIsAResourceWhileTheLibraryIsLoaded()
+{
+    QVERIFY(!QFile::exists(profilePath));
+    {
+        Timeline timeline;
+        PluginHost host(timeline);
+        QVERIFY(!host.load(Bench::builtPluginFile()));
+        QFile profile(profilePath);
+        QVERIFY(profile.open(QIODevice::ReadOnly));
+        QCOMPARE(profile.readAll(), profileBytes());
+        profile.close();
+        QVERIFY(host.unload());
+    }
+    QVERIFY(!QFile::exists(profilePath));
+}
+
+void tst_Buttons::profileIsStoredUncompressed()
+{
+    Bench bench;
+    const QResource profile(profilePath);
+    QVERIFY(profile.isValid());
+    QCOMPARE(profile.compressionAlgorithm(), QResource::NoCompression);
+    QCOMPARE(profile.size(), qint64(51));
+    QCOMPARE(QByteArray(reinterpret_cast<const char *>(profile.data()), 51), profileBytes());
+    QCOMPARE(QResource(profilePath, QLocale(QLocale::German)).absoluteFilePath(), QString(profilePath));
+}
+
+void tst_Buttons::resourceTreeHoldsNothingElse()
+{
+    Bench bench;
+    const QDir folder(u":/com.orvane.KVX.Plugin.LogicalDevice.RV418"_s);
+    QVERIFY(folder.exists());
+    QCOMPARE(folder.entryList(), QStringList{u"DefaultProfile.json"_s});
+    QVERIFY(QDir(u":/"_s).entryList().contains(u"com.orvane.KVX.Plugin.LogicalDevice.RV418"_s));
+}
+
+void tst_Buttons::profileThatCannotBeReadIsWarnedOf_data()
+{
+    QTest::addColumn<bool>("isWarningEnabled");
+    QTest::newRow("warning-on") << true;
+    QTest::newRow("warning-off") << false;
+}
+
+void tst_Buttons::profileThatCannotBeReadIsWarnedOf()
+{
+    QFETCH(const bool, isWarningEnabled);
+    // Registered before the library is loaded, a damaged resource under the same path is found first.
+    QTemporaryFile file;
+    QVERIFY(file.open());
+    const QByteArray collection = damagedCollection(QStringLiteral(OTHER_PROFILE_RCC));
+    QCOMPARE(file.write(collection), collection.size());
+    file.close();
+    const RegisteredResource damaged(file.fileName());
+    QVERIFY(damaged.isRegistered());
+    Bench bench({true, isWarningEnabled, true});
+    HostedDevice &device = bench.create();
+    QCOMPARE(device.device()->defaultProfile(), QByteArray());
+    QVERIFY(device.device()->defaultProfile().isEmpty());
+    const QString line = warningLine(u"Unable to load default profile from :  \""_s + profilePath + u'"');
+    QStringList lines = bench.take().split(u'\n');
+    lines.removeIf([](const QString &text) { return !text.contains(u"RV418.LogicalDevice"_s); });
+    QCOMPARE(lines, isWarningEnabled ? QStringList({line, line}) : QStringList());
+}
+
+void tst_Buttons::imageIsEmptyWithoutAResource()
+{
+    Bench bench;
+    HostedDevice &device = bench.create();
+    QCOMPARE(device.device()->deviceImage(), QByteArray());
+    device.start();
+    bench.take();
+    QCOMPARE(device.device()->deviceImage(), QByteArray());
+    QCOMPARE(bench.take(), QString());
+}
+
+void tst_Buttons::imageComesFromTheHostsResources()
+{
+    Bench bench;
+    HostedDevice &device = bench.create();
+    {
+        const RegisteredResource images(QStringLiteral(DEVICE_IMAGE_RCC));
+        QVERIFY(images.isRegistered());
+        QVERIFY(QFile::exists(imagePath));
+        QCOMPARE(device.device()->deviceImage(), QByteArray("not quite a picture\n"));
+    }
+    QCOMPARE(device.device()->deviceImage(), QByteArray());
+}
+
+void tst_Buttons::buttonsAreDisabled_data()
+{
+    QTest::addColumn<QList<int>>("ids");
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<int>("mask");
+    QTest::newRow("first") << QList<int>{1} << u"1"_s << 0x01;
+    QTest::newRow("last") << QList<int>{5} << u"5"_s << 0x10;
+    QTest::newRow("odd-ones") << QList<int>{1, 3, 5} << u"1, 3, 5"_s << 0x15;
+    QTest::newRow("all") << QList<int>{5, 4, 3, 2, 1} << u"5, 4, 3, 2, 1"_s << 0x1f;
+    QTest::newRow("twice-and-unknown") << QList<int>{2, 2, 7} << u"2, 2, 7"_s << 0x02;
+    QTest::newRow("none") << QList<int>() << QString() << 0;
+    QTest::newRow("only-unknown") << QList<int>{0, 6, 8, -1, 128} << u"0, 6, 8, -1, 128"_s << 0;
+    QTest::newRow("smart-pointer-bit-is-no-button") << QList<int>{8} << u"8"_s << 0;
+    QTest::newRow("extremes") << QList<int>{std::numeric_limits<int>::min(), std::numeric_limits<int>::max(),
+                                            4}
+                              << u"-2147483648, 2147483647, 4"_s << 0x08;
+    QTest::newRow("word-multiples") << QList<int>{33, 257, 65537} << u"33, 257, 65537"_s << 0;
+}
+
+void tst_Buttons::buttonsAreDisabled()
+{
+    QFETCH(const QList<int>, ids);
+    QFETCH(const QString, text);
+    QFETCH(const int, mask);
+    Bench bench;
+    HostedDevice &device = bench.started();
+    device.disbaleButtonsOrKeys(ids);
+    QCOMPARE(bench.take(), timelineText(disableCall(text, mask)));
+}
+
+void tst_Buttons::maskIsReplacedNotMerged()
+{
+    Bench bench;
+    HostedDevice &device = bench.started();
+    device.disbaleButtonsOrKeys({4});
+    device.disbaleButtonsOrKeys({1});
+    QCOMPARE(bench.take(), timelineText(disableCall(u"4"_s, 0x08) + disableCall(u"1"_s, 0x01)));
+}
+
+void tst_Buttons::setToDefaultSendsZero()
+{
+    Bench bench;
+    HostedDevice &device = bench.started();
+    device.setButtonsOrKeysToDefault();
+    QCOMPARE(bench.take(), timelineText({u"call setButtonsOrKeysToDefault()"_s,
+                                         debugLine(u"setButtonsOrKeysToDefault enter"_s),
+                                         u"receiver setDisabledButtonsOrKeysMask(0) -> true"_s,
+                                         debugLine(u"setButtonsOrKeysToDefault exit"_s)}));
+}
+
+void tst_Buttons::setToDefaultAfterDisabling()
+{
+    Bench bench({false, false, false});
+    HostedDevice &device = bench.started();
+    device.disbaleButtonsOrKeys({1, 2, 3, 4, 5});
+    bench.take();
+    device.setButtonsOrKeysToDefault();
+    QCOMPARE(bench.take(), timelineText({u"call setButtonsOrKeysToDefault()"_s,
+                                         u"receiver setDisabledButtonsOrKeysMask(0) -> true"_s}));
+}
+
+void tst_Buttons::refusalIsIgnored()
+{
+    Bench bench;
+    HostedDevice &device = bench.started();
+    bench.receiver.answers.acceptsRequests = false;
+    device.setButtonsOrKeysToDefault();
+    device.disbaleButtonsOrKeys({1});
+    QCOMPARE(
+        bench.take(),
+        timelineText({u"call setButtonsOrKeysToDefault()"_s, debugLine(u"setButtonsOrKeysToDefault enter"_s),
+                      u"receiver setDisabledButtonsOrKeysMask(0) -> false"_s,
+                      debugLine(u"setButtonsOrKeysToDefault exit"_s), u"call disbaleButtonsOrKeys([1])"_s,
+                      debugLine(u"disbaleButtonsOrKeys enter, buttonOrKeys : QList(1)"_s),
+                      u"receiver setDisabledButtonsOrKeysMask(1) -> false"_s,
+                      debugLine(u"disbaleButtonsOrKeys exit"_s)}));
+}
+
+void tst_Buttons::withoutReceiver()
+{
+    Bench bench;
+    HostedDevice &device = bench.create();
+    device.disbaleButtonsOrKeys({1});
+    device.setButtonsOrKeysToDefault();
+    QCOMPARE(bench.take(),
+             timelineText({u"call disbaleButtonsOrKeys([1])"_s,
+                           debugLine(u"disbaleButtonsOrKeys enter, buttonOrKeys : QList(1)"_s),
+                           warningLine(u"Unknown IPhysicalDevice interface"_s),
+                           debugLine(u"disbaleButtonsOrKeys exit"_s), u"call setButtonsOrKeysToDefault()"_s,
+                           debugLine(u"setButtonsOrKeysToDefault enter"_s),
+                           warningLine(u"Unknown IPhysicalDevice interface"_s),
+                           debugLine(u"setButtonsOrKeysToDefault exit"_s)}));
+}
+
+void tst_Buttons::maskIsSentOncePerCall()
+{
+    // The same mask again is sent again: the mouse may have lost it.
+    Bench bench;
+    HostedDevice &device = bench.started();
+    device.disbaleButtonsOrKeys({3});
+    device.disbaleButtonsOrKeys({3});
+    QCOMPARE(bench.take(), timelineText(disableCall(u"3"_s, 0x04) + disableCall(u"3"_s, 0x04)));
+}
+
+QTEST_GUILESS_MAIN(tst_Buttons)
+#include "tst_Buttons.moc"

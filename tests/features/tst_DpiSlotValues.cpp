@@ -1,0 +1,729 @@
+#include "Bench.h"
+#include "OtherThread.h"
+#include "TimelineText.h"
+
+#include <QtTest/QTest>
+
+#include <array>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+using SlotValues = std::array<quint16, 5>;
+
+constexpr SlotValues factoryValues{800, 1600, 2400, 3200, 4000};
+const char *const factoryTexts = "800 1600 2400 3200 4000";
+
+QStringList words(const char *text)
+{
+    return QString::fromUtf8(text).split(u' ');
+}
+
+QString joined(const SlotValues &values)
+{
+    QStringList texts;
+    for (const quint16 value : values)
+        texts.append(QString::number(value));
+    return texts.join(u", "_s);
+}
+
+QString requestCall(const QStringList &texts)
+{
+    return u"call setDpiSlotValues([\"%1\"])"_s.arg(texts.join(u"\", \""_s));
+}
+
+QString settingLine(const SlotValues &values)
+{
+    return debugLine(u"Setting dpi slot values :  QList("_s + joined(values) + u')');
+}
+
+QString sentLine(const SlotValues &values, bool isAccepted = true, int button = 15, int slot = 2)
+{
+    return u"receiver setDpiSlotValues([%1], %2, %3) -> %4"_s.arg(joined(values))
+        .arg(button)
+        .arg(slot)
+        .arg(isAccepted ? u"true"_s : u"false"_s);
+}
+
+QString pendingSignal(bool isPending)
+{
+    return u"signal isDpiSlotValuesChangePendingChanged(%1)"_s.arg(isPending ? u"true"_s : u"false"_s);
+}
+
+QString valuesSignal(const SlotValues &values)
+{
+    QStringList texts;
+    for (const quint16 value : values)
+        texts.append(u'"' + QString::number(value) + u'"');
+    return u"signal dpiSlotValuesChanged([%1])"_s.arg(texts.join(u", "_s));
+}
+
+QStringList changeLines(const QStringList &inner)
+{
+    return QStringList{debugLine(u"onDpiSlotValuesChanged enter"_s)} + inner +
+           QStringList{debugLine(u"onDpiSlotValuesChanged exit"_s)};
+}
+
+QString updatingLine(const SlotValues &values)
+{
+    return debugLine(u"Updating dpiSlotValues :  QList("_s + joined(values) + u')');
+}
+
+QString exitLine()
+{
+    return debugLine(u"setDpiSlotValues exit"_s);
+}
+
+QString refusedLine()
+{
+    return warningLine(u"Dongle set dpi slot values failed"_s);
+}
+
+/// A started device that knows its range.
+HostedDevice &ranged(Bench &bench, int minimum = 100, int maximum = 8000)
+{
+    HostedDevice &device = bench.started();
+    Q_EMIT bench.receiver.dpiMinChanged(minimum);
+    Q_EMIT bench.receiver.dpiMaxChanged(maximum);
+    bench.take();
+    return device;
+}
+
+/// As ranged(), with a request for these values pending.
+HostedDevice &pending(Bench &bench, const char *texts)
+{
+    HostedDevice &device = ranged(bench);
+    device.setDpiSlotValues(words(texts));
+    bench.take();
+    return device;
+}
+
+// The enter line names an address, which is checked for being one, and left out.
+QStringList takeConfirmation(Bench &bench)
+{
+    QStringList lines = bench.take().split(u'\n');
+    const QString enter = debugLine(u"dpiSlotValuesConfirmed enter, values : 0x"_s);
+    if (lines.size() < 2 || !lines.at(1).startsWith(enter))
+        return {u"no enter line with an address: "_s + lines.join(u'\n')};
+    return lines.mid(2);
+}
+
+}  // namespace
+
+class tst_DpiSlotValues : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void requestIsPendingUntilConfirmed();
+    void requestWithoutRange_data();
+    void requestWithoutRange();
+    void smallestRangeIsEnough();
+    void rangeLostAgainRefusesRequests();
+    void requestOfAnotherLength_data();
+    void requestOfAnotherLength();
+    void unknownRangeIsToldBeforeTheLength();
+    void slotTexts_data();
+    void slotTexts();
+    void everyRejectedEntryIsWarnedOf();
+    void allEntriesRejectedIsSentAllTheSame();
+    void invertedRangeRejectsAllButTheSpecialValues();
+    void requestCarriesButtonAndActiveSlot();
+    void requestWithoutReceiver();
+    void confirmationWithoutReceiver();
+    void refusedFromIdle();
+    void refusedWhilePending();
+    void secondRequestReplacesTheFirst();
+    void sameValuesAreSentAgain();
+    void confirmationWithNothingPending();
+    void confirmationThatDisagreesSendsAgain_data();
+    void confirmationThatDisagreesSendsAgain();
+    void confirmationRepeatsWithoutLimit();
+    void refusedRepeatEndsTheRequest();
+    void requestedZeroAgreesWithAnything();
+    void requestedLargestWordMustBeConfirmed();
+    void confirmationOfTheKnownValues();
+    void confirmationAfterARefusedRequestIsIgnored();
+    void storedValuesAreThereInTheSignal();
+    void reportUnasked();
+    void reportOfTheSameValues();
+    void reportWhilePendingLeavesTheRequest();
+    void reportTakesAnyWords();
+    void valuesStayWhenTheRangeChanges();
+    void currentDpiDoesNotFollowTheSlotsValue();
+    void otherThreadChangesAtOnceAndSignalsLater();
+    void otherThreadSignalsCarryTheValueAtDelivery();
+    void reportFromAnotherThreadWhileRequesting();
+    void requestSurvivesStop();
+    void switchesOff();
+};
+
+void tst_DpiSlotValues::requestIsPendingUntilConfirmed()
+{
+    Bench bench;
+    HostedDevice &device = ranged(bench);
+    device.setDpiSlotValues(words(factoryTexts));
+    QCOMPARE(bench.take(), timelineText({requestCall(words(factoryTexts)), settingLine(factoryValues),
+                                         sentLine(factoryValues), pendingSignal(true), exitLine()}));
+    QVERIFY(device.device()->isDpiSlotValuesChangePending());
+    QCOMPARE(device.device()->dpiSlotValues(), QStringList());
+
+    device.dpiSlotValuesConfirmed(factoryValues.data());
+    QCOMPARE(takeConfirmation(bench),
+             changeLines({updatingLine(factoryValues), valuesSignal(factoryValues)}) +
+                 QStringList({pendingSignal(false), debugLine(u"dpiSlotValuesConfirmed exit"_s)}));
+    QVERIFY(!device.device()->isDpiSlotValuesChangePending());
+    QCOMPARE(device.device()->dpiSlotValues(), words(factoryTexts));
+}
+
+void tst_DpiSlotValues::requestWithoutRange_data()
+{
+    QTest::addColumn<int>("minimum");
+    QTest::addColumn<int>("maximum");
+    QTest::newRow("nothing-known") << 0 << 0;
+    QTest::newRow("no-minimum") << 0 << 8000;
+    QTest::newRow("no-maximum") << 100 << 0;
+    QTest::newRow("negative-minimum") << -100 << 8000;
+    QTest::newRow("negative-maximum") << 100 << -1;
+}
+
+void tst_DpiSlotValues::requestWithoutRange()
+{
+    QFETCH(const int, minimum);
+    QFETCH(const int, maximum);
+    Bench bench;
+    HostedDevice &device = ranged(bench, minimum, maximum);
+    device.setDpiSlotValues(words(factoryTexts));
+    QCOMPARE(bench.take(),
+             timelineText({requestCall(words(factoryTexts)),
+                           warningLine(u"Ignoring SET command, dpi min and max are not set"_s), exitLine()}));
+    QVERIFY(!device.device()->isDpiSlotValuesChangePending());
+}
+
+void tst_DpiSlotValues::smallestRangeIsEnough()
+{
+    Bench bench({false, true, false});
+    HostedDevice &device = ranged(bench, 1, 1);
+    device.setDpiSlotValues(words("1 1 1 1 2"));
+    QCOMPARE(bench.take(),
+             timelineText({requestCall(words("1 1 1 1 2")), warningLine(u"Ignoring slot value :  \"2\""_s),
+                           sentLine({1, 1, 1, 1, 0}), pendingSignal(true)}));
+}
+
+void tst_DpiSlotValues::rangeLostAgainRefusesRequests()
+{
+    Bench bench;
+    HostedDevice &device = pending(bench, factoryTexts);
+    Q_EMIT bench.receiver.dpiMinChanged(0);
+    bench.take();
+    device.setDpiSlotValues(words("1 2 3 4 5"));
+    QCOMPARE(bench.take(),
+             timelineText({requestCall(words("1 2 3 4 5")),
+                           warningLine(u"Ignoring SET command, dpi min and max are not set"_s), exitLine()}));
+    // The earlier request is still waited for.
+    QVERIFY(device.device()->isDpiSlotValuesChangePending());
+    device.dpiSlotValuesConfirmed(factoryValues.data());
+    QVERIFY(!device.device()->isDpiSlotValuesChangePending());
+}
+
+void tst_DpiSlotValues::requestOfAnotherLength_data()
+{
+    QTest::addColumn<QStringList>("texts");
+    QTest::newRow("empty") << QStringList();
+    QTest::newRow("four") << words("800 1600 2400 3200");
+    QTest::newRow("six") << words("800 1600 2400 3200 4000 4800");
+    QTest::newRow("thousands") << QStringList(5000, u"800"_s);
+}
+
+void tst_DpiSlotValues::requestOfAnotherLength()
+{
+    QFETCH(const QStringList, texts);
+    Bench bench;
+    HostedDevice &device = ranged(bench);
+    device.setDpiSlotValues(texts);
+    QCOMPARE(bench.take().split(u'\n').mid(1),
+             QStringList({warningLine(u"Invalid SET command, dpiSlotValues parameter must have size 5"_s),
+                          exitLine()}));
+    QVERIFY(!device.device()->isDpiSlotValuesChangePending());
+}
+
+void tst_DpiSlotValues::unknownRangeIsToldBeforeTheLength()
+{
+    Bench bench;
+    HostedDevice &device = bench.started();
+    device.setDpiSlotValues(words("800"));
+    QCOMPARE(bench.take(),
+             timelineText({requestCall(words("800")),
+                           warningLine(u"Ignoring SET command, dpi min and max are not set"_s), exitLine()}));
+}
+
+void tst_DpiSlotValues::slotTexts_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<quint16>("sent");
+    QTest::addColumn<bool>("isRejected");
+    const auto row = [](const char *tag, const QString &text, quint16 sent, bool isRejected = false) {
+        QTest::newRow(tag) << text << sent << isRejected;
+    };
+    row("in-range", u"1600"_s, 1600);
+    row("minimum", u"100"_s, 100);
+    row("maximum", u"8000"_s, 8000);
+    row("below-range", u"99"_s, 0, true);
+    row("above-range", u"8001"_s, 0, true);
+    row("zero", u"0"_s, 0);
+    row("zeros", u"000"_s, 0);
+    row("largest-word", u"65535"_s, 65535);
+    row("one-below-the-largest-word", u"65534"_s, 0, true);
+    row("cut-to-zero", u"65536"_s, 0);
+    row("cut-into-the-range", u"70000"_s, 4464);
+    row("cut-below-the-range", u"65537"_s, 0, true);
+    row("cut-to-the-largest-word", u"131071"_s, 65535);
+    row("largest-number", u"4294967295"_s, 65535);
+    row("too-large-for-a-number", u"4294967296"_s, 0, true);
+    row("negative", u"-1"_s, 0, true);
+    row("negative-zero", u"-0"_s, 0, true);
+    row("no-number", u"abc"_s, 0, true);
+    row("empty", QString(), 0, true);
+    row("plus-sign", u"+800"_s, 800);
+    row("leading-blank", u" 800"_s, 800);
+    row("tab-and-line-feed", u"\t800\n"_s, 800);
+    row("leading-zero-is-decimal", u"0800"_s, 800);
+    row("hexadecimal", u"0x320"_s, 0, true);
+    row("fraction", u"800.0"_s, 0, true);
+    row("exponent", u"8e2"_s, 0, true);
+    row("group-separator", u"1,600"_s, 0, true);
+    row("digits-of-another-script", u"٨٠٠"_s, 0, true);
+    row("unit-behind", u"800dpi"_s, 0, true);
+}
+
+void tst_DpiSlotValues::slotTexts()
+{
+    QFETCH(const QString, text);
+    QFETCH(const quint16, sent);
+    QFETCH(const bool, isRejected);
+    Bench bench;
+    HostedDevice &device = ranged(bench);
+    device.setDpiSlotValues({u"800"_s, text, u"2400"_s, u"3200"_s, u"4000"_s});
+
+    const SlotValues values{800, sent, 2400, 3200, 4000};
+    QStringList expected;
+    if (isRejected) {
+        QString shown;
+        QDebug(&shown).nospace() << text;
+        expected += warningLine(u"Ignoring slot value :  "_s + shown);
+    }
+    expected += {settingLine(values), sentLine(values), pendingSignal(true), exitLine()};
+    const QString timeline = bench.take();
+    QCOMPARE(timeline.mid(timeline.indexOf(u")\n"_s) + 2), timelineText(expected));
+}
+
+void tst_DpiSlotValues::everyRejectedEntryIsWarnedOf()
+{
+    Bench bench;
+    HostedDevice &device = ranged(bench);
+    device.setDpiSlotValues(words("800 1600 abc 9000 0"));
+    const SlotValues values{800, 1600, 0, 0, 0};
+    QCOMPARE(bench.take(),
+             timelineText({requestCall(words("800 1600 abc 9000 0")),
+                           warningLine(u"Ignoring slot value :  \"abc\""_s),
+                           warningLine(u"Ignoring slot value :  \"9000\""_s), settingLine(values),
+                           sentLine(values), pendingSignal(true), exitLine()}));
+}
+
+void tst_DpiSlotValues::allEntriesRejectedIsSentAllTheSame()
+{
+    Bench bench({false, false, false});
+    HostedDevice &device = ranged(bench);
+    device.setDpiSlotValues(words("a b c d e"));
+    QCOMPARE(bench.take(),
+             timelineText({requestCall(words("a b c d e")), sentLine({0, 0, 0, 0, 0}), pendingSignal(true)}));
+}
+
+void tst_DpiSlotValues::invertedRangeRejectsAllButTheSpecialValues()
+{
+    Bench bench({false, true, false});
+    HostedDevice &device = ranged(bench, 8000, 100);
+    device.setDpiSlotValues(words("100 8000 4000 65535 0"));
+    QCOMPARE(bench.take(), timelineText({requestCall(words("100 8000 4000 65535 0")),
+                                         warningLine(u"Ignoring slot value :  \"100\""_s),
+                                         warningLine(u"Ignoring slot value :  \"8000\""_s),
+                                         warningLine(u"Ignoring slot value :  \"4000\""_s),
+                                         sentLine({0, 0, 0, 65535, 0}), pendingSignal(true)}));
+}
+
+void tst_DpiSlotValues::requestCarriesButtonAndActiveSlot()
+{
+    Bench bench({false, false, false});
+    HostedDevice &device = ranged(bench);
+    device.dpiButtonIdChangedCallBack(-4);
+    device.activeDpiSlotIndexChangedCallBack(7);
+    bench.take();
+    device.setDpiSlotValues(words(factoryTexts));
+    QCOMPARE(bench.take(), timelineText({requestCall(words(factoryTexts)),
+                                         sentLine(factoryValues, true, -4, 7), pendingSignal(true)}));
+}
+
+void tst_DpiSlotValues::requestWithoutReceiver()
+{
+    Bench bench;
+    HostedDevice &device = bench.create();
+    QMetaObject::invokeMethod(device.object(), "onDpiMinChanged", Q_ARG(int, 100));
+    QMetaObject::invokeMethod(device.object(), "onDpiMaxChanged", Q_ARG(int, 8000));
+    bench.take();
+    device.setDpiSlotValues(words(factoryTexts));
+    QCOMPARE(bench.take(), timelineText({requestCall(words(factoryTexts)), settingLine(factoryValues),
+                                         warningLine(u"Unknown IPhysicalDevice interface"_s), exitLine()}));
+    QVERIFY(!device.device()->isDpiSlotValuesChangePending());
+}
+
+void tst_DpiSlotValues::confirmationWithoutReceiver()
+{
+    Bench bench;
+    HostedDevice &device = bench.create(nullptr, Bench::mouse);
+    device.start();
+    QMetaObject::invokeMethod(device.object(), "onDpiMinChanged", Q_ARG(int, 100));
+    QMetaObject::invokeMethod(device.object(), "onDpiMaxChanged", Q_ARG(int, 8000));
+    device.setDpiSlotValues(words(factoryTexts));
+    bench.take();
+    device.dpiSlotValuesConfirmed(factoryValues.data());
+    QCOMPARE(takeConfirmation(bench), QStringList{debugLine(u"dpiSlotValuesConfirmed exit"_s)});
+    QCOMPARE(device.device()->dpiSlotValues(), QStringList());
+}
+
+void tst_DpiSlotValues::refusedFromIdle()
+{
+    Bench bench;
+    HostedDevice &device = ranged(bench);
+    bench.receiver.answers.acceptsRequests = false;
+    device.setDpiSlotValues(words(factoryTexts));
+    QCOMPARE(bench.take(), timelineText({requestCall(words(factoryTexts)), settingLine(factoryValues),
+                                         sentLine(factoryValues, false), refusedLine(), exitLine()}));
+    QVERIFY(!device.device()->isDpiSlotValuesChangePending());
+}
+
+void tst_DpiSlotValues::refusedWhilePending()
+{
+    Bench bench;
+    HostedDevice &device = pending(bench, factoryTexts);
+    bench.receiver.answers.acceptsRequests = false;
+    device.setDpiSlotValues(words("200 300 400 500 600"));
+    const SlotValues values{200, 300, 400, 500, 600};
+    QCOMPARE(bench.take(),
+             timelineText({requestCall(words("200 300 400 500 600")), settingLine(values),
+                           sentLine(values, false), refusedLine(), pendingSignal(false), exitLine()}));
+    QVERIFY(!device.device()->isDpiSlotValuesChangePending());
+}
+
+void tst_DpiSlotValues::secondRequestReplacesTheFirst()
+{
+    Bench bench;
+    HostedDevice &device = pending(bench, factoryTexts);
+    device.setDpiSlotValues(words("200 300 400 500 600"));
+    const SlotValues values{200, 300, 400, 500, 600};
+    QCOMPARE(bench.take(), timelineText({requestCall(words("200 300 400 500 600")), settingLine(values),
+                                         sentLine(values), exitLine()}));
+
+    // A confirmation of the first disagrees with the second.
+    device.dpiSlotValuesConfirmed(factoryValues.data());
+    QCOMPARE(takeConfirmation(bench), QStringList({settingLine(values), sentLine(values),
+                                                   debugLine(u"dpiSlotValuesConfirmed exit"_s)}));
+    device.dpiSlotValuesConfirmed(values.data());
+    QCOMPARE(device.device()->dpiSlotValues(), words("200 300 400 500 600"));
+    QVERIFY(!device.device()->isDpiSlotValuesChangePending());
+}
+
+void tst_DpiSlotValues::sameValuesAreSentAgain()
+{
+    Bench bench({false, false, false});
+    HostedDevice &device = pending(bench, factoryTexts);
+    device.dpiSlotValuesConfirmed(factoryValues.data());
+    bench.take();
+    device.setDpiSlotValues(words(factoryTexts));
+    QCOMPARE(bench.take(),
+             timelineText({requestCall(words(factoryTexts)), sentLine(factoryValues), pendingSignal(true)}));
+}
+
+void tst_DpiSlotValues::confirmationWithNothingPending()
+{
+    Bench bench;
+    HostedDevice &device = ranged(bench);
+    device.dpiSlotValuesConfirmed(factoryValues.data());
+    QCOMPARE(takeConfirmation(bench), QStringList{debugLine(u"dpiSlotValuesConfirmed exit"_s)});
+    QCOMPARE(device.device()->dpiSlotValues(), QStringList());
+}
+
+void tst_DpiSlotValues::confirmationThatDisagreesSendsAgain_data()
+{
+    QTest::addColumn<int>("slot");
+    QTest::newRow("first-slot") << 0;
+    QTest::newRow("second-slot") << 1;
+    QTest::newRow("third-slot") << 2;
+    QTest::newRow("fourth-slot") << 3;
+    QTest::newRow("fifth-slot") << 4;
+}
+
+void tst_DpiSlotValues::confirmationThatDisagreesSendsAgain()
+{
+    QFETCH(const int, slot);
+    Bench bench;
+    HostedDevice &device = pending(bench, factoryTexts);
+    SlotValues confirmed = factoryValues;
+    confirmed.at(static_cast<size_t>(slot)) = 1500;
+    device.dpiSlotValuesConfirmed(confirmed.data());
+    QCOMPARE(takeConfirmation(bench), QStringList({settingLine(factoryValues), sentLine(factoryValues),
+                                                   debugLine(u"dpiSlotValuesConfirmed exit"_s)}));
+    QVERIFY(device.device()->isDpiSlotValuesChangePending());
+    QCOMPARE(device.device()->dpiSlotValues(), QStringList());
+}
+
+void tst_DpiSlotValues::confirmationRepeatsWithoutLimit()
+{
+    Bench bench({false, false, false});
+    HostedDevice &device = pending(bench, factoryTexts);
+    const SlotValues other{1, 1, 1, 1, 1};
+    for (int i = 0; i < 1000; ++i) {
+        device.dpiSlotValuesConfirmed(other.data());
+        QCOMPARE(bench.take(),
+                 timelineText({u"call dpiSlotValuesConfirmed([1, 1, 1, 1, 1])"_s, sentLine(factoryValues)}));
+    }
+    device.dpiSlotValuesConfirmed(factoryValues.data());
+    QVERIFY(!device.device()->isDpiSlotValuesChangePending());
+}
+
+void tst_DpiSlotValues::refusedRepeatEndsTheRequest()
+{
+    Bench bench;
+    HostedDevice &device = pending(bench, factoryTexts);
+    bench.receiver.answers.acceptsRequests = false;
+    const SlotValues other{800, 1600, 2400, 3200, 1};
+    device.dpiSlotValuesConfirmed(other.data());
+    QCOMPARE(takeConfirmation(bench),
+             QStringList({settingLine(factoryValues), sentLine(factoryValues, false), refusedLine(),
+                          pendingSignal(false), debugLine(u"dpiSlotValuesConfirmed exit"_s)}));
+    QCOMPARE(device.device()->dpiSlotValues(), QStringList());
+}
+
+void tst_DpiSlotValues::requestedZeroAgreesWithAnything()
+{
+    Bench bench;
+    HostedDevice &device = pending(bench, "800 0 2400 3200 4000");
+    const SlotValues confirmed{800, 1000, 2400, 3200, 4000};
+    device.dpiSlotValuesConfirmed(confirmed.data());
+    QCOMPARE(takeConfirmation(bench),
+             changeLines({updatingLine(confirmed), valuesSignal(confirmed)}) +
+                 QStringList({pendingSignal(false), debugLine(u"dpiSlotValuesConfirmed exit"_s)}));
+    QCOMPARE(device.device()->dpiSlotValues(), words("800 1000 2400 3200 4000"));
+}
+
+void tst_DpiSlotValues::requestedLargestWordMustBeConfirmed()
+{
+    Bench bench({false, false, false});
+    HostedDevice &device = pending(bench, "65535 1600 2400 3200 4000");
+    const SlotValues requested{65535, 1600, 2400, 3200, 4000};
+    const SlotValues zero{0, 1600, 2400, 3200, 4000};
+    device.dpiSlotValuesConfirmed(zero.data());
+    QCOMPARE(bench.take(), timelineText({u"call dpiSlotValuesConfirmed([0, 1600, 2400, 3200, 4000])"_s,
+                                         sentLine(requested)}));
+    device.dpiSlotValuesConfirmed(requested.data());
+    QCOMPARE(device.device()->dpiSlotValues(), words("65535 1600 2400 3200 4000"));
+}
+
+void tst_DpiSlotValues::confirmationOfTheKnownValues()
+{
+    Bench bench;
+    HostedDevice &device = ranged(bench);
+    device.dpiSlotValuesChangedCallBack(factoryValues.data());
+    device.setDpiSlotValues(words(factoryTexts));
+    bench.take();
+    device.dpiSlotValuesConfirmed(factoryValues.data());
+    QCOMPARE(takeConfirmation(bench),
+             changeLines({}) +
+                 QStringList({pendingSignal(false), debugLine(u"dpiSlotValuesConfirmed exit"_s)}));
+}
+
+void tst_DpiSlotValues::confirmationAfterARefusedRequestIsIgnored()
+{
+    Bench bench({false, false, false});
+    HostedDevice &device = pending(bench, factoryTexts);
+    bench.receiver.answers.acceptsRequests = false;
+    device.setDpiSlotValues(words("200 300 400 500 600"));
+    bench.take();
+    device.dpiSlotValuesConfirmed(factoryValues.data());
+    QCOMPARE(bench.take(), u"call dpiSlotValuesConfirmed([800, 1600, 2400, 3200, 4000])"_s);
+    QCOMPARE(device.device()->dpiSlotValues(), QStringList());
+}
+
+void tst_DpiSlotValues::storedValuesAreThereInTheSignal()
+{
+    Bench bench({false, false, false});
+    HostedDevice &device = pending(bench, factoryTexts);
+    QList<QStringList> seen;
+    QList<bool> flags;
+    bench.timeline.setObserver([&](const TimelineEntry &entry) {
+        if (entry.kind == TimelineEntry::Kind::Signal) {
+            seen.append(device.device()->dpiSlotValues());
+            flags.append(device.device()->isDpiSlotValuesChangePending());
+        }
+    });
+    device.dpiSlotValuesConfirmed(factoryValues.data());
+    bench.timeline.setObserver({});
+    // The values are stored first, and the request ends only after their signal.
+    QCOMPARE(seen, QList<QStringList>({words(factoryTexts), words(factoryTexts)}));
+    QCOMPARE(flags, QList<bool>({true, false}));
+}
+
+void tst_DpiSlotValues::reportUnasked()
+{
+    Bench bench;
+    HostedDevice &device = bench.create();
+    device.dpiSlotValuesChangedCallBack(factoryValues.data());
+    QCOMPARE(bench.take(),
+             timelineText(QStringList{u"call dpiSlotValuesChangedCallBack([800, 1600, 2400, 3200, 4000])"_s} +
+                          changeLines({updatingLine(factoryValues), valuesSignal(factoryValues)})));
+    QCOMPARE(device.device()->dpiSlotValues(), words(factoryTexts));
+}
+
+void tst_DpiSlotValues::reportOfTheSameValues()
+{
+    Bench bench;
+    HostedDevice &device = bench.started();
+    device.dpiSlotValuesChangedCallBack(factoryValues.data());
+    bench.take();
+    device.dpiSlotValuesChangedCallBack(factoryValues.data());
+    QCOMPARE(bench.take(),
+             timelineText(QStringList{u"call dpiSlotValuesChangedCallBack([800, 1600, 2400, 3200, 4000])"_s} +
+                          changeLines({})));
+}
+
+void tst_DpiSlotValues::reportWhilePendingLeavesTheRequest()
+{
+    Bench bench;
+    HostedDevice &device = pending(bench, factoryTexts);
+    const SlotValues other{1, 2, 3, 4, 5};
+    device.dpiSlotValuesChangedCallBack(other.data());
+    QCOMPARE(bench.take(), timelineText(QStringList{u"call dpiSlotValuesChangedCallBack([1, 2, 3, 4, 5])"_s} +
+                                        changeLines({updatingLine(other), valuesSignal(other)})));
+    QVERIFY(device.device()->isDpiSlotValuesChangePending());
+    QCOMPARE(device.device()->dpiSlotValues(), words("1 2 3 4 5"));
+
+    // Even a report of just what was requested is no confirmation.
+    device.dpiSlotValuesChangedCallBack(factoryValues.data());
+    QVERIFY(device.device()->isDpiSlotValuesChangePending());
+    bench.take();
+    device.dpiSlotValuesConfirmed(factoryValues.data());
+    QCOMPARE(takeConfirmation(bench),
+             changeLines({}) +
+                 QStringList({pendingSignal(false), debugLine(u"dpiSlotValuesConfirmed exit"_s)}));
+}
+
+void tst_DpiSlotValues::reportTakesAnyWords()
+{
+    Bench bench({false, false, false});
+    HostedDevice &device = ranged(bench);
+    const SlotValues values{0, 1, 65535, 65534, 9000};
+    device.dpiSlotValuesChangedCallBack(values.data());
+    QCOMPARE(device.device()->dpiSlotValues(), words("0 1 65535 65534 9000"));
+}
+
+void tst_DpiSlotValues::valuesStayWhenTheRangeChanges()
+{
+    Bench bench({false, false, false});
+    HostedDevice &device = ranged(bench);
+    device.dpiSlotValuesChangedCallBack(factoryValues.data());
+    bench.take();
+    Q_EMIT bench.receiver.dpiMaxChanged(1000);
+    QCOMPARE(bench.take(), u"signal dpiMaxChanged(1000)"_s);
+    QCOMPARE(device.device()->dpiSlotValues(), words(factoryTexts));
+}
+
+void tst_DpiSlotValues::currentDpiDoesNotFollowTheSlotsValue()
+{
+    Bench bench({false, false, false});
+    HostedDevice &device = bench.started();
+    device.dpiValueChangedCallBack(1600);
+    bench.take();
+    const SlotValues values{1, 2, 3, 4, 5};
+    device.dpiSlotValuesChangedCallBack(values.data());
+    QCOMPARE(bench.take(),
+             timelineText({u"call dpiSlotValuesChangedCallBack([1, 2, 3, 4, 5])"_s, valuesSignal(values)}));
+    QCOMPARE(device.device()->dpiValue(), 1600);
+}
+
+void tst_DpiSlotValues::otherThreadChangesAtOnceAndSignalsLater()
+{
+    Bench bench({false, false, false});
+    HostedDevice &device = ranged(bench);
+    OtherThread other;
+    other.run([&] { device.setDpiSlotValues(words(factoryTexts)); });
+    QVERIFY(device.device()->isDpiSlotValuesChangePending());
+    QCOMPARE(bench.take(), timelineText({requestCall(words(factoryTexts)) + u" on thread 2"_s,
+                                         sentLine(factoryValues) + u" on thread 2"_s}));
+    deliverQueuedCalls();
+    QCOMPARE(bench.take(), pendingSignal(true));
+
+    other.run([&] { device.dpiSlotValuesConfirmed(factoryValues.data()); });
+    QCOMPARE(device.device()->dpiSlotValues(), words(factoryTexts));
+    QVERIFY(!device.device()->isDpiSlotValuesChangePending());
+    bench.take();
+    deliverQueuedCalls();
+    QCOMPARE(bench.take(), timelineText({valuesSignal(factoryValues), pendingSignal(false)}));
+}
+
+void tst_DpiSlotValues::otherThreadSignalsCarryTheValueAtDelivery()
+{
+    Bench bench({false, false, false});
+    HostedDevice &device = ranged(bench);
+    const SlotValues later{1, 2, 3, 4, 5};
+    OtherThread other;
+    other.run([&] {
+        device.setDpiSlotValues(words(factoryTexts));
+        device.dpiSlotValuesConfirmed(factoryValues.data());
+        device.dpiSlotValuesChangedCallBack(later.data());
+    });
+    bench.take();
+    deliverQueuedCalls();
+    QCOMPARE(bench.take(), timelineText({pendingSignal(false), valuesSignal(later), pendingSignal(false),
+                                         valuesSignal(later)}));
+}
+
+void tst_DpiSlotValues::reportFromAnotherThreadWhileRequesting()
+{
+    Bench bench({false, false, false});
+    HostedDevice &device = ranged(bench);
+    OtherThread other;
+    bench.receiver.duringRequest = [&](const QString &) {
+        other.run([&] { device.dpiSlotValuesChangedCallBack(factoryValues.data()); });
+    };
+    device.setDpiSlotValues(words("200 300 400 500 600"));
+    QCOMPARE(bench.take(),
+             timelineText({requestCall(words("200 300 400 500 600")), sentLine({200, 300, 400, 500, 600}),
+                           u"call dpiSlotValuesChangedCallBack([800, 1600, 2400, 3200, 4000]) on thread 2"_s,
+                           pendingSignal(true)}));
+    deliverQueuedCalls();
+    QCOMPARE(bench.take(), valuesSignal(factoryValues));
+    QVERIFY(device.device()->isDpiSlotValuesChangePending());
+}
+
+void tst_DpiSlotValues::requestSurvivesStop()
+{
+    Bench bench({false, false, false});
+    HostedDevice &device = pending(bench, factoryTexts);
+    device.stop();
+    QVERIFY(device.device()->isDpiSlotValuesChangePending());
+    device.dpiSlotValuesConfirmed(factoryValues.data());
+    QCOMPARE(device.device()->dpiSlotValues(), words(factoryTexts));
+}
+
+void tst_DpiSlotValues::switchesOff()
+{
+    Bench bench({false, false, false});
+    HostedDevice &device = ranged(bench);
+    bench.receiver.answers.acceptsRequests = false;
+    device.setDpiSlotValues(words("800 abc 2400 3200 4000"));
+    QCOMPARE(bench.take(), timelineText({requestCall(words("800 abc 2400 3200 4000")),
+                                         sentLine({800, 0, 2400, 3200, 4000}, false)}));
+}
+
+QTEST_GUILESS_MAIN(tst_DpiSlotValues)
+#include "tst_DpiSlotValues.moc"

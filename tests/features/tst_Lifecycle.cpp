@@ -1,0 +1,372 @@
+#include "Bench.h"
+#include "OtherThread.h"
+#include "PlainPhysicalDevice.h"
+#include "TimelineText.h"
+
+#include <QtCore/QDir>
+#include <QtCore/QFile>
+#include <QtCore/QTemporaryDir>
+#include <QtTest/QTest>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+// Everything between "start enter" and "start exit" on the sane receiver, the report rates included.
+QStringList wholeBinding()
+{
+    return {u"receiver getFirmwareVersion() -> 258"_s,
+            u"receiver hasBatteryLevel() -> true"_s,
+            u"receiver getStatusValue() -> 31"_s,
+            u"receiver getBatteryLevel() -> 80"_s,
+            u"receiver getDeviceValue() -> 32"_s,
+            u"receiver requestInitialState1() -> true"_s,
+            u"receiver requestInitialState2() -> true"_s,
+            u"receiver requestInitialState3() -> true"_s,
+            u"receiver isSmartPointerSupported() -> true"_s,
+            u"receiver getReportRateInfo() -> true"_s,
+            debugLine(u"got supported report rate :  125"_s),
+            debugLine(u"got supported report rate :  250"_s),
+            debugLine(u"got supported report rate :  500"_s),
+            debugLine(u"got current report rate :  500"_s),
+            debugLine(u"got supported report rate :  1000"_s),
+            u"receiver getLevelValue() -> 33"_s};
+}
+
+QStringList wholeStart(const QStringList &binding, const QString &announcement)
+{
+    return QStringList{u"call start() -> true"_s, debugLine(u"start enter"_s)} + binding +
+           QStringList{announcement, debugLine(u"start exit"_s)};
+}
+
+}  // namespace
+
+class tst_Lifecycle : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void startBindsTheReceiverInOrder();
+    void startReadsTheValues();
+    void everyOperationCarriesTheDeviceId();
+    void startIgnoresTheAnswersOfTheStateRequests();
+    void receiverWithoutBatteryIsNotAskedForItsLevel();
+    void physicalDeviceThatIsNoReceiver();
+    void noPhysicalDeviceAtAll();
+    void noReceiverWarningNeedsItsSwitch();
+    void receiverSignalsAreConnectedBeforeTheStateIsRequested();
+    void receiverSignalsFromAnotherThreadAreQueued();
+    void secondStartConnectsTwice();
+    void startFromAnotherThread();
+    void stopSignalsTheDeviceItself();
+    void stopLeavesEverythingElse();
+    void stopBeforeStart();
+    void stoppedIsEmittedOnTheCallingThread();
+    void receiverDestroyedFirstDropsTheConnections();
+    void deviceDestroyedFirstDropsTheConnections();
+    void libraryUnderAnotherNameIsReported_data();
+    void libraryUnderAnotherNameIsReported();
+    void libraryInAFolderWithBlanksAndUmlauts();
+};
+
+void tst_Lifecycle::startBindsTheReceiverInOrder()
+{
+    Bench bench;
+    HostedDevice &device = bench.create();
+    QVERIFY(device.start());
+    QCOMPARE(bench.take(), timelineText(wholeStart(wholeBinding(), u"signal instanceNumberChanged(0)"_s)));
+}
+
+void tst_Lifecycle::startReadsTheValues()
+{
+    Bench bench;
+    bench.receiver.answers.firmwareVersion = 0xfedcba98U;
+    bench.receiver.answers.batteryLevel = -7;
+    HostedDevice &device = bench.started();
+    QCOMPARE(device.device()->firmwareVersion(), 0xfedcba98U);
+    QCOMPARE(device.device()->hasBatteryLevel(), true);
+    QCOMPARE(device.device()->batteryLevel(), -7);
+    QCOMPARE(device.device()->statusValue(), 31);
+    QCOMPARE(device.device()->deviceValue(), 32);
+    QCOMPARE(device.device()->levelValue(), 33);
+    QCOMPARE(device.device()->isSmartPointerSupported(), true);
+    QCOMPARE(device.device()->reportRate(), 500);
+}
+
+void tst_Lifecycle::everyOperationCarriesTheDeviceId()
+{
+    constexpr DeviceId largeId = 0xfedcba9876543210U;
+    Bench bench;
+    HostedDevice &device = bench.create(largeId);
+    device.start();
+    device.setReportRate(250);
+    device.query26(1, 2, 3);
+
+    const QList<TimelineEntry> entries = bench.timeline.entries();
+    int receiverCalls = 0;
+    for (const TimelineEntry &entry : entries) {
+        if (entry.kind != TimelineEntry::Kind::Receiver)
+            continue;
+        ++receiverCalls;
+        QCOMPARE(entry.device.value_or(0), largeId);
+    }
+    QCOMPARE(receiverCalls, 13);
+}
+
+void tst_Lifecycle::startIgnoresTheAnswersOfTheStateRequests()
+{
+    Bench bench;
+    bench.receiver.answers.acceptsRequests = false;
+    HostedDevice &device = bench.create();
+    QVERIFY(device.start());
+    QStringList binding = wholeBinding();
+    binding.replaceInStrings(u"requestInitialState1() -> true"_s, u"requestInitialState1() -> false"_s);
+    binding.replaceInStrings(u"requestInitialState2() -> true"_s, u"requestInitialState2() -> false"_s);
+    binding.replaceInStrings(u"requestInitialState3() -> true"_s, u"requestInitialState3() -> false"_s);
+    QCOMPARE(bench.take(), timelineText(wholeStart(binding, u"signal instanceNumberChanged(0)"_s)));
+}
+
+void tst_Lifecycle::receiverWithoutBatteryIsNotAskedForItsLevel()
+{
+    Bench bench;
+    bench.receiver.answers.hasBatteryLevel = false;
+    bench.receiver.answers.isSmartPointerSupported = false;
+    HostedDevice &device = bench.create();
+    device.start();
+    QStringList binding = wholeBinding();
+    binding.removeAll(u"receiver getBatteryLevel() -> 80"_s);
+    binding.replaceInStrings(u"hasBatteryLevel() -> true"_s, u"hasBatteryLevel() -> false"_s);
+    binding.replaceInStrings(u"isSmartPointerSupported() -> true"_s, u"isSmartPointerSupported() -> false"_s);
+    QCOMPARE(bench.take(), timelineText(wholeStart(binding, u"signal instanceNumberChanged(0)"_s)));
+    QVERIFY(!device.device()->hasBatteryLevel());
+    QCOMPARE(device.device()->batteryLevel(), -1);
+    QVERIFY(!device.device()->isSmartPointerSupported());
+}
+
+void tst_Lifecycle::physicalDeviceThatIsNoReceiver()
+{
+    Bench bench;
+    PlainPhysicalDevice physicalDevice(bench.timeline);
+    HostedDevice &device = bench.create(&physicalDevice, Bench::mouse);
+    QVERIFY(device.start());
+    QCOMPARE(bench.take(),
+             timelineText(wholeStart({warningLine(u"Unable to get IPhysicalDeviceDongle interface"_s)},
+                                     u"signal instanceNumberChanged(0)"_s)));
+    QCOMPARE(device.device()->firmwareVersion(), 0U);
+    QCOMPARE(device.device()->hasBatteryLevel(), false);
+    QCOMPARE(device.device()->batteryLevel(), -1);
+    QCOMPARE(device.device()->statusValue(), 0);
+    QCOMPARE(device.device()->deviceValue(), 0);
+    QCOMPARE(device.device()->levelValue(), 0);
+    QCOMPARE(device.device()->isSmartPointerSupported(), false);
+    QCOMPARE(device.device()->reportRate(), 0);
+    QCOMPARE(device.device()->reportRateValues(), QStringList());
+}
+
+void tst_Lifecycle::noPhysicalDeviceAtAll()
+{
+    Bench bench;
+    HostedDevice &device = bench.create(nullptr, Bench::mouse);
+    QVERIFY(device.start());
+    QCOMPARE(bench.take(),
+             timelineText(wholeStart({warningLine(u"Unable to get IPhysicalDeviceDongle interface"_s)},
+                                     u"signal instanceNumberChanged(0)"_s)));
+    QCOMPARE(device.device()->physicalDevice(), nullptr);
+}
+
+void tst_Lifecycle::noReceiverWarningNeedsItsSwitch()
+{
+    Bench bench({true, false, true});
+    HostedDevice &device = bench.create(nullptr, Bench::mouse);
+    device.start();
+    QCOMPARE(bench.take(), timelineText(wholeStart({}, u"signal instanceNumberChanged(0)"_s)));
+}
+
+void tst_Lifecycle::receiverSignalsAreConnectedBeforeTheStateIsRequested()
+{
+    Bench bench;
+    HostedDevice &device = bench.create();
+    bench.receiver.duringRequest = [&](const QString &operation) {
+        if (operation == u"requestInitialState1"_s) {
+            Q_EMIT bench.receiver.dpiMinChanged(100);
+            Q_EMIT bench.receiver.dpiMaxChanged(8000);
+        }
+    };
+    device.start();
+    QCOMPARE(device.device()->dpiMin(), 100);
+    QCOMPARE(device.device()->dpiMax(), 8000);
+
+    Bench late;
+    HostedDevice &other = late.create();
+    Q_EMIT late.receiver.dpiMinChanged(100);
+    QCOMPARE(other.device()->dpiMin(), 0);
+}
+
+void tst_Lifecycle::receiverSignalsFromAnotherThreadAreQueued()
+{
+    Bench bench;
+    HostedDevice &device = bench.started();
+    OtherThread other;
+    other.run([&] { Q_EMIT bench.receiver.dpiMinChanged(200); });
+    QCOMPARE(device.device()->dpiMin(), 0);
+    QCOMPARE(bench.take(), QString());
+    deliverQueuedCalls();
+    QCOMPARE(device.device()->dpiMin(), 200);
+    QCOMPARE(bench.take(),
+             timelineText({debugLine(u"Updating dpiMin :  200"_s), u"signal dpiMinChanged(200)"_s}));
+}
+
+void tst_Lifecycle::secondStartConnectsTwice()
+{
+    Bench bench;
+    HostedDevice &device = bench.started();
+    QCOMPARE(bench.receiver.connectionCount("dpiMinChanged(int)"), 1);
+    QCOMPARE(bench.receiver.connectionCount("dpiMaxChanged(int)"), 1);
+    device.start();
+    QCOMPARE(bench.receiver.connectionCount("dpiMinChanged(int)"), 2);
+    QCOMPARE(bench.receiver.connectionCount("dpiMaxChanged(int)"), 2);
+    bench.take();
+
+    // The change arrives twice, and the second arrival finds nothing new.
+    Q_EMIT bench.receiver.dpiMaxChanged(3000);
+    QCOMPARE(bench.take(),
+             timelineText({debugLine(u"Updating dpiMax :  3000"_s), u"signal dpiMaxChanged(3000)"_s}));
+}
+
+void tst_Lifecycle::startFromAnotherThread()
+{
+    Bench bench;
+    HostedDevice &device = bench.create();
+    OtherThread other;
+    other.run([&] { device.start(); });
+    QStringList expected = wholeStart(wholeBinding(), QString());
+    expected.removeAll(QString());
+    for (QString &line : expected)
+        line += u" on thread 2"_s;
+    QCOMPARE(bench.take(), timelineText(expected));
+    deliverQueuedCalls();
+    QCOMPARE(bench.take(), u"signal instanceNumberChanged(0)"_s);
+}
+
+void tst_Lifecycle::stopSignalsTheDeviceItself()
+{
+    Bench bench;
+    HostedDevice &device = bench.started();
+    device.stop();
+    QCOMPARE(bench.take(), timelineText({u"call stop()"_s, debugLine(u"stop enter"_s),
+                                         u"signal stopped(\"this\")"_s, debugLine(u"stop exit"_s)}));
+}
+
+void tst_Lifecycle::stopLeavesEverythingElse()
+{
+    Bench bench;
+    HostedDevice &device = bench.started();
+    HostedDevice &second = bench.started(7);
+    device.stop();
+    bench.take();
+    QCOMPARE(device.device()->instanceNumber(), 1);
+    QCOMPARE(second.device()->instanceNumber(), 2);
+    QCOMPARE(device.device()->firmwareVersion(), 258U);
+    QCOMPARE(bench.receiver.connectionCount("dpiMinChanged(int)"), 2);
+
+    Q_EMIT bench.receiver.dpiMinChanged(150);
+    QCOMPARE(device.device()->dpiMin(), 150);
+    bench.take();
+    device.setReportRate(250);
+    QVERIFY(bench.take().contains(u"receiver setReportRate(250) -> true"_s));
+}
+
+void tst_Lifecycle::stopBeforeStart()
+{
+    Bench bench;
+    HostedDevice &device = bench.create();
+    device.stop();
+    device.stop();
+    const QStringList once{u"call stop()"_s, debugLine(u"stop enter"_s), u"signal stopped(\"this\")"_s,
+                           debugLine(u"stop exit"_s)};
+    QCOMPARE(bench.take(), timelineText(once + once));
+}
+
+void tst_Lifecycle::stoppedIsEmittedOnTheCallingThread()
+{
+    Bench bench;
+    HostedDevice &device = bench.started();
+    OtherThread other;
+    other.run([&] { device.stop(); });
+    QCOMPARE(bench.take(), timelineText({u"call stop() on thread 2"_s, debugLine(u"stop enter on thread 2"_s),
+                                         u"signal stopped(\"this\") on thread 2"_s,
+                                         debugLine(u"stop exit on thread 2"_s)}));
+}
+
+void tst_Lifecycle::receiverDestroyedFirstDropsTheConnections()
+{
+    Bench bench;
+    auto receiver = std::make_unique<FakeReceiver>(bench.timeline);
+    HostedDevice &device = bench.create(receiver.get(), Bench::mouse);
+    device.start();
+    receiver.reset();
+    bench.take();
+    QCOMPARE(device.device()->firmwareVersion(), 258U);
+    bench.destroy(device);
+    QCOMPARE(bench.take(), timelineText({u"call destroyDevice()"_s, debugLine(u"~LogicalDevice enter"_s),
+                                         debugLine(u"~LogicalDevice exit"_s)}));
+}
+
+void tst_Lifecycle::deviceDestroyedFirstDropsTheConnections()
+{
+    Bench bench;
+    HostedDevice &device = bench.started();
+    bench.destroy(device);
+    QCOMPARE(bench.receiver.connectionCount("dpiMinChanged(int)"), 0);
+    QCOMPARE(bench.receiver.connectionCount("dpiMaxChanged(int)"), 0);
+    bench.take();
+    Q_EMIT bench.receiver.dpiMinChanged(100);
+    QCOMPARE(bench.take(), QString());
+}
+
+void tst_Lifecycle::libraryUnderAnotherNameIsReported_data()
+{
+    QTest::addColumn<bool>("isCriticalEnabled");
+    QTest::newRow("critical-on") << true;
+    QTest::newRow("critical-off") << false;
+}
+
+void tst_Lifecycle::libraryUnderAnotherNameIsReported()
+{
+    QFETCH(const bool, isCriticalEnabled);
+    QTemporaryDir folder;
+    const QString copy =
+        folder.filePath(u"renamed"_s + Bench::builtPluginFile().section(u'.', -1).prepend(u'.'));
+    QVERIFY(QFile::copy(Bench::builtPluginFile(), copy));
+
+    Bench bench({false, false, isCriticalEnabled}, copy);
+    HostedDevice &device = bench.create();
+    QVERIFY(!device.start());
+
+    // Bound and registered all the same.
+    QStringList expected = QStringList{u"call start() -> false"_s} + wholeBinding() +
+                           QStringList{u"signal instanceNumberChanged(0)"_s};
+    expected.erase(std::remove_if(expected.begin(), expected.end(),
+                                  [](const QString &line) { return line.startsWith(u"debug"); }),
+                   expected.end());
+    if (isCriticalEnabled)
+        expected += criticalLine(u"GetModuleHandleA failed, gle : \"0x7e\""_s);
+    QCOMPARE(bench.take(), timelineText(expected));
+    QCOMPARE(device.device()->firmwareVersion(), 258U);
+    QCOMPARE(device.device()->instanceNumber(), 0);
+}
+
+void tst_Lifecycle::libraryInAFolderWithBlanksAndUmlauts()
+{
+    QTemporaryDir folder;
+    const QString name = u"Geräte Ordner Ω"_s;
+    QVERIFY(QDir(folder.path()).mkdir(name));
+    const QString copy = folder.filePath(name + u'/' + Bench::builtPluginFile().section(u'/', -1));
+    QVERIFY(QFile::copy(Bench::builtPluginFile(), copy));
+
+    Bench bench({true, true, true}, copy);
+    QVERIFY(bench.create().start());
+}
+
+QTEST_GUILESS_MAIN(tst_Lifecycle)
+#include "tst_Lifecycle.moc"

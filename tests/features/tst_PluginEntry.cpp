@@ -1,0 +1,474 @@
+#include "Bench.h"
+#include "ILogicalDevicePlugin.h"
+#include "OtherThread.h"
+#include "TimelineText.h"
+
+#include <QtCore/QCborMap>
+#include <QtCore/QCborStreamReader>
+#include <QtCore/QCborValue>
+#include <QtCore/QLibrary>
+#include <QtCore/QLoggingCategory>
+#include <QtCore/QPluginLoader>
+#include <QtCore/QPointer>
+#include <QtTest/QTest>
+
+#include <memory>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+// What an entry point of the Qt plugin protocol returns: where the metadata lie and how many bytes there are.
+struct PluginMetaData
+{
+    const uchar *data;
+    size_t size;
+};
+
+using QueryMetaData = PluginMetaData (*)();
+using Instance = QObject *(*)();
+
+/// The library loaded as a plain library, for calling its entry points by hand.
+class PlainLibrary
+{
+public:
+    PlainLibrary()
+    {
+        m_library.setLoadHints({});
+        m_library.setFileName(Bench::builtPluginFile());
+        if (!m_library.load())
+            qFatal("%s", qPrintable(m_library.errorString()));
+    }
+    ~PlainLibrary() { m_library.unload(); }
+    Q_DISABLE_COPY_MOVE(PlainLibrary)
+
+    template <typename Function>
+    Function resolve(const char *symbol)
+    {
+        return reinterpret_cast<Function>(m_library.resolve(symbol));
+    }
+
+private:
+    QLibrary m_library;
+};
+
+QString pluginDebugLine(const QString &text)
+{
+    return u"debug RV418.LogicalDevicePlugin: "_s + text;
+}
+
+/// A device of somebody else's making.
+class ForeignDevice : public IDevice
+{
+public:
+    int deviceType() const override { return 0; }
+    int deviceClass() const override { return 0; }
+    quintptr forwardToPhysicalDevice(quintptr, quintptr, quintptr) override { return 0; }
+    QString name() const override { return {}; }
+    QUuid instanceId() const override { return {}; }
+    uint firmwareVersion() const override { return 0; }
+    QString iid() const override { return {}; }
+    int deviceValue() const override { return 0; }
+    QString modelCode() const override { return {}; }
+    bool start() override { return false; }
+    void stop() override {}
+    void setFirmwareVersion(uint) override {}
+    void applySettings(const QVariantMap &) override {}
+    void resetSettings() override {}
+    void stopped(IDevice *) override {}
+    void firmwareVersionChanged(uint) override {}
+    void capabilityChangedCallBack(quint8) override {}
+};
+
+}  // namespace
+
+class tst_PluginEntry : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void metaDataHeader();
+    void metaDataMap();
+    void metaDataQueryCreatesNothing();
+    void instanceIsOneUntilDeleted();
+    void instanceHasNoParent();
+    void loaderFindsTheFactory();
+    void factoryMetaObject();
+    void factoryCastAnswers_data();
+    void factoryCastAnswers();
+    void silentUntilInitialized();
+    void everySwitchOpensItsSeverityOnly_data();
+    void everySwitchOpensItsSeverityOnly();
+    void initializeMayBeCalledAgain();
+    void closedSwitchesCreateNoLine();
+    void categoriesHaveTheirNames();
+    void categoriesCanBeFilteredByQt();
+    void createParentsTheDevice();
+    void createChecksNothing();
+    void createOffTheFactorysThread();
+    void destroyNull();
+    void destroyForeignDevice();
+    void destroyDeletes();
+    void factoryTakesItsDevicesAlong();
+    void unloadTakesTheLibraryOut();
+};
+
+void tst_PluginEntry::metaDataHeader()
+{
+    PlainLibrary library;
+    const auto query = library.resolve<QueryMetaData>("qt_plugin_query_metadata_v2");
+    QVERIFY(query);
+    const PluginMetaData metaData = query();
+    // 4 bytes of header and 67 of map; ELF libraries pad the record to a multiple of 8.
+#ifdef Q_OF_ELF
+    QCOMPARE(metaData.size, size_t(72));
+#else
+    QCOMPARE(metaData.size, size_t(71));
+#endif
+    QCOMPARE(int(metaData.data[0]), 1);
+    QCOMPARE(int(metaData.data[1]), QT_VERSION_MAJOR);
+    QCOMPARE(int(metaData.data[2]), QT_VERSION_MINOR);
+#ifdef KVX_DEBUG_BUILD
+    QCOMPARE(int(metaData.data[3]), 0x80);
+#else
+    QCOMPARE(int(metaData.data[3]), 0);
+#endif
+}
+
+void tst_PluginEntry::metaDataMap()
+{
+    PlainLibrary library;
+    const PluginMetaData metaData = library.resolve<QueryMetaData>("qt_plugin_query_metadata_v2")();
+    constexpr qsizetype headerSize = 4;
+    constexpr qsizetype mapSize = 67;
+    const QByteArray map(reinterpret_cast<const char *>(metaData.data) + headerSize, mapSize);
+    // Without a length, with two entries, and whole.
+    QCOMPARE(uchar(map.front()), uchar(0xbf));
+    QCOMPARE(uchar(map.back()), uchar(0xff));
+    QCborParserError error;
+    const QCborValue value = QCborValue::fromCbor(map, &error);
+    QCOMPARE(error.error, QCborError::NoError);
+    QCOMPARE(error.offset, mapSize);
+    QCOMPARE(value.toMap(),
+             QCborMap({{2, u"com.orvane.KVX.Plugin.LogicalDevice.RV418"_s}, {3, u"LogicalDevicePlugin"_s}}));
+}
+
+void tst_PluginEntry::metaDataQueryCreatesNothing()
+{
+    Timeline timeline;
+    LogRecorder recorder(timeline);
+    {
+        PlainLibrary library;
+        const auto query = library.resolve<QueryMetaData>("qt_plugin_query_metadata_v2");
+        QCOMPARE(query().data, query().data);
+    }
+    QCOMPARE(timeline.take(), QString());
+}
+
+void tst_PluginEntry::instanceIsOneUntilDeleted()
+{
+    PlainLibrary library;
+    const auto instance = library.resolve<Instance>("qt_plugin_instance");
+    QVERIFY(instance);
+    QPointer<QObject> first(instance());
+    QVERIFY(first);
+    QCOMPARE(instance(), first.data());
+    delete first.data();
+    QVERIFY(!first);
+    std::unique_ptr<QObject> second(instance());
+    QVERIFY(second);
+    QVERIFY(qobject_cast<ILogicalDevicePlugin *>(second.get()));
+    QCOMPARE(instance(), second.get());
+}
+
+void tst_PluginEntry::instanceHasNoParent()
+{
+    Bench bench;
+    QCOMPARE(bench.host.root()->parent(), nullptr);
+    QCOMPARE(bench.host.root()->thread(), QThread::currentThread());
+}
+
+void tst_PluginEntry::loaderFindsTheFactory()
+{
+    QPluginLoader loader;
+    loader.setLoadHints({});
+    loader.setFileName(Bench::builtPluginFile());
+    const QJsonObject metaData = loader.metaData();
+    QCOMPARE(metaData.value(u"IID").toString(), u"com.orvane.KVX.Plugin.LogicalDevice.RV418"_s);
+    QCOMPARE(metaData.value(u"className").toString(), u"LogicalDevicePlugin"_s);
+    QVERIFY(!metaData.contains(u"MetaData"));
+    QVERIFY(!loader.isLoaded());
+    QObject *root = loader.instance();
+    QVERIFY2(root, qPrintable(loader.errorString()));
+    QVERIFY(qobject_cast<IDevicePlugin *>(root));
+    QVERIFY(qobject_cast<ILogicalDevicePlugin *>(root));
+    QVERIFY(loader.unload());
+}
+
+void tst_PluginEntry::factoryMetaObject()
+{
+    Bench bench;
+    const QMetaObject *metaObject = bench.host.root()->metaObject();
+    QCOMPARE(QByteArray(metaObject->className()), QByteArray("LogicalDevicePlugin"));
+    QCOMPARE(metaObject->superClass(), &QObject::staticMetaObject);
+    QCOMPARE(metaObject->methodCount(), metaObject->methodOffset());
+    QCOMPARE(metaObject->propertyCount(), metaObject->propertyOffset());
+}
+
+void tst_PluginEntry::factoryCastAnswers_data()
+{
+    QTest::addColumn<QByteArray>("name");
+    QTest::addColumn<QString>("view");
+    const auto row = [](const char *name, const QString &view) {
+        QTest::newRow(name) << QByteArray(name) << view;
+    };
+    row("LogicalDevicePlugin", u"object"_s);
+    row("ILogicalDevicePlugin", u"factory"_s);
+    row("com.orvane.KVX.Plugin.IDevicePlugin", u"factory"_s);
+    row("com.orvane.KVX.Plugin.ILogicalDevicePlugin", u"factory"_s);
+    row("QObject", u"object"_s);
+    row("IDevicePlugin", u"none"_s);
+    row("com.orvane.KVX.Plugin.IDevice", u"none"_s);
+    row("com.orvane.KVX.Plugin.LogicalDevice.RV418", u"none"_s);
+    QTest::newRow("null") << QByteArray() << u"none"_s;
+}
+
+void tst_PluginEntry::factoryCastAnswers()
+{
+    QFETCH(const QByteArray, name);
+    QFETCH(const QString, view);
+    Bench bench;
+    QObject *root = bench.host.root();
+    const void *expected = nullptr;
+    if (view == u"object")
+        expected = root;
+    else if (view == u"factory")
+        expected = dynamic_cast<ILogicalDevicePlugin *>(root);
+    QCOMPARE(root->qt_metacast(name.isNull() ? nullptr : name.constData()), expected);
+}
+
+void tst_PluginEntry::silentUntilInitialized()
+{
+    Timeline timeline;
+    LogRecorder recorder(timeline);
+    FakeReceiver receiver(timeline);
+    {
+        PluginHost host(timeline);
+        QVERIFY(!host.load(Bench::builtPluginFile()));
+        std::unique_ptr<HostedDevice> onReceiver = host.createDevice(&receiver, 1);
+        std::unique_ptr<HostedDevice> onNothing = host.createDevice(nullptr, 2);
+        onReceiver->start();
+        onNothing->start();
+        receiver.answers.acceptsRequests = false;
+        onReceiver->setReportRate(1000);
+        onNothing->setReportRate(1000);
+        onReceiver->stop();
+        host.destroyDevice(std::move(onReceiver));
+        host.destroyDevice(std::move(onNothing));
+    }
+    for (const TimelineEntry &entry : timeline.entries())
+        QVERIFY2(entry.kind != TimelineEntry::Kind::Log,
+                 qPrintable(Timeline::line(entry, Timeline::Style::Plain)));
+}
+
+void tst_PluginEntry::everySwitchOpensItsSeverityOnly_data()
+{
+    QTest::addColumn<bool>("debug");
+    QTest::addColumn<bool>("warning");
+    QTest::newRow("none") << false << false;
+    QTest::newRow("debug") << true << false;
+    QTest::newRow("warning") << false << true;
+    QTest::newRow("both") << true << true;
+}
+
+void tst_PluginEntry::everySwitchOpensItsSeverityOnly()
+{
+    QFETCH(const bool, debug);
+    QFETCH(const bool, warning);
+    // A device without a receiver writes debug lines and one warning; criticals are tested with the library
+    // lookup.
+    Bench bench({debug, warning, true});
+    bench.create(nullptr, 1).start();
+    QStringList expected{u"call start() -> true"_s};
+    if (debug)
+        expected += debugLine(u"start enter"_s);
+    if (warning)
+        expected += warningLine(u"Unable to get IPhysicalDeviceDongle interface"_s);
+    expected += u"signal instanceNumberChanged(0)"_s;
+    if (debug)
+        expected += debugLine(u"start exit"_s);
+    QCOMPARE(bench.take(), timelineText(expected));
+}
+
+void tst_PluginEntry::initializeMayBeCalledAgain()
+{
+    Bench bench({true, true, true});
+    HostedDevice &device = bench.create();
+    QVERIFY(bench.host.initialize(nullptr, false, false, false));
+    bench.take();
+    device.stop();
+    QCOMPARE(bench.take(), timelineText({u"call stop()"_s, u"signal stopped(\"this\")"_s}));
+    QVERIFY(bench.host.initialize(&bench.hostServices, true, false, false));
+    bench.take();
+    device.stop();
+    QCOMPARE(bench.take(), timelineText({u"call stop()"_s, debugLine(u"stop enter"_s),
+                                         u"signal stopped(\"this\")"_s, debugLine(u"stop exit"_s)}));
+}
+
+void tst_PluginEntry::closedSwitchesCreateNoLine()
+{
+    // Qt's own filter would let the lines through; the switch comes first.
+    QLoggingCategory::setFilterRules(u"com.orvane.*=true"_s);
+    {
+        Bench bench({false, false, false});
+        bench.create(nullptr, 1).start();
+        QCOMPARE(bench.take(),
+                 timelineText({u"call start() -> true"_s, u"signal instanceNumberChanged(0)"_s}));
+    }
+    QLoggingCategory::setFilterRules(QString());
+}
+
+void tst_PluginEntry::categoriesHaveTheirNames()
+{
+    Timeline timeline;
+    LogRecorder recorder(timeline);
+    {
+        PluginHost host(timeline);
+        QVERIFY(!host.load(Bench::builtPluginFile()));
+        host.initialize(nullptr, true, true, true);
+        host.destroyDevice(host.createDevice(nullptr, 1));
+    }
+    QStringList categories;
+    for (const TimelineEntry &entry : timeline.entries()) {
+        if (entry.kind == TimelineEntry::Kind::Log)
+            categories.append(entry.category);
+    }
+    const QString device = u"com.orvane.KVX.Plugin.LogicalDevice.RV418.LogicalDevice"_s;
+    const QString plugin = u"com.orvane.KVX.Plugin.LogicalDevice.RV418.LogicalDevicePlugin"_s;
+    QCOMPARE(categories, QStringList({device, device, device, device, plugin}));
+}
+
+void tst_PluginEntry::categoriesCanBeFilteredByQt()
+{
+    QLoggingCategory::setFilterRules(
+        u"com.orvane.KVX.Plugin.LogicalDevice.RV418.LogicalDevice.debug=false"_s);
+    {
+        Bench bench;
+        bench.create(nullptr, 1).start();
+        QCOMPARE(bench.take(), timelineText({u"call start() -> true"_s,
+                                             warningLine(u"Unable to get IPhysicalDeviceDongle interface"_s),
+                                             u"signal instanceNumberChanged(0)"_s}));
+    }
+    QLoggingCategory::setFilterRules(QString());
+}
+
+void tst_PluginEntry::createParentsTheDevice()
+{
+    Bench bench;
+    HostedDevice &device = bench.create();
+    QCOMPARE(device.object()->parent(), bench.host.root());
+    QCOMPARE(device.object()->thread(), bench.host.root()->thread());
+    QCOMPARE(device.device()->physicalDevice(), static_cast<IPhysicalDevice *>(&bench.receiver));
+}
+
+void tst_PluginEntry::createChecksNothing()
+{
+    Bench bench;
+    HostedDevice &first = bench.create(nullptr, 0);
+    HostedDevice &second = bench.create(nullptr, 0);
+    QCOMPARE(first.device()->physicalDevice(), nullptr);
+    QVERIFY(first.device() != second.device());
+}
+
+void tst_PluginEntry::createOffTheFactorysThread()
+{
+    Bench bench;
+    OtherThread other;
+    HostedDevice *device = nullptr;
+    other.run([&] { device = &bench.createRecorded(Bench::mouse); });
+    // It lives where it was made, and Qt refuses the parent.
+    QCOMPARE(device->object()->thread(), other.thread());
+    QCOMPARE(device->object()->parent(), nullptr);
+    QVERIFY(bench.take().contains(u"warning default: QObject: Cannot create children for a parent"_s));
+    other.run([&] { device->start(); });
+    QVERIFY(bench.take().contains(u"signal instanceNumberChanged(0) on thread 2"_s));
+    other.run([&] { bench.destroy(*device); });
+}
+
+void tst_PluginEntry::destroyNull()
+{
+    Bench bench;
+    bench.host.factory()->destroyDevice(nullptr);
+    QCOMPARE(bench.take(), QString());
+}
+
+void tst_PluginEntry::destroyForeignDevice()
+{
+    Bench bench;
+    HostedDevice &device = bench.started();
+    ForeignDevice foreign;
+    bench.host.factory()->destroyDevice(&foreign);
+    QCOMPARE(bench.take(), QString());
+    QCOMPARE(device.device()->instanceNumber(), 0);
+    QCOMPARE(bench.host.root()->children().size(), qsizetype(1));
+}
+
+void tst_PluginEntry::destroyDeletes()
+{
+    Bench bench;
+    HostedDevice &device = bench.started();
+    QPointer<QObject> object(device.object());
+    bench.destroy(device);
+    QVERIFY(!object);
+    QCOMPARE(bench.host.root()->children().size(), qsizetype(0));
+}
+
+void tst_PluginEntry::factoryTakesItsDevicesAlong()
+{
+    Timeline timeline;
+    LogRecorder recorder(timeline);
+    FakeReceiver receiver(timeline);
+    std::unique_ptr<HostedDevice> first;
+    std::unique_ptr<HostedDevice> second;
+    QPointer<QObject> firstObject;
+    {
+        PluginHost host(timeline);
+        QVERIFY(!host.load(Bench::builtPluginFile()));
+        host.initialize(nullptr, true, true, true);
+        first = host.createDevice(&receiver, 1);
+        second = host.createDevice(&receiver, 2);
+        first->start();
+        second->start();
+        firstObject = first->object();
+        timeline.clear();
+        QVERIFY(host.unload());
+    }
+    QVERIFY(!firstObject);
+    QCOMPARE(timeline.take(Timeline::Style::WithDevice),
+             timelineText({pluginDebugLine(u"~LogicalDevicePlugin"_s), debugLine(u"~LogicalDevice enter"_s),
+                           u"signal [2] instanceNumberChanged(0)"_s, debugLine(u"~LogicalDevice exit"_s),
+                           debugLine(u"~LogicalDevice enter"_s), debugLine(u"~LogicalDevice exit"_s)}));
+    QCOMPARE(receiver.connectionCount("dpiMinChanged(int)"), 0);
+}
+
+void tst_PluginEntry::unloadTakesTheLibraryOut()
+{
+    // Whatever a previous load left behind would show in the state of the next: the registry, the switches.
+    for (int round = 0; round < 3; ++round) {
+        Timeline timeline;
+        LogRecorder recorder(timeline);
+        PluginHost host(timeline);
+        QVERIFY(!host.load(Bench::builtPluginFile()));
+        std::unique_ptr<HostedDevice> device = host.createDevice(nullptr, 1);
+        device->start();
+        QCOMPARE(device->device()->instanceNumber(), 0);
+        QCOMPARE(timeline.take(), timelineText({u"call createLogicalDevice()"_s, u"call start() -> true"_s,
+                                                u"signal instanceNumberChanged(0)"_s}));
+        host.initialize(nullptr, true, true, true);
+        device.reset();
+        QVERIFY(host.unload());
+    }
+}
+
+QTEST_GUILESS_MAIN(tst_PluginEntry)
+#include "tst_PluginEntry.moc"
