@@ -1,0 +1,439 @@
+#include "Bench.h"
+#include "Kvx.h"
+
+#include <QtCore/QDir>
+#include <QtCore/QFile>
+#include <QtCore/QJsonDocument>
+#include <QtCore/QJsonObject>
+#include <QtCore/QRegularExpression>
+#include <QtCore/QTemporaryDir>
+#include <QtTest/QTest>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+KvxRun runFile(const QString &file, const QStringList &options = {})
+{
+    return runKvx(QStringList{u"run"_s, u"--plugin"_s, Bench::builtPluginFile()} + options +
+                  QStringList{file});
+}
+
+KvxRun runShell(const QByteArray &input)
+{
+    return runKvx({u"shell"_s, u"--plugin"_s, Bench::builtPluginFile()}, input);
+}
+
+// What the page of examples shows of a scenario.
+QStringList shownExample(const QString &name)
+{
+    QFile page(QStringLiteral(KVX_EXAMPLES "/../docs/examples.md"));
+    if (!page.open(QIODevice::ReadOnly))
+        return {};
+    const QString section = QString::fromUtf8(page.readAll()).section(u"## "_s + name, 1);
+    return section.section(u"```\n"_s, 1, 1).chopped(1).split(u'\n');
+}
+
+QStringList examples()
+{
+    return QDir(QStringLiteral(KVX_EXAMPLES)).entryList({u"*.kvx"_s}, QDir::Files, QDir::Name);
+}
+
+}  // namespace
+
+class tst_KvxRun : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void everyExamplePasses_data();
+    void everyExamplePasses();
+    void everyExampleIsShown_data() { everyExamplePasses_data(); }
+    void everyExampleIsShown();
+    void examplesAreAllThere();
+    void outputShowsCommandsAndTimeline();
+    void jsonHoldsTheTimelineOnly();
+    void standardInputIsAFileToo();
+    void outcomes_data();
+    void outcomes();
+    void failedExpectations_data();
+    void failedExpectations();
+    void badLines_data();
+    void badLines();
+    void nothingRunsBehindABadLine();
+    void unusableFiles_data();
+    void unusableFiles();
+    void expectationsThatHold();
+    void wordsMayBeQuoted();
+    void everyRequestHasACommand();
+    void everyFaultHasItsEffect();
+    void mouseFieldsAreSet();
+    void shellHasAMouseStarted();
+    void shellGoesOnAfterAMistake();
+    void shellEndsWithItsInput();
+    void shellShowsEverything();
+
+private:
+    /// A scenario of these lines, run.
+    KvxRun play(const QStringList &lines)
+    {
+        QFile file(m_folder.filePath(u"scenario.kvx"_s));
+        if (!file.open(QIODevice::WriteOnly) || file.write(lines.join(u'\n').toUtf8()) < 0)
+            qFatal("cannot write a scenario");
+        file.close();
+        return runFile(file.fileName());
+    }
+
+    QString errorAt(int line, const QString &text) const
+    {
+        return u"kvx: %1:%2: %3"_s.arg(m_folder.filePath(u"scenario.kvx"_s)).arg(line).arg(text);
+    }
+
+    QTemporaryDir m_folder;
+};
+
+void tst_KvxRun::everyExamplePasses_data()
+{
+    QTest::addColumn<QString>("name");
+    for (const QString &name : examples())
+        QTest::newRow(qPrintable(name)) << name;
+}
+
+void tst_KvxRun::everyExamplePasses()
+{
+    QFETCH(const QString, name);
+    const KvxRun run = runFile(QDir(QStringLiteral(KVX_EXAMPLES)).filePath(name));
+    QCOMPARE(run.errors, QStringList());
+    QCOMPARE(run.exitCode, 0);
+    QVERIFY(run.output.filter(QRegularExpression(u"^> (expect|wait) "_s)).size() >= 2);
+}
+
+void tst_KvxRun::everyExampleIsShown()
+{
+    QFETCH(const QString, name);
+    const QStringList output = runFile(QDir(QStringLiteral(KVX_EXAMPLES)).filePath(name)).output;
+    const QStringList shown = shownExample(name);
+    // Apart, because between two commands a timer may run out sooner or later.
+    const QRegularExpression command(u"^> "_s);
+    const QRegularExpression event(u"^(?!> |debug |warning )"_s);
+    QCOMPARE(shown.filter(command), output.filter(command));
+    QCOMPARE(shown.filter(event), output.filter(event));
+}
+
+void tst_KvxRun::examplesAreAllThere()
+{
+    QCOMPARE(examples(),
+             QStringList({u"01-dpi-presets.kvx"_s, u"02-lost-confirmation.kvx"_s,
+                          u"03-disagreeing-confirmation.kvx"_s, u"04-refused-report-rate.kvx"_s,
+                          u"05-button-diversion.kvx"_s, u"06-smart-pointer-tap.kvx"_s, u"07-two-mice.kvx"_s,
+                          u"08-sleep-and-wake.kvx"_s, u"09-dpi-button.kvx"_s}));
+}
+
+void tst_KvxRun::outputShowsCommandsAndTimeline()
+{
+    const KvxRun run = play({u"mouse 1"_s, u"start"_s, u"setReportRate 1000  # in Hz"_s, u""_s});
+    QCOMPARE(run.exitCode, 0);
+    const qsizetype command = run.output.indexOf(u"> setReportRate 1000"_s);
+    QCOMPARE(
+        run.output.mid(command),
+        QStringList(
+            {u"> setReportRate 1000"_s, u"call setReportRate(1000)"_s,
+             u"debug RV418.LogicalDevice: Updating new report rate :  1000"_s,
+             u"signal isReportRateChangePendingChanged(true)"_s, u"receiver setReportRate(1000) -> true"_s,
+             u"signal reportRateChanged(1000)"_s, u"report reportRateConfirmed(1000)"_s,
+             u"debug RV418.LogicalDevice: reportRateConfirmed rate : 1000 , reportRatePending : 1000"_s,
+             u"signal isReportRateChangePendingChanged(false)"_s}));
+}
+
+void tst_KvxRun::jsonHoldsTheTimelineOnly()
+{
+    const KvxRun run = runFile(QStringLiteral(KVX_EXAMPLES "/04-refused-report-rate.kvx"), {u"--json"_s});
+    QCOMPARE(run.exitCode, 0);
+    QCOMPARE(run.output.value(0), u"{\"schemaVersion\":1}"_s);
+    for (qsizetype index = 1; index < run.output.size(); ++index) {
+        const QJsonDocument document = QJsonDocument::fromJson(run.output.at(index).toUtf8());
+        QVERIFY2(document.isObject(), qPrintable(run.output.at(index)));
+        QCOMPARE(document.object().value("sequence"_L1).toInt(), static_cast<int>(index));
+    }
+}
+
+void tst_KvxRun::standardInputIsAFileToo()
+{
+    const KvxRun run = runKvx({u"run"_s, u"--plugin"_s, Bench::builtPluginFile(), u"-"_s},
+                              "mouse 1\nstart\nexpect reportRate 1\n");
+    QCOMPARE(run.exitCode, 1);
+    QCOMPARE(run.errors, QStringList{u"kvx: -:3: reportRate: expected \"1\", seen \"500\""_s});
+}
+
+void tst_KvxRun::outcomes_data()
+{
+    QTest::addColumn<QStringList>("lines");
+    QTest::addColumn<int>("exitCode");
+    QTest::addColumn<QString>("error");
+    const auto row = [](const char *tag, const QStringList &lines, int exitCode, const QString &error) {
+        QTest::newRow(tag) << QStringList{u"mouse 1"_s, u"start"_s} + lines << exitCode << error;
+    };
+    row("confirmed", {u""_s, u"setReportRate 1000"_s}, 0, {});
+    row("confirmed-as-said", {u""_s, u"setReportRate 1000 => confirmed"_s}, 0, {});
+    row("value-in-force", {u""_s, u"setReportRate 500"_s}, 0, {});
+    row("refused", {u"fault setReportRate refuse"_s, u"setReportRate 1000"_s}, 3,
+        u"the request is refused"_s);
+    row("refused-as-said", {u"fault setReportRate refuse"_s, u"setReportRate 1000 => refused"_s}, 0, {});
+    row("not-refused", {u""_s, u"setReportRate 1000 => refused"_s}, 1,
+        u"the request: expected refused, seen confirmed"_s);
+    row("pending", {u"fault setDpiButtonAndActiveSlot drop"_s, u"setActiveDpiSlotIndex 3"_s}, 4,
+        u"the request is pending"_s);
+    row("pending-as-said", {u"fault setDpiSlotValues drop"_s, u"setDpiSlotValues 1 2 3 4 500 => pending"_s},
+        0, {});
+    row("not-pending", {u""_s, u"setDpiButtonId 3 => pending"_s}, 1,
+        u"the request: expected pending, seen confirmed"_s);
+    row("not-waited-for", {u"fault setReportRate drop"_s, u"setReportRate 1000 nowait"_s}, 0, {});
+    row("mask-refused", {u"fault setDisabledButtonsOrKeysMask refuse"_s, u"disbaleButtonsOrKeys 1"_s}, 3,
+        u"the request is refused"_s);
+}
+
+void tst_KvxRun::outcomes()
+{
+    QFETCH(const QStringList, lines);
+    QFETCH(const int, exitCode);
+    QFETCH(const QString, error);
+    const KvxRun run = play(lines);
+    QCOMPARE(run.errors, error.isEmpty() ? QStringList() : QStringList{errorAt(4, error)});
+    QCOMPARE(run.exitCode, exitCode);
+}
+
+void tst_KvxRun::failedExpectations_data()
+{
+    QTest::addColumn<QString>("line");
+    QTest::addColumn<QString>("error");
+    QTest::newRow("value") << u"expect dpiButtonId 4"_s << u"dpiButtonId: expected \"4\", seen \"6\""_s;
+    QTest::newRow("list") << u"expect reportRateValues 125"_s
+                          << u"reportRateValues: expected \"125\", seen \"125 250 500 1000\""_s;
+    QTest::newRow("signal")
+        << u"expect signal dpiMinChanged(100)"_s
+        << u"the next signal: expected dpiMinChanged(100), seen instanceNumberChanged(0)"_s;
+    QTest::newRow("timeline")
+        << u"expect timeline signal nothing() | signal more()"_s
+        << u"the last lines: expected signal nothing() | signal more(), seen "
+           "signal ppidChanged(\"RV418-0001\") | report reportRateChangedCallBack({"
+           "\"currentRate\": 500, \"supportedRates\": [125, 250, 500, 1000], \"unused\": 0})"_s;
+    QTest::newRow("wait") << u"wait signal never() 10"_s
+                          << u"expected signal never(), seen nothing of it in 10 ms"_s;
+}
+
+void tst_KvxRun::failedExpectations()
+{
+    QFETCH(const QString, line);
+    QFETCH(const QString, error);
+    const KvxRun run = play({u"mouse 1"_s, u"start"_s, line});
+    QCOMPARE(run.errors, QStringList{errorAt(3, error)});
+    QCOMPARE(run.exitCode, 1);
+}
+
+void tst_KvxRun::badLines_data()
+{
+    QTest::addColumn<QString>("line");
+    QTest::addColumn<QString>("word");
+    const auto row = [](const char *tag, const QString &line, const QString &word) {
+        QTest::newRow(tag) << line << word;
+    };
+    row("no-command", u"frobnicate 1"_s, u"\"frobnicate\" is no command"_s);
+    row("letter-case", u"Start"_s, u"\"Start\" is no command"_s);
+    row("open-quote", u"set ppid \"abc"_s, u"a quote is left open"_s);
+    row("rate-no-number", u"setReportRate fast"_s, u"\"fast\" is not one rate"_s);
+    row("rate-missing", u"setReportRate"_s, u"\"\" is not one rate"_s);
+    row("rate-twice", u"setReportRate 1 2"_s, u"\"1 2\" is not one rate"_s);
+    row("rate-too-large", u"setReportRate 4294967296"_s, u"\"4294967296\" is not one rate"_s);
+    row("slot-no-number", u"setActiveDpiSlotIndex x"_s, u"\"x\" is not one slot index"_s);
+    row("button-id-no-number", u"setDpiButtonId x"_s, u"\"x\" is not one button id"_s);
+    row("button-no-number", u"disbaleButtonsOrKeys 1 two"_s, u"\"two\" is not a button number"_s);
+    row("outcome", u"setReportRate 1 => maybe"_s, u"\"maybe\" is not an outcome"_s);
+    row("superfluous", u"start now"_s, u"\"now\" is not wanted here"_s);
+    row("setting-without-value", u"applySettings speed"_s, u"\"speed\" is not a setting"_s);
+    row("press-nothing", u"press"_s, u"\"\" is not a button"_s);
+    row("press-six", u"press 6"_s, u"\"6\" is not a button"_s);
+    row("release-unknown", u"release wheel"_s, u"\"wheel\" is not a button"_s);
+    row("drain", u"drain 101"_s, u"\"101\" is not a number of percent"_s);
+    row("field", u"set colour red"_s, u"a mouse has no \"colour\""_s);
+    row("field-value", u"set dpiMin low"_s, u"\"low\" is no value for dpiMin"_s);
+    row("field-too-many", u"set dpiSlotValues 1 2 3 4 5 6"_s,
+        u"\"1 2 3 4 5 6\" is no value for dpiSlotValues"_s);
+    row("field-slot", u"set activeDpiSlotIndex 6"_s, u"\"6\" is no value for activeDpiSlotIndex"_s);
+    row("mouse-id", u"mouse one"_s, u"\"one\" is not a mouse id"_s);
+    row("mouse-twice", u"mouse 1"_s, u"there is a mouse 1 already"_s);
+    row("mouse-field", u"mouse 2 colour=red"_s, u"a mouse has no \"colour\""_s);
+    row("use-unknown", u"use 9"_s, u"there is no mouse 9"_s);
+    row("use-negative", u"use -1"_s, u"\"-1\" is not a mouse id"_s);
+    row("report-unknown", u"report weather 1"_s, u"\"weather\" is not a report"_s);
+    row("report-value", u"report dpiValueChangedCallBack"_s,
+        u"\"\" is not what dpiValueChangedCallBack reports"_s);
+    row("report-four-slots", u"report dpiSlotValuesConfirmed 1 2 3 4"_s,
+        u"\"1 2 3 4\" is not what dpiSlotValuesConfirmed reports"_s);
+    row("report-six-rates", u"report reportRateChangedCallBack 1 2 3 4 5 6"_s,
+        u"\"1 2 3 4 5 6\" is not what reportRateChangedCallBack reports"_s);
+    row("fault-unknown", u"fault weather drop"_s, u"\"weather\" is not an operation"_s);
+    row("fault-effect", u"fault setReportRate explode"_s, u"\"explode\" is not an effect"_s);
+    row("fault-delay", u"fault setReportRate delay"_s, u"\"delay\" is not an effect"_s);
+    row("fault-times", u"fault setReportRate drop times 0"_s, u"\"0\" is not a number of times"_s);
+    row("fault-alter", u"fault dpiSlotValuesConfirmed alter 1"_s,
+        u"\"1\" is not what dpiSlotValuesConfirmed carries"_s);
+    row("answer-delay", u"answer-delay -1"_s, u"\"-1\" is not a number of milliseconds"_s);
+    row("resend-limit", u"resend-limit 0"_s, u"\"0\" is not a number of repetitions"_s);
+    row("deadline", u"deadline soon"_s, u"\"soon\" is not a number of milliseconds"_s);
+    row("show", u"show weather"_s, u"\"weather\" is not a value"_s);
+    row("timeline", u"timeline 0"_s, u"\"0\" is not a number of lines"_s);
+    row("expect", u"expect weather fine"_s, u"\"weather\" is not a value"_s);
+    row("wait", u"wait"_s, u"wait for what?"_s);
+}
+
+void tst_KvxRun::badLines()
+{
+    QFETCH(const QString, line);
+    QFETCH(const QString, word);
+    const KvxRun run = play({u"mouse 1"_s, u"start"_s, u""_s, u"# comment"_s, line});
+    QCOMPARE(run.exitCode, 2);
+    QCOMPARE(run.errors.size(), qsizetype(1));
+    QVERIFY2(run.errors.first().startsWith(errorAt(5, word)), qPrintable(run.errors.first()));
+}
+
+void tst_KvxRun::nothingRunsBehindABadLine()
+{
+    const KvxRun run = play({u"mouse 1"_s, u"nonsense"_s, u"start"_s});
+    QCOMPARE(run.exitCode, 2);
+    QVERIFY(!run.output.contains(u"> start"_s));
+    const KvxRun without = play({u"start"_s});
+    QCOMPARE(without.exitCode, 2);
+    QCOMPARE(without.errors, QStringList{errorAt(1, u"there is no mouse yet; add one with \"mouse 1\""_s)});
+}
+
+void tst_KvxRun::unusableFiles_data()
+{
+    QTest::addColumn<QString>("file");
+    QTest::newRow("missing") << u"/nowhere/at/all.kvx"_s;
+    QTest::newRow("folder") << QStringLiteral(KVX_EXAMPLES);
+    QTest::newRow("binary") << Bench::builtPluginFile();
+}
+
+void tst_KvxRun::unusableFiles()
+{
+    QFETCH(const QString, file);
+    const KvxRun run = runFile(file);
+    QCOMPARE(run.exitCode, 2);
+    QCOMPARE(run.output, QStringList());
+    QCOMPARE(run.errors.size(), qsizetype(1));
+    QVERIFY(run.errors.first().startsWith(u"kvx: \""_s + file));
+}
+
+void tst_KvxRun::expectationsThatHold()
+{
+    const KvxRun run = play(
+        {u"mouse 1"_s, u"start"_s, u"expect signal instanceNumberChanged(0)"_s,
+         u"expect signal dpiMinChanged(100)"_s, u"expect signal dpiMaxChanged(8000)"_s,
+         u"setReportRate 125 nowait"_s, u"wait signal isReportRateChangePendingChanged(false) 60000"_s,
+         u"expect reportRate 125"_s,
+         u"expect timeline report reportRateConfirmed(125) | signal isReportRateChangePendingChanged(false)"_s,
+         u"timeline 2"_s, u"quit"_s, u"nonsense"_s});
+    QCOMPARE(run.errors, QStringList());
+    QCOMPARE(run.exitCode, 0);
+}
+
+void tst_KvxRun::wordsMayBeQuoted()
+{
+    const KvxRun run = play({u"mouse 1"_s, u"set ppid \"A # \\\"B\\\" Ω\""_s, u"start"_s,
+                             u"expect ppid \"A # \\\"B\\\" Ω\""_s, u"show ppid"_s});
+    QCOMPARE(run.errors, QStringList());
+    QCOMPARE(run.output.last(), u"A # \"B\" Ω"_s);
+}
+
+void tst_KvxRun::everyRequestHasACommand()
+{
+    const KvxRun run =
+        play({u"mouse 1"_s, u"start"_s, u"setReportRate 125"_s, u"setDpiSlotValues 100 200 300 400 500"_s,
+              u"setActiveDpiSlotIndex 1"_s, u"setDpiButtonId 3"_s, u"disbaleButtonsOrKeys 1 5"_s,
+              u"setButtonsOrKeysToDefault"_s, u"applySettings speed=3 name=fast"_s, u"resetSettings"_s,
+              u"stop"_s, u"expect dpiValue 100"_s, u"expect dpiButtonId 3"_s});
+    QCOMPARE(run.errors, QStringList());
+    for (const QString &line : {u"call setReportRate(125)"_s,
+                                u"call setDpiSlotValues([\"100\", \"200\", \"300\", \"400\", \"500\"])"_s,
+                                u"call setActiveDpiSlotIndex(1)"_s, u"call setDpiButtonId(3)"_s,
+                                u"call disbaleButtonsOrKeys([1, 5])"_s, u"call setButtonsOrKeysToDefault()"_s,
+                                u"call applySettings({\"name\": \"fast\", \"speed\": 3})"_s,
+                                u"call resetSettings()"_s, u"call stop()"_s})
+        QVERIFY2(run.output.contains(line), qPrintable(line));
+}
+
+void tst_KvxRun::everyFaultHasItsEffect()
+{
+    const KvxRun run = play({u"mouse 1"_s,
+                             u"answer-delay 0"_s,
+                             u"fault getFirmwareVersion alter 7"_s,
+                             u"fault hasBatteryLevel alter false"_s,
+                             u"start"_s,
+                             u"expect firmwareVersion 7"_s,
+                             u"expect batteryLevel -1"_s,
+                             u"fault reportRateConfirmed repeat 2"_s,
+                             u"setReportRate 125"_s,
+                             u"fault setReportRate delay 1"_s,
+                             u"setReportRate 250"_s,
+                             u"fault reportRateConfirmed alter 500 times 2"_s,
+                             u"faults"_s,
+                             u"setReportRate 1000"_s,
+                             u"expect reportRate 1000"_s,
+                             u"fault setReportRate drop always"_s,
+                             u"setReportRate 125 => pending"_s,
+                             u"clear-faults"_s,
+                             u"faults"_s,
+                             u"report reportRateConfirmed 125"_s,
+                             u"expect isReportRateChangePending false"_s});
+    QCOMPARE(run.errors, QStringList());
+    QCOMPARE(run.exitCode, 0);
+    QCOMPARE(run.output.filter(u"report reportRateConfirmed(125)"_s).size(), qsizetype(4));
+    QVERIFY(run.output.contains(u"reportRateConfirmed alter times 2"_s));
+}
+
+void tst_KvxRun::mouseFieldsAreSet()
+{
+    const KvxRun run = play({u"mouse 18446744073709551615 dpiSlotValues=1,2,3,4,5 activeDpiSlotIndex=4 "
+                             "hasBatteryLevel=false reportRates=250 reportRate=0xfa"_s,
+                             u"start"_s, u"expect dpiSlotValues 1 2 3 4 5"_s,
+                             u"expect activeDpiSlotIndex 4"_s, u"expect hasBatteryLevel false"_s,
+                             u"expect reportRateValues 250"_s, u"expect reportRate 250"_s});
+    QCOMPARE(run.errors, QStringList());
+    QCOMPARE(run.exitCode, 0);
+}
+
+void tst_KvxRun::shellHasAMouseStarted()
+{
+    const KvxRun run = runShell("show reportRate\nquit\n");
+    QCOMPARE(run.errors, QStringList());
+    QCOMPARE(run.exitCode, 0);
+    QVERIFY(run.output.contains(u"call start() -> true"_s));
+    QCOMPARE(run.output.last(), u"500"_s);
+}
+
+void tst_KvxRun::shellGoesOnAfterAMistake()
+{
+    const KvxRun run = runShell("nonsense\nfault setReportRate refuse\nsetReportRate 250\nshow reportRate\n");
+    QCOMPARE(run.errors,
+             QStringList({u"kvx: \"nonsense\" is no command; see help"_s, u"kvx: the request is refused"_s}));
+    QCOMPARE(run.output.last(), u"250"_s);
+    QCOMPARE(run.exitCode, 0);
+}
+
+void tst_KvxRun::shellEndsWithItsInput()
+{
+    QCOMPARE(runShell("").exitCode, 0);
+    QCOMPARE(runShell("show ppid").output.last(), u"RV418-0001"_s);
+}
+
+void tst_KvxRun::shellShowsEverything()
+{
+    const KvxRun run = runShell("show\nhelp\n");
+    for (const QString &line :
+         {u"  modelCode                           RV418"_s, u"  isReportRateChangePending           false"_s,
+          u"  dpiSlotValues                       800 1600 2400 3200 4000"_s, u"  setReportRate HZ"_s})
+        QVERIFY2(run.output.contains(line), qPrintable(line));
+}
+
+QTEST_GUILESS_MAIN(tst_KvxRun)
+#include "tst_KvxRun.moc"

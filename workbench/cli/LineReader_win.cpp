@@ -1,0 +1,17 @@
+#include "LineReader.h"
+
+#include <iostream>
+#include <string>
+
+// The Windows console edits lines and keeps a history by itself.
+
+LineReader::LineReader(const QStringList & /*firstWords*/) {}
+
+LineReader::~LineReader() = default;
+
+std::optional<QString> LineReader::readLine(const QString &prompt)
+{
+    std::cout << prompt.toStdString() << std::flush;
+    std::string line;
+    return std::getline(std::cin, line) ? std::optional<QString>(QString::fromStdString(line)) : std::nullopt;
+}

@@ -1,0 +1,28 @@
+#pragma once
+
+#include "Timeline.h"
+
+#include <QtCore/QString>
+
+/// What kvx answers to the shell.
+enum class ExitCode {
+    Success = 0,
+    Difference = 1,  ///< something was not as it should be
+    Unusable = 2,    ///< bad usage, or a file that cannot be used
+    Refused = 3,     ///< the receiver refused a request, and nobody said that this is right
+    Pending = 4,     ///< a request was never confirmed, and nobody said that this is right
+};
+
+/// Writes a line to standard output, at once.
+void printLine(const QString &line);
+
+/// Writes the entries to standard output, a line each.
+void printEntries(const QList<TimelineEntry> &entries, Timeline::Style style);
+/// The same as one JSON object a line.
+void printEntriesAsJson(const QList<TimelineEntry> &entries);
+
+/// The plugin library that lies beside this program.
+QString libraryBesideTheProgram();
+
+/// Writes "kvx: " and the message as one line to standard error.
+void printError(const QString &message);

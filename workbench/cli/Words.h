@@ -1,0 +1,16 @@
+#pragma once
+
+#include <QtCore/QString>
+#include <QtCore/QStringList>
+
+#include <optional>
+
+/// A command line in its words. Blanks separate; double quotes keep blanks together, and inside them \" and \\ stand
+/// for themselves. A # that begins a word outside quotes begins a comment. No value when a quote is left open.
+std::optional<QStringList> wordsOf(const QString &line);
+
+/// The line without its comment and the blanks around it.
+QString withoutComment(const QString &line);
+
+/// A whole number as the interfaces take them: decimal, or hexadecimal after 0x.
+std::optional<int> numberOf(const QString &word);
