@@ -26,7 +26,8 @@ bool SimulatedReceiver::request(const char *operation, DeviceId id, const QJsonA
         isKnown = m_mice.contains(id);
     }
     const std::optional<ReceiverFault> fault = isKnown ? takeFault(message.operation, id) : std::nullopt;
-    const bool isAccepted = isKnown && !(fault && fault->effect == Effect::Refuse);
+    const bool isRefused = fault && fault->effect == Effect::Refuse;
+    const bool isAccepted = isKnown && !isRefused;
     timeline().record(TimelineEntry::Kind::Receiver, id, message.operation, arguments, isAccepted);
     if (!isKnown)
         recordUnknownMouse(id);

@@ -56,7 +56,7 @@ QString lineContent(const TimelineEntry &entry)
         return category + u": "_s + entry.arguments.at(0).toString();
     }
     QStringList arguments;
-    for (const QJsonValue &argument : entry.arguments)
+    for (const auto argument : entry.arguments)
         arguments.append(readableValue(argument));
     QString content = entry.name + u'(' + arguments.join(u", "_s) + u')';
     if (!entry.result.isUndefined())
@@ -86,7 +86,7 @@ QJsonValue portableValue(const QJsonValue &value)
     }
     if (value.isArray()) {
         QJsonArray array;
-        for (const QJsonValue &item : value.toArray())
+        for (const auto item : value.toArray())
             array.append(portableValue(item));
         return array;
     }

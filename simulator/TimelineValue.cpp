@@ -25,7 +25,7 @@ QString readableNumber(const QJsonValue &value)
 QString readableArray(const QJsonArray &array)
 {
     QStringList items;
-    for (const QJsonValue &item : array)
+    for (const auto item : array)
         items.append(readableValue(item));
     return u'[' + items.join(u", "_s) + u']';
 }

@@ -63,9 +63,11 @@ QByteArray damagedCollection(const QString &file)
     QByteArray bytes = source.readAll();
     const auto dataOffset = qFromBigEndian<quint32>(bytes.constData() + 12);
     const auto length = qFromBigEndian<quint32>(bytes.constData() + dataOffset);
-    constexpr quint32 lengths = 8;
-    for (quint32 i = lengths; i < length; ++i)
-        bytes[static_cast<qsizetype>(dataOffset + i)] = '\xff';
+    constexpr qsizetype lengths = 8;
+    const qsizetype begin = qsizetype(dataOffset) + lengths;
+    const qsizetype end = qsizetype(dataOffset) + length;
+    for (qsizetype i = begin; i < end; ++i)
+        bytes[i] = '\xff';
     return bytes;
 }
 

@@ -12,7 +12,7 @@ QString text(const QList<MouseMessage> &reports)
     QStringList texts;
     for (const MouseMessage &report : reports) {
         QStringList arguments;
-        for (const QJsonValue &argument : report.arguments)
+        for (const auto argument : report.arguments)
             arguments.append(readableValue(argument));
         texts.append(report.operation + u'(' + arguments.join(u", "_s) + u')');
     }
