@@ -96,6 +96,7 @@ private Q_SLOTS:
     void destructionReleasesNothing();
     void devicesHaveTheirOwnStates();
     void latestHostServicesAreUsed();
+    void iidNeedsNoAllocation();
     void switchesOff();
 };
 
@@ -329,6 +330,34 @@ void tst_MouseEvents::latestHostServicesAreUsed()
     QCOMPARE(otherTimeline.take(), buttonLine(1, true));
     QVERIFY(QTest::qWaitFor([&] { return !otherTimeline.lines().isEmpty(); }, deadline));
     QCOMPARE(otherTimeline.lines(), QStringList{ctrlLine(false)});
+    bench.host.initialize(&bench.hostServices, false, false, false);
+}
+
+void tst_MouseEvents::iidNeedsNoAllocation()
+{
+    // A report comes for every movement of a diverted button. A text that lies in the library has no memory
+    // of its own, and so no capacity.
+    class Services : public IHostServices
+    {
+    public:
+        void reserved0() override {}
+        void reserved1() override {}
+        void reserved2() override {}
+        void buttonEvent(const QString &pluginIid, int /*buttonNumber*/, bool /*isPressed*/) override
+        {
+            capacities.append(pluginIid.capacity());
+        }
+        void setCtrlKeyPressed(bool /*isPressed*/) override {}
+
+        QList<qsizetype> capacities;
+    };
+    Services services;
+    Bench bench({false, false, false});
+    HostedDevice &device = bench.started();
+    bench.host.initialize(&services, false, false, false);
+    device.mouseEventCallBack(0x03);
+    device.mouseEventCallBack(0x00);
+    QCOMPARE(services.capacities, QList<qsizetype>({0, 0, 0, 0}));
     bench.host.initialize(&bench.hostServices, false, false, false);
 }
 
