@@ -224,7 +224,8 @@ void tst_Identity::nameIsTranslatable()
     {
     public:
         bool isEmpty() const override { return false; }
-        QString translate(const char *context, const char *sourceText, const char *, int) const override
+        QString translate(const char *context, const char *sourceText, const char * /*disambiguation*/,
+                          int /*n*/) const override
         {
             const bool isName =
                 qstrcmp(context, "LogicalDevice") == 0 && qstrcmp(sourceText, "Orvane Tessa Mouse") == 0;

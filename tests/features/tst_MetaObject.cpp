@@ -215,7 +215,7 @@ void tst_MetaObject::everySignalReachesItsEmitter()
         else if (type == "QStringList")
             argument = &list;
         else if (type == "IDevice*")
-            argument = &self;
+            argument = static_cast<void *>(&self);
         arguments[i + 1] = argument;
     }
     const int rest =

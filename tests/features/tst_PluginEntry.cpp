@@ -63,7 +63,11 @@ class ForeignDevice : public IDevice
 public:
     int deviceType() const override { return 0; }
     int deviceClass() const override { return 0; }
-    quintptr forwardToPhysicalDevice(quintptr, quintptr, quintptr) override { return 0; }
+    quintptr forwardToPhysicalDevice(quintptr /*argument1*/, quintptr /*argument2*/,
+                                     quintptr /*argument3*/) override
+    {
+        return 0;
+    }
     QString name() const override { return {}; }
     QUuid instanceId() const override { return {}; }
     uint firmwareVersion() const override { return 0; }
@@ -72,12 +76,12 @@ public:
     QString modelCode() const override { return {}; }
     bool start() override { return false; }
     void stop() override {}
-    void setFirmwareVersion(uint) override {}
-    void applySettings(const QVariantMap &) override {}
+    void setFirmwareVersion(uint /*fwVersion*/) override {}
+    void applySettings(const QVariantMap & /*settings*/) override {}
     void resetSettings() override {}
-    void stopped(IDevice *) override {}
-    void firmwareVersionChanged(uint) override {}
-    void capabilityChangedCallBack(quint8) override {}
+    void stopped(IDevice * /*iDevice*/) override {}
+    void firmwareVersionChanged(uint /*fwVersion*/) override {}
+    void capabilityChangedCallBack(quint8 /*capability*/) override {}
 };
 
 }  // namespace

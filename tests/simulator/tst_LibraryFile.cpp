@@ -206,7 +206,7 @@ void tst_LibraryFile::overlappingNamesCannotFillTheMemory()
     constexpr quint32 count = 200000;
     // Every name begins within the same 4000 characters.
     const auto names = static_cast<quint32>(bytes.size());
-    bytes.append(count * 4, '\0');
+    bytes.append(qsizetype{count} * 4, '\0');
     const auto text = static_cast<quint32>(bytes.size());
     bytes.append(QByteArray(4000, 'x')).append('\0');
     for (quint32 index = 0; index < count; ++index)
