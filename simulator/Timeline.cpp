@@ -85,15 +85,16 @@ QJsonValue portableValue(const QJsonValue &value)
         return static_cast<double>(integer) == value.toDouble() ? timelineValue(integer) : value;
     }
     if (value.isArray()) {
+        const QJsonArray items = value.toArray();
         QJsonArray array;
-        for (const auto item : value.toArray())
+        for (const auto item : items)
             array.append(portableValue(item));
         return array;
     }
     if (value.isObject()) {
         QJsonObject object = value.toObject();
-        for (QJsonValueRef item : object)
-            item = portableValue(item);
+        for (auto item = object.begin(); item != object.end(); ++item)
+            item.value() = portableValue(item.value());
         return object;
     }
     return value;

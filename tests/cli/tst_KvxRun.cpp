@@ -95,7 +95,8 @@ private:
 void tst_KvxRun::everyExamplePasses_data()
 {
     QTest::addColumn<QString>("name");
-    for (const QString &name : examples())
+    const QStringList names = examples();
+    for (const QString &name : names)
         QTest::newRow(qPrintable(name)) << name;
 }
 

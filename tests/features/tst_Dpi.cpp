@@ -38,7 +38,8 @@ void addInputRows()
 {
     QTest::addColumn<int>("input");
     int index = 0;
-    for (const Input &input : inputs())
+    const QList<Input> rows = inputs();
+    for (const Input &input : rows)
         QTest::newRow(qPrintable(input.property)) << index++;
 }
 

@@ -410,7 +410,7 @@ void tst_MetaObject::stoppedThroughAQueuedConnection()
     Bench bench;
     HostedDevice &device = bench.started();
     StoppedReceiver receiver;
-    QVERIFY(connect(device.object(), SIGNAL(stopped(IDevice *)), &receiver, SLOT(onStopped(IDevice *)),
+    QVERIFY(connect(device.object(), "2stopped(IDevice*)", &receiver, "1onStopped(IDevice*)",
                     Qt::QueuedConnection));
     device.stop();
     QCOMPARE(receiver.count, 0);

@@ -270,7 +270,8 @@ void tst_PluginEntry::silentUntilInitialized()
         host.destroyDevice(std::move(onReceiver));
         host.destroyDevice(std::move(onNothing));
     }
-    for (const TimelineEntry &entry : timeline.entries())
+    const QList<TimelineEntry> entries = timeline.entries();
+    for (const TimelineEntry &entry : entries)
         QVERIFY2(entry.kind != TimelineEntry::Kind::Log,
                  qPrintable(Timeline::line(entry, Timeline::Style::Plain)));
 }
@@ -343,7 +344,8 @@ void tst_PluginEntry::categoriesHaveTheirNames()
         host.destroyDevice(host.createDevice(nullptr, 1));
     }
     QStringList categories;
-    for (const TimelineEntry &entry : timeline.entries()) {
+    const QList<TimelineEntry> entries = timeline.entries();
+    for (const TimelineEntry &entry : entries) {
         if (entry.kind == TimelineEntry::Kind::Log)
             categories.append(entry.category);
     }

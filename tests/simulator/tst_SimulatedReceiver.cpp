@@ -392,7 +392,7 @@ void tst_SimulatedReceiver::faultsAreCounted()
     receiver.addFault(fault(u"setReportRate"_s, Effect::Drop, 0));
     for (int round = 0; round < 10; ++round)
         QVERIFY(!receiver.setReportRate(1, 250));
-    QCOMPARE(receiver.faults().first().times, ReceiverFault::always);
+    QCOMPARE(receiver.faults().constFirst().times, ReceiverFault::always);
     QCOMPARE(receiver.faults().size(), 1);
     receiver.clearFaults();
     QVERIFY(receiver.setReportRate(1, 250));

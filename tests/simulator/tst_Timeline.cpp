@@ -199,7 +199,7 @@ void tst_Timeline::entriesAfterANumber()
         timeline.recordVerdict(QString::number(number));
     QCOMPARE(timeline.entriesAfter(0).size(), 4);
     QCOMPARE(timeline.entriesAfter(2).size(), 2);
-    QCOMPARE(timeline.entriesAfter(2).first().sequence, 3U);
+    QCOMPARE(timeline.entriesAfter(2).constFirst().sequence, 3U);
     QVERIFY(timeline.entriesAfter(4).isEmpty());
 }
 

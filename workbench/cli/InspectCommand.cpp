@@ -20,8 +20,9 @@ void printField(const QString &name, const QString &value)
 QString headerText(const QByteArray &metadata)
 {
     constexpr qsizetype headerSize = 4;
+    const QByteArray header = metadata.first(qMin(headerSize, metadata.size()));
     QStringList bytes;
-    for (const char byte : metadata.first(qMin(headerSize, metadata.size())))
+    for (const char byte : header)
         bytes.append(QString::number(static_cast<quint8>(byte)));
     return bytes.join(u' ');
 }

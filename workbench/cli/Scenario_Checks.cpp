@@ -37,7 +37,8 @@ CommandResult Scenario::showTimeline(const QStringList &words)
     if (!count || *count < 1 || words.size() > 1)
         return wrongWord(words.join(u' '), u"a number of lines"_s);
     const QStringList lines = m_workbench.timeline.lines(Timeline::Style::Full);
-    for (const QString &line : lines.mid(qMax(qsizetype(0), lines.size() - *count)))
+    const QStringList lastLines = lines.mid(qMax(qsizetype(0), lines.size() - *count));
+    for (const QString &line : lastLines)
         m_print(line);
     return {};
 }

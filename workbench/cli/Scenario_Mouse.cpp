@@ -118,7 +118,8 @@ CommandResult Scenario::mouse(const QStringList &words)
     if (!id)
         return wrongWord(words.value(0), u"a mouse id; write a whole number"_s);
     SimulatedMouse mouse;
-    for (const QString &word : words.mid(1)) {
+    const QStringList fields = words.mid(1);
+    for (const QString &word : fields) {
         const QString field = word.section(u'=', 0, 0);
         const QStringList values = word.section(u'=', 1).split(u',');
         if (const std::optional<QString> problem = setMouseField(mouse, field, values))
