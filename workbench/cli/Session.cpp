@@ -54,7 +54,8 @@ std::optional<QString> Session::load()
 
 void Session::run(const std::function<void(const QList<TimelineEntry> &)> &afterStep)
 {
-    for (const Step &step : steps()) {
+    const QList<Step> all = steps();
+    for (const Step &step : all) {
         const quint64 before = m_timeline.lastSequence();
         m_step = step.name;
         m_stepStart = m_timeline.recordVerdict(u"step: "_s + m_step);

@@ -16,7 +16,8 @@ void printSummary(const Session &session)
 {
     constexpr int nameWidth = 16;
     printLine({});
-    for (const auto &[name, value] : session.summary())
+    const QList<QPair<QString, QString>> summary = session.summary();
+    for (const auto &[name, value] : summary)
         printLine(u"  "_s + name.leftJustified(nameWidth) + value);
 }
 
