@@ -120,8 +120,8 @@ PluginInspection inspectPlugin(const QString &file)
                     u"cannot be read ("_s + opened.errorString() + u"); check its permissions"_s);
         return inspection;
     }
-    inspection.library = readLibraryFile(opened.read(largestFile));
-    if (const auto unusable = unusableLibrary(file, inspection.library)) {
+    inspection.contents = readLibraryFile(opened.read(largestFile));
+    if (const auto unusable = unusableLibrary(file, inspection.contents)) {
         inspection.judgement = *unusable;
         return inspection;
     }

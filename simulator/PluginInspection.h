@@ -30,7 +30,7 @@ struct PluginInspection
 {
     /// The absolute path.
     QString file;
-    LibraryFile library;
+    LibraryFile contents;
     /// As Qt's plugin loader reads it: "IID", "className", "version", "debug"; empty when it cannot.
     QJsonObject metaData;
     PluginJudgement judgement;

@@ -49,14 +49,14 @@ void printInspection(const PluginInspection &inspection)
 {
     printField(u"file"_s, inspection.file);
     printField(u"format"_s,
-               (inspection.library.format == LibraryFile::Format::Elf ? u"Linux"_s : u"Windows"_s) +
-                   u" library, "_s + inspection.library.architecture);
+               (inspection.contents.format == LibraryFile::Format::Elf ? u"Linux"_s : u"Windows"_s) +
+                   u" library, "_s + inspection.contents.architecture);
     printField(u"IID"_s, inspection.metaData.value("IID"_L1).toString());
     printField(u"class"_s, inspection.metaData.value("className"_L1).toString());
-    printField(u"metadata header"_s, headerText(inspection.library.pluginMetadata));
+    printField(u"metadata header"_s, headerText(inspection.contents.pluginMetadata));
     printField(u"built with"_s, qtText(inspection.metaData));
-    printExports(inspection.library.exports);
-    printField(u"needs"_s, inspection.library.neededLibraries.join(u", "_s));
+    printExports(inspection.contents.exports);
+    printField(u"needs"_s, inspection.contents.neededLibraries.join(u", "_s));
 }
 
 }  // namespace
