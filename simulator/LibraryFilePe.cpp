@@ -2,6 +2,7 @@
 
 #include "ByteReader.h"
 
+#include <QtCore/QCborValue>
 #include <QtCore/QList>
 
 using namespace Qt::StringLiterals;
@@ -17,6 +18,7 @@ constexpr quint16 plusMagic = 0x20b;  // an optional header of the 64-bit kind
 constexpr QByteArrayView sectionMagic("QTMETADATA !");
 // A section header has room for 8 characters of the name.
 constexpr QByteArrayView metadataSectionName(".qtmetad");
+constexpr qsizetype metadataHeaderSize = 4;
 constexpr qsizetype mostNameBytes = qsizetype(64) * 1024 * 1024;
 constexpr quint32 mostNames = 1024U * 1024U;
 
@@ -166,11 +168,22 @@ bool PeFile::readImports()
     }
 }
 
+// The bytes without what fills the section up behind them.
+QByteArray withoutPadding(const QByteArray &metadata)
+{
+    if (metadata.size() < metadataHeaderSize)
+        return metadata;
+    QCborParserError end;
+    static_cast<void>(QCborValue::fromCbor(metadata.sliced(metadataHeaderSize), &end));
+    return end.error == QCborError::NoError ? metadata.first(metadataHeaderSize + end.offset) : metadata;
+}
+
 void PeFile::readMetadata()
 {
     for (const Section &section : std::as_const(m_sections)) {
         if (section.name.startsWith(metadataSectionName) && section.bytes.startsWith(sectionMagic))
-            m_library.pluginMetadata = section.bytes.sliced(sectionMagic.size()).toByteArray();
+            m_library.pluginMetadata =
+                withoutPadding(section.bytes.sliced(sectionMagic.size()).toByteArray());
     }
 }
 

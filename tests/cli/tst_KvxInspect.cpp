@@ -1,5 +1,6 @@
 #include "Bench.h"
 #include "Kvx.h"
+#include "ThisSystem.h"
 
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
@@ -31,14 +32,14 @@ void tst_KvxInspect::builtPluginLoadsHere()
         return lines.size() == 1 ? lines.first().mid(16) : u"%1 lines"_s.arg(lines.size());
     };
     QCOMPARE(field(u"file"_s), QFileInfo(Bench::builtPluginFile()).absoluteFilePath());
-    QCOMPARE(field(u"format"_s), u"Linux library, 64-bit x86-64"_s);
+    QCOMPARE(field(u"format"_s), ThisSystem::name + u" library, 64-bit x86-64"_s);
     QCOMPARE(field(u"IID"_s), u"com.orvane.KVX.Plugin.LogicalDevice.RV418"_s);
     QCOMPARE(field(u"class"_s), u"LogicalDevicePlugin"_s);
     QVERIFY2(field(u"metadata header"_s).startsWith(u"1 6 "_s), qPrintable(field(u"metadata header"_s)));
     QVERIFY2(field(u"built with"_s).startsWith(u"Qt %1.%2, "_s.arg(QT_VERSION_MAJOR).arg(QT_VERSION_MINOR)),
              qPrintable(field(u"built with"_s)));
     QCOMPARE(field(u"entry points"_s), u"qt_plugin_instance, qt_plugin_query_metadata_v2"_s);
-    QVERIFY(field(u"needs"_s).contains(u"libQt6Core.so.6"_s));
+    QVERIFY(field(u"needs"_s).contains(ThisSystem::qtCoreLibrary));
     QVERIFY(field(u"loads here"_s).startsWith(u"yes"_s));
 }
 
@@ -73,7 +74,7 @@ void tst_KvxInspect::unusableFile_data()
     QTest::newRow("text") << QByteArray("no library\n") << u"is no library"_s;
     QTest::newRow("header-only") << whole.first(20) << u"is cut off"_s;
     QTest::newRow("half") << whole.first(whole.size() / 2) << u"is cut off"_s;
-    QTest::newRow("windows") << QByteArray("MZ no more") << u"another system"_s;
+    QTest::newRow("other-system") << ThisSystem::otherLibraryStart() << u"another system"_s;
 }
 
 void tst_KvxInspect::unusableFile()

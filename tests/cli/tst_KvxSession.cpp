@@ -80,7 +80,7 @@ void tst_KvxSession::differenceIsTold()
 {
     // Under another file name the plugin does not find its own library, and start answers false.
     const QTemporaryDir folder;
-    const QString renamed = folder.filePath(u"renamed.so"_s);
+    const QString renamed = folder.filePath(u"renamed"_s + QStringLiteral(KVX_LIBRARY_SUFFIX));
     QVERIFY(QFile::copy(Bench::builtPluginFile(), renamed));
     const KvxRun run = runKvx({u"session"_s, u"--plugin"_s, renamed});
     QCOMPARE(run.exitCode, 1);

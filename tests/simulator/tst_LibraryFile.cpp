@@ -1,5 +1,6 @@
 #include "Bench.h"
 #include "LibraryFile.h"
+#include "ThisSystem.h"
 
 #include <QtCore/QFile>
 #include <QtCore/QRandomGenerator>
@@ -25,6 +26,65 @@ void put(QByteArray &bytes, qsizetype offset, Number value)
 void putText(QByteArray &bytes, qsizetype offset, const QByteArray &text)
 {
     bytes.replace(offset, text.size(), text);
+}
+
+// Header and one entry, as Qt writes them for its plugin loader.
+QByteArray metadata()
+{
+    return QByteArray("\1\6\10\0", 4) + QByteArray("\xbf\2\x63IID\xff", 7);
+}
+
+void putSection(QByteArray &bytes, qsizetype header, quint32 type, quint64 offset, quint64 size)
+{
+    put(bytes, header + 4, type);
+    put(bytes, header + 24, offset);
+    put(bytes, header + 32, size);
+    put<quint32>(bytes, header + 40, 3);  // the section with the strings
+}
+
+// The smallest Linux library that has everything: a segment with the metadata as a note, and sections with
+// symbols, needed libraries and their strings.
+QByteArray linuxLibrary()
+{
+    QByteArray bytes(0x300, '\0');
+    putText(bytes, 0,
+            QByteArray("\x7f"
+                       "ELF\2\1\1",
+                       7));
+    put<quint16>(bytes, 16, 3);   // a shared object
+    put<quint16>(bytes, 18, 62);  // x86-64
+    put<quint64>(bytes, 32, 0x40);
+    put<quint64>(bytes, 40, 0x200);
+    put<quint16>(bytes, 54, 56);
+    put<quint16>(bytes, 56, 1);
+    put<quint16>(bytes, 58, 64);
+    put<quint16>(bytes, 60, 4);
+    // A segment of notes.
+    put<quint32>(bytes, 0x40, 4);
+    put<quint64>(bytes, 0x40 + 8, 0x80);
+    put<quint64>(bytes, 0x40 + 32, 0x24);
+    put<quint64>(bytes, 0x40 + 48, 4);
+    put<quint32>(bytes, 0x80, 12);
+    put<quint32>(bytes, 0x84, static_cast<quint32>(metadata().size()));
+    put<quint32>(bytes, 0x88, 0x74510001);
+    putText(bytes, 0x8c, "qt-project!");
+    putText(bytes, 0x98, metadata());
+    putText(bytes, 0x101, "qt_plugin_instance");
+    putText(bytes, 0x120, "_ZN7QObjectC2EPS_");
+    putText(bytes, 0x13a, "libQt6Core.so.6");
+    // Symbols: the empty one, an exported one, an imported one.
+    put<quint32>(bytes, 0x158 + 24, 1);
+    put<quint8>(bytes, 0x158 + 28, 0x10);
+    put<quint16>(bytes, 0x158 + 30, 7);
+    put<quint32>(bytes, 0x158 + 48, 0x20);
+    put<quint8>(bytes, 0x158 + 52, 0x10);
+    // Needed: one library.
+    put<quint64>(bytes, 0x1b0, 1);
+    put<quint64>(bytes, 0x1b8, 0x3a);
+    putSection(bytes, 0x240, 11, 0x158, 72);
+    putSection(bytes, 0x280, 6, 0x1b0, 16);
+    putSection(bytes, 0x2c0, 3, 0x100, 0x50);
+    return bytes;
 }
 
 // The smallest Windows library that has everything: one section with export and import tables, one with the
@@ -61,7 +121,7 @@ QByteArray windowsLibrary()
     // Imports: one library, and the empty descriptor that ends the table.
     put<quint32>(bytes, 0x300 + 12, 0x1340);
     putText(bytes, 0x340, "Qt6Core.dll");
-    putText(bytes, 0x400, QByteArray("QTMETADATA !\1\6\10\0", 16));
+    putText(bytes, 0x400, "QTMETADATA !" + metadata());
     return bytes;
 }
 
@@ -73,6 +133,7 @@ class tst_LibraryFile : public QObject
 
 private Q_SLOTS:
     void builtPluginIsRead();
+    void linuxLibraryIsRead();
     void windowsLibraryIsRead();
     void damageIsTold_data();
     void damageIsTold();
@@ -86,7 +147,8 @@ private Q_SLOTS:
 void tst_LibraryFile::builtPluginIsRead()
 {
     const LibraryFile library = readLibraryFile(pluginBytes());
-    QCOMPARE(library.format, LibraryFile::Format::Elf);
+    QCOMPARE(library.format,
+             ThisSystem::isWindows ? LibraryFile::Format::PortableExecutable : LibraryFile::Format::Elf);
     QCOMPARE(library.defect, QString());
     QCOMPARE(library.architecture, u"64-bit x86-64"_s);
     QVERIFY(library.exports.contains(u"qt_plugin_instance"_s));
@@ -94,13 +156,24 @@ void tst_LibraryFile::builtPluginIsRead()
     QVERIFY(std::is_sorted(library.exports.begin(), library.exports.end()));
     // Symbols that it imports are no exports.
     QVERIFY(!library.exports.contains(u"_ZN7QObjectC2EPS_"_s));
-    QVERIFY(library.neededLibraries.contains(u"libQt6Core.so.6"_s));
+    QVERIFY(library.neededLibraries.contains(ThisSystem::qtCoreLibrary));
     QCOMPARE(library.pluginMetadata.size(), 71);
     QCOMPARE(library.pluginMetadata.at(0), '\1');
     QCOMPARE(library.pluginMetadata.at(1), static_cast<char>(QT_VERSION_MAJOR));
     QCOMPARE(library.pluginMetadata.at(2), static_cast<char>(QT_VERSION_MINOR));
     QVERIFY(library.pluginMetadata.contains("com.orvane.KVX.Plugin.LogicalDevice.RV418"));
     QCOMPARE(library.pluginMetadata.back(), '\xff');
+}
+
+void tst_LibraryFile::linuxLibraryIsRead()
+{
+    const LibraryFile library = readLibraryFile(linuxLibrary());
+    QCOMPARE(library.format, LibraryFile::Format::Elf);
+    QCOMPARE(library.defect, QString());
+    QCOMPARE(library.architecture, u"64-bit x86-64"_s);
+    QCOMPARE(library.exports, QStringList{u"qt_plugin_instance"_s});
+    QCOMPARE(library.neededLibraries, QStringList{u"libQt6Core.so.6"_s});
+    QCOMPARE(library.pluginMetadata, metadata());
 }
 
 void tst_LibraryFile::windowsLibraryIsRead()
@@ -111,14 +184,15 @@ void tst_LibraryFile::windowsLibraryIsRead()
     QCOMPARE(library.architecture, u"64-bit x86-64"_s);
     QCOMPARE(library.exports, QStringList({u"qt_plugin_instance"_s, u"qt_plugin_query_metadata_v2"_s}));
     QCOMPARE(library.neededLibraries, QStringList{u"Qt6Core.dll"_s});
-    QVERIFY(library.pluginMetadata.startsWith(QByteArray("\1\6\10\0", 4)));
+    // Without the bytes that fill its section up.
+    QCOMPARE(library.pluginMetadata, metadata());
 }
 
 void tst_LibraryFile::damageIsTold_data()
 {
     QTest::addColumn<QByteArray>("bytes");
     QTest::addColumn<QString>("defect");
-    const QByteArray elf = pluginBytes();
+    const QByteArray elf = linuxLibrary();
     const QByteArray pe = windowsLibrary();
     const auto changed = [](QByteArray bytes, qsizetype offset, auto value) {
         put(bytes, offset, value);
@@ -156,7 +230,8 @@ void tst_LibraryFile::damageIsTold()
 void tst_LibraryFile::everyCutIsADefect_data()
 {
     QTest::addColumn<QByteArray>("bytes");
-    QTest::newRow("elf") << pluginBytes();
+    QTest::newRow("built-plugin") << pluginBytes();
+    QTest::newRow("elf") << linuxLibrary();
     QTest::newRow("pe") << windowsLibrary();
 }
 

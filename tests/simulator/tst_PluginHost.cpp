@@ -3,9 +3,11 @@
 #include "LogRecorder.h"
 #include "PluginHost.h"
 #include "PluginInspection.h"
+#include "ThisSystem.h"
 
 #include <QtCore/QDir>
 #include <QtCore/QFile>
+#include <QtCore/QPluginLoader>
 #include <QtCore/QTemporaryDir>
 #include <QtTest/QTest>
 
@@ -84,10 +86,12 @@ void tst_PluginHost::unusableFiles_data()
                           << u"is cut off"_s;
     QTest::newRow("last-byte-missing")
         << QString() << plugin.chopped(1) << Outcome::NotALibrary << u"is cut off"_s;
-    QTest::newRow("other-system") << QString() << QByteArray("MZ") + QByteArray(100, '\0')
-                                  << Outcome::NotALibrary << u"another system (Windows)"_s;
-    QTest::newRow("program") << QCoreApplication::applicationFilePath() << noBytes << Outcome::NotAPlugin
-                             << u"no plugin metadata"_s;
+    QTest::newRow("other-system") << QString() << ThisSystem::otherLibraryStart() << Outcome::NotALibrary
+                                  << u"another system (%1)"_s.arg(ThisSystem::otherName);
+    // On Linux its code can lie at any address, which leaves nothing to tell it from a library.
+    QTest::newRow("program") << QCoreApplication::applicationFilePath() << noBytes
+                             << (ThisSystem::isWindows ? Outcome::NotALibrary : Outcome::NotAPlugin)
+                             << (ThisSystem::isWindows ? u"is a Windows program"_s : u"no plugin metadata"_s);
     QTest::newRow("no-plugin") << wrongLibrary(u"NoPlugin"_s) << noBytes << Outcome::NotAPlugin
                                << u"no plugin metadata"_s;
     QTest::newRow("foreign") << wrongLibrary(u"ForeignPlugin"_s) << noBytes << Outcome::ForeignIid
@@ -123,8 +127,7 @@ void tst_PluginHost::hugeFileIsRefusedUnread()
     const QTemporaryDir folder;
     QFile file(folder.filePath(u"huge.so"_s));
     QVERIFY(file.open(QFile::WriteOnly));
-    // Sparse: it takes no room.
-    QVERIFY(file.resize(qint64{8} * 1024 * 1024 * 1024));
+    QVERIFY(file.resize(qint64{256} * 1024 * 1024 + 1));
     const PluginInspection inspection = inspectPlugin(file.fileName());
     QCOMPARE(inspection.judgement.outcome, Outcome::NotALibrary);
     QVERIFY2(inspection.judgement.reason.contains(u"larger than 256 MiB"_s),
@@ -144,12 +147,14 @@ void tst_PluginHost::missingFactoryIsTold()
 
 void tst_PluginHost::foreignPluginIsNeverRun()
 {
-    QFile maps(u"/proc/self/maps"_s);
     Timeline timeline;
     PluginHost host(timeline);
     QVERIFY(host.load(wrongLibrary(u"ForeignPlugin"_s)).has_value());
-    QVERIFY(maps.open(QFile::ReadOnly));
-    QVERIFY(!maps.readAll().contains("ForeignPlugin"));
+    QVERIFY(!qEnvironmentVariableIsSet("KVX_FOREIGN_PLUGIN_RAN"));
+
+    QPluginLoader loader(wrongLibrary(u"ForeignPlugin"_s));
+    QVERIFY(loader.load());
+    QVERIFY(qEnvironmentVariableIsSet("KVX_FOREIGN_PLUGIN_RAN"));
 }
 
 void tst_PluginHost::metadataIsJudged_data()

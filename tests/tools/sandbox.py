@@ -5,10 +5,13 @@ root, bwrap runs the command outside, cmake and ctest answer and exit as a test 
 they were called.
 """
 
+import errno
 import os
 import shutil
+import signal
 import subprocess
 import tempfile
+import time
 import unittest
 from pathlib import Path
 
@@ -77,6 +80,37 @@ printf 'installed'
 FAKE_ID = 'printf "%s\\n" "${FAKE_UID:-0}"\n'
 
 
+class Gate:
+    """A named pipe. A fake that reads a line from it stands still until the test opens the gate."""
+
+    def __init__(self, path):
+        self.path = path
+        os.mkfifo(path)
+
+    def wait_for(self, process):
+        """Returns when somebody stands at the gate; the process is the one to bring that about."""
+        while True:
+            try:
+                self.writer = os.open(self.path, os.O_WRONLY | os.O_NONBLOCK)
+                return
+            except OSError as error:
+                if error.errno != errno.ENXIO:
+                    raise
+            if process.poll() is not None:
+                raise AssertionError(f"ended before it came to the gate: {process.communicate()}")
+            time.sleep(0.01)
+
+    def open(self):
+        os.write(self.writer, b"go\n")
+        self.close()
+
+    def close(self):
+        os.close(self.writer)
+
+    def __str__(self):
+        return str(self.path)
+
+
 class Sandbox:
     def __init__(self, parent):
         self.base = Path(parent)
@@ -84,10 +118,12 @@ class Sandbox:
         self.cache = self.base / "the cache"
         self.fakes = self.base / "fakes"
         self.calls = self.base / "calls"
+        self.started = []
         self.checkout.mkdir()
         self.fakes.mkdir()
         shutil.copy2(REPOSITORY / "dev", self.checkout)
-        shutil.copytree(REPOSITORY / "tools", self.checkout / "tools")
+        for folder in ("tools", "cmake"):
+            shutil.copytree(REPOSITORY / folder, self.checkout / folder)
         for name, body in {
             "mmdebstrap": FAKE_MMDEBSTRAP,
             "bwrap": FAKE_BWRAP,
@@ -117,22 +153,45 @@ class Sandbox:
         environment.update(changes)
         return {name: value for name, value in environment.items() if value is not None}
 
-    def start(self, *words, **changes):
-        return subprocess.Popen(
-            [str(self.checkout / "dev"), *words],
+    def start_script(self, script, *words, **changes):
+        """Starts a script of the checkout, in a process group of its own, with changes to its environment."""
+        process = subprocess.Popen(
+            [str(self.checkout / script), *words],
             cwd=self.base,
             env=self.environment(**changes),
             stdin=subprocess.DEVNULL,
             stdout=subprocess.PIPE,
             stderr=subprocess.PIPE,
-            text=True,
+            encoding="utf-8",
             start_new_session=True,
         )
+        self.started.append(process)
+        return process
 
-    def dev(self, *words, **changes):
-        process = self.start(*words, **changes)
+    def run_script(self, script, *words, **changes):
+        process = self.start_script(script, *words, **changes)
         process.out, process.err = process.communicate()
         return process
+
+    def start(self, *words, **changes):
+        return self.start_script("dev", *words, **changes)
+
+    def dev(self, *words, **changes):
+        return self.run_script("dev", *words, **changes)
+
+    def gate(self, name="gate"):
+        return Gate(self.base / name)
+
+    def kill(self, process, number=signal.SIGKILL):
+        """Sends the signal to the process and to all in its group, and waits for their end."""
+        os.killpg(process.pid, number)
+        return process.communicate()
+
+    def end_started(self):
+        """What a failed test left running."""
+        for process in self.started:
+            if process.poll() is None:
+                self.kill(process)
 
     def called(self, program=""):
         if not self.calls.exists():
@@ -154,4 +213,5 @@ class SandboxTest(unittest.TestCase):
         folder = tempfile.TemporaryDirectory()
         self.addCleanup(folder.cleanup)
         self.sandbox = Sandbox(os.path.realpath(folder.name))
+        self.addCleanup(self.sandbox.end_started)
         self.dev = self.sandbox.dev

@@ -8,7 +8,7 @@ from pathlib import Path
 from sandbox import REPOSITORY
 
 
-class CheckTestCount(unittest.TestCase):
+class CheckTestCountTest(unittest.TestCase):
     maxDiff = None
 
     def setUp(self):
@@ -48,6 +48,8 @@ class CheckTestCount(unittest.TestCase):
     def remedy(self):
         return f"if the change is meant, write the new numbers: tools/check-test-count {self.folder} --write"
 
+
+class Counts(CheckTestCountTest):
     def test_as_expected(self):
         process = self.check()
         self.assertEqual(
@@ -122,4 +124,71 @@ class CheckTestCount(unittest.TestCase):
         self.write_results("tst_Dpi", ["one"], "<skipped/>")
         before = self.expected.read_text(encoding="utf-8")
         self.assertEqual(self.check("--write").returncode, 1)
+        self.assertEqual(self.expected.read_text(encoding="utf-8"), before)
+
+
+class LeftOut(CheckTestCountTest):
+    """FOLDER/left-out-tests.txt: a build says which tests it does not have, and why."""
+
+    def setUp(self):
+        super().setUp()
+        self.expected.write_text("# counts\ndev_script 1\ntst_Dpi 3\ntst_Unix 5\n", encoding="utf-8")
+        self.leave_out("tst_Unix reads ELF (no such files here)")
+
+    def leave_out(self, *lines):
+        self.list = self.folder / "left-out-tests.txt"
+        self.list.write_text("".join(f"{line}\n" for line in lines), encoding="utf-8")
+
+    def test_is_no_failure_and_is_told_with_the_reason(self):
+        process = self.check()
+        self.assertEqual(
+            (process.stdout.splitlines(), process.stderr, process.returncode),
+            (
+                [
+                    "2 tests with 4 test cases ran, as expected",
+                    "left out: tst_Unix (reads ELF (no such files here))",
+                ],
+                "",
+                0,
+            ),
+        )
+
+    def test_empty_list_leaves_out_nothing(self):
+        self.leave_out()
+        self.assert_says(1, "tst_Unix: expected 5, but it did not run", self.remedy())
+
+    def test_another_test_may_not_be_missing(self):
+        self.expected.write_text("dev_script 1\ngone 1\ntst_Dpi 3\ntst_Unix 5\n", encoding="utf-8")
+        self.assert_says(1, "gone: expected 1, but it did not run", self.remedy())
+
+    def test_that_ran(self):
+        self.leave_out("tst_Unix no ELF", "dev_script no shell")
+        self.assert_says(1, "dev_script: ran, though it is to be left out (no shell)", self.remedy())
+
+    def test_that_no_build_is_expected_to_run(self):
+        self.leave_out("tst_Unix no ELF", "tst_Misspelt no ELF")
+        self.assert_says(1, "tst_Misspelt: left out here, and expected nowhere", self.remedy())
+
+    def test_without_reason(self):
+        for line in ("tst_Unix", "tst_Unix ", "tst_Unix   "):
+            with self.subTest(line=line):
+                self.leave_out(line)
+                self.assert_says(2, f"{self.list}: '{line}' names no reason")
+
+    def test_write_keeps_its_number(self):
+        self.write_results("tst_Dpi", ["one"])
+        process = self.check("--write")
+        self.assertEqual((process.stderr, process.returncode), ("", 0))
+        self.assertEqual(self.expected.read_text(encoding="utf-8"), "# counts\ndev_script 1\ntst_Dpi 1\ntst_Unix 5\n")
+        self.assertEqual(self.check().returncode, 0)
+
+    def test_write_drops_what_is_gone_everywhere(self):
+        self.expected.write_text("# counts\ngone 9\ntst_Unix 5\n", encoding="utf-8")
+        self.assertEqual(self.check("--write").returncode, 0)
+        self.assertEqual(self.expected.read_text(encoding="utf-8"), "# counts\ndev_script 1\ntst_Dpi 3\ntst_Unix 5\n")
+
+    def test_write_changes_nothing_when_a_reason_is_missing(self):
+        self.leave_out("tst_Unix")
+        before = self.expected.read_text(encoding="utf-8")
+        self.assertEqual(self.check("--write").returncode, 2)
         self.assertEqual(self.expected.read_text(encoding="utf-8"), before)

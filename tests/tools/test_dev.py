@@ -3,7 +3,7 @@
 import json
 import unittest
 
-from sandbox import REPOSITORY, SandboxTest
+from sandbox import CALL_LOG, REPOSITORY, SandboxTest
 
 
 class Refusals(SandboxTest):
@@ -22,11 +22,11 @@ class Refusals(SandboxTest):
         self.assert_refused("no option is called '--nativ' (./dev help lists them)", "--nativ", "test")
 
     def test_unknown_preset(self):
-        self.assert_refused("no preset is called 'fast' (there are: release, dev, asan, tidy)", "build", "fast")
+        self.assert_refused("no preset is called 'fast' (there are: release, dev, asan, tidy, windows)", "build", "fast")
 
     def test_filter_without_preset(self):
         self.assert_refused(
-            "no preset is called 'tst_Dpi' (there are: release, dev, asan, tidy); "
+            "no preset is called 'tst_Dpi' (there are: release, dev, asan, tidy, windows); "
             "to filter, name the preset first: ./dev test release 'tst_Dpi'",
             "test",
             "tst_Dpi",
@@ -34,17 +34,29 @@ class Refusals(SandboxTest):
 
     def test_presets_that_only_native_builds_use_are_not_offered(self):
         self.assert_refused(
-            "no preset is called 'native-release' (there are: release, dev, asan, tidy)", "build", "native-release"
+            "no preset is called 'native-release' (there are: release, dev, asan, tidy, windows)",
+            "build",
+            "native-release",
         )
 
-    def test_preset_that_needs_the_toolbox(self):
-        self.assert_refused("no preset is called 'tidy' (there are: release, dev, asan (native))", "--native", "build", "tidy")
+    def test_presets_that_need_the_toolbox(self):
+        for verb in ("build", "test"):
+            for preset in ("tidy", "windows"):
+                with self.subTest(verb=verb, preset=preset):
+                    hint = f"; to filter, name the preset first: ./dev test release '{preset}'" if verb == "test" else ""
+                    self.assert_refused(
+                        f"no preset is called '{preset}' (there are: release, dev, asan (native)){hint}",
+                        "--native",
+                        verb,
+                        preset,
+                    )
 
     def test_surplus_arguments(self):
         self.assert_refused("build takes one PRESET at most", "build", "release", "asan")
         self.assert_refused("test takes one PRESET and one FILTER at most", "test", "release", "a", "b")
         self.assert_refused("shell takes no arguments", "shell", "bash")
         self.assert_refused("format takes no arguments", "format", "device")
+        self.assert_refused("package takes no argument but --twice", "package", "release")
 
     def test_exec_without_command(self):
         self.assert_refused("exec needs a COMMAND", "exec")
@@ -53,6 +65,9 @@ class Refusals(SandboxTest):
         self.assert_refused(
             "no check is called 'spelling' (there are: format tidy clazy shell python)", "lint", "spelling"
         )
+
+    def test_packages_need_the_toolbox(self):
+        self.assert_refused("package needs the toolbox, which has the Qt that we ship with", "--native", "package")
 
     def test_checks_of_sources_need_the_toolbox(self):
         sentence = "{} needs the toolbox, which has clang's tools in the version that the sources are checked with"
@@ -147,7 +162,7 @@ class Commands(SandboxTest):
         process = self.dev("help")
         self.assertEqual((process.err, process.returncode), ("", 0))
         self.assertEqual(self.dev("--help").out, process.out)
-        for verb in ("run", "test", "build", "exec", "shell", "lint", "format", "help"):
+        for verb in ("run", "test", "build", "package", "exec", "shell", "lint", "format", "help"):
             self.assertRegex(process.out, rf"(?m)^  {verb}\b")
 
     def test_exec_keeps_words_output_and_exit_code(self):
@@ -177,6 +192,115 @@ class Commands(SandboxTest):
         process = self.dev("exec", "echo", "inside", KVX_IN_TOOLBOX="1")
         self.assertEqual((process.out, process.err), ("inside\n", "$ echo inside\n"))
         self.assertEqual(self.sandbox.called("bwrap"), [])
+
+
+class WindowsTest(SandboxTest):
+    """Qt for Windows is made by tools/windows-qt-build, whose place a script takes here."""
+
+    def setUp(self):
+        super().setUp()
+        self.qt_build_answers("/cache/windows-qt/new")
+        self.build = self.sandbox.checkout / "build" / "windows"
+
+    def qt_build_answers(self, answer, code=0):
+        script = self.sandbox.checkout / "tools" / "windows-qt-build"
+        script.write_text(
+            f"#!/bin/bash\n{CALL_LOG}echo working >&2\nprintf '%s' '{answer}'\nexit {code}\n", encoding="utf-8"
+        )
+
+    def configured_with(self, folder):
+        self.build.mkdir(parents=True)
+        (self.build / "CMakeCache.txt").write_text(
+            f"//What we ship\nCMAKE_BUILD_TYPE:STRING=Release\nKVX_WINDOWS_QT:UNINITIALIZED={folder}\n", encoding="utf-8"
+        )
+
+    def configuring_words(self):
+        """Of the one call of cmake that configures the preset."""
+        calls = [call.split() for call in self.sandbox.called("cmake") if "--build" not in call]
+        self.assertEqual(len(calls), 1, calls)
+        self.assertIn("windows", calls[0])
+        return calls[0]
+
+
+class Windows(WindowsTest):
+    def test_dry_run_builds_no_qt(self):
+        process = self.dev("--dry-run", "build", "windows")
+        self.assertEqual((process.err, process.returncode), ("", 0))
+        self.assertEqual(
+            process.out.splitlines()[-3:],
+            [
+                "$ tools/windows-qt-build",
+                "$ cmake --preset windows -DKVX_WINDOWS_QT=QT_FOLDER",
+                "$ cmake --build --preset windows",
+            ],
+        )
+        self.assertEqual(self.sandbox.called("windows-qt-build") + self.sandbox.called("cmake"), [])
+
+    def test_dry_run_does_not_claim_another_qt(self):
+        self.configured_with("/cache/windows-qt/new")
+        process = self.dev("--dry-run", "build", "windows")
+        self.assertNotIn("--fresh", process.out)
+
+    def test_qt_is_built_first_and_reaches_cmake(self):
+        process = self.dev("build", "windows")
+        self.assertEqual((process.out, process.returncode), ("", 0), process.err)
+        self.assertIn("working", process.err.splitlines())
+        self.assertIn("-DKVX_WINDOWS_QT=/cache/windows-qt/new", self.configuring_words())
+        programs = [call.split()[0] for call in self.sandbox.called()]
+        self.assertEqual(programs.count("windows-qt-build"), 1)
+        self.assertLess(programs.index("windows-qt-build"), programs.index("cmake"))
+        self.assertEqual(self.sandbox.called("cmake")[-1], "cmake --build --preset windows")
+
+    def test_first_build_has_no_cache_to_forget(self):
+        self.dev("build", "windows")
+        self.assertNotIn("--fresh", self.configuring_words())
+
+    def test_cache_of_the_same_qt_is_kept(self):
+        self.configured_with("/cache/windows-qt/new")
+        self.dev("build", "windows")
+        self.assertNotIn("--fresh", self.configuring_words())
+
+    def test_cache_of_another_qt_is_forgotten(self):
+        self.configured_with("/cache/windows-qt/old")
+        self.dev("build", "windows")
+        self.assertIn("--fresh", self.configuring_words())
+        self.assertIn("-DKVX_WINDOWS_QT=/cache/windows-qt/new", self.configuring_words())
+
+    def test_other_presets_need_no_qt_for_windows(self):
+        self.assertEqual(self.dev("build").returncode, 0)
+        self.assertEqual(self.sandbox.called("windows-qt-build"), [])
+
+    def test_reason_of_a_failed_qt_is_one_line(self):
+        reason = "the source of qt6-base 6.8.2 could not be fetched (E: no network)"
+        for answer, said in {reason: reason, "": "Qt for Windows could not be built"}.items():
+            with self.subTest(answer=answer):
+                self.qt_build_answers(answer, 3)
+                process = self.dev("build", "windows")
+                lines = process.err.splitlines()
+                self.assertEqual([line for line in lines if line.startswith("./dev: ")][-1], f"./dev: {said}")
+                self.assertEqual(lines[-1], f"./dev: {said}")
+                self.assertEqual((process.out, process.returncode), ("", 1))
+                self.assertEqual(self.sandbox.called("cmake"), [])
+
+    def test_without_a_toolbox_it_is_refused(self):
+        process = self.dev("build", "windows", BWRAP_FAILS="no namespaces")
+        self.assertEqual(
+            process.err.splitlines()[-1],
+            "./dev: no preset is called 'windows' (there are: release, dev, asan (native))",
+        )
+        self.assertEqual((process.returncode, self.sandbox.called("cmake")), (2, []))
+
+
+class WindowsTests(WindowsTest):
+    def test_programs_of_this_system_are_built_before_they_are_compared_with(self):
+        self.dev("test", "windows", "tst_Dpi")
+        built = [call.split()[3] for call in self.sandbox.called("cmake --build --preset")]
+        self.assertEqual(built, ["release", "windows"])
+        self.assertEqual(self.sandbox.called("ctest"), ["ctest --preset windows -R tst_Dpi"])
+
+    def test_all_are_counted(self):
+        process = self.dev("--dry-run", "test", "windows")
+        self.assertEqual(process.out.splitlines()[-1], "$ tools/check-test-count build/windows")
 
 
 class Failures(SandboxTest):
@@ -250,7 +374,7 @@ class Presets(unittest.TestCase):
         def names(kind):
             return [preset["name"] for preset in presets[kind] if not preset.get("hidden")]
 
-        own = ["release", "dev", "asan", "tidy"]
+        own = ["release", "dev", "asan", "tidy", "windows", "windows-msvc"]
         native = ["native-release", "native-dev", "native-asan"]
         for kind in ("configurePresets", "buildPresets", "testPresets"):
             self.assertEqual(names(kind), own + native)

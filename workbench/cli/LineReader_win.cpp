@@ -1,5 +1,7 @@
 #include "LineReader.h"
 
+#include <cstdio>
+#include <io.h>
 #include <iostream>
 #include <string>
 
@@ -11,7 +13,8 @@ LineReader::~LineReader() = default;
 
 std::optional<QString> LineReader::readLine(const QString &prompt)
 {
-    std::cout << prompt.toStdString() << std::flush;
+    if (_isatty(_fileno(stdin)) != 0)
+        std::cout << prompt.toStdString() << std::flush;
     std::string line;
     return std::getline(std::cin, line) ? std::optional<QString>(QString::fromStdString(line)) : std::nullopt;
 }

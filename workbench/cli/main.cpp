@@ -2,30 +2,40 @@
 #include "RunCommand.h"
 #include "SessionCommand.h"
 #include "ShellCommand.h"
+#include "StandardStreams.h"
 
 #include <QtCore/QCoreApplication>
-#include <QtCore/QFile>
 
 #include <CLI/CLI.hpp>
 
 #include <iostream>
+#include <string>
+#include <vector>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
-QString pathOf(const std::string &argument)
+// Qt's reading of the command line holds any letter on every system, in contrast to main's parameters. Last
+// word first, as the parser wants it, and without the program's name.
+std::vector<std::string> reversedArguments()
 {
-    return QFile::decodeName(QByteArray::fromStdString(argument));
+    const QStringList words = QCoreApplication::arguments().mid(1);
+    std::vector<std::string> reversed;
+    for (auto word = words.crbegin(); word != words.crend(); ++word)
+        reversed.push_back(word->toStdString());
+    return reversed;
 }
 
-int parseAndRun(int argc, char **argv)
+int parseAndRun()
 {
     CLI::App app{
         "Hosts the RV418 device plugin on a simulated receiver, without a host application or a mouse.",
         "kvx"};
     app.set_version_flag("--version", "kvx " KVX_VERSION);
     app.require_subcommand(0, 1);
+    // The same on every system: a word with a slash in front is a path.
+    app.allow_windows_style_options(false);
     app.footer("Exit codes: 0 all went as it should, 1 something differed, 2 bad usage or an unusable file, "
                "3 a request was refused, 4 a request was never confirmed.");
 
@@ -56,27 +66,27 @@ int parseAndRun(int argc, char **argv)
     inspect->add_option("FILE", inspectedFile, "The library")->required()->option_text(" ");
 
     try {
-        app.parse(argc, argv);
+        app.parse(reversedArguments());
     } catch (const CLI::Success &answer) {  // --help and --version
         return app.exit(answer);
     } catch (const CLI::ParseError &error) {
-        printError(QString::fromLocal8Bit(error.what()) + u"; see kvx --help"_s);
+        printError(QString::fromUtf8(error.what()) + u"; see kvx --help"_s);
         return static_cast<int>(ExitCode::Unusable);
     }
 
     if (session->parsed()) {
-        sessionOptions.pluginFile = pathOf(pluginFile);
+        sessionOptions.pluginFile = QString::fromStdString(pluginFile);
         return static_cast<int>(runSession(sessionOptions));
     }
     if (run->parsed()) {
-        runOptions.file = pathOf(scenarioFile);
-        runOptions.pluginFile = pathOf(pluginFile);
+        runOptions.file = QString::fromStdString(scenarioFile);
+        runOptions.pluginFile = QString::fromStdString(pluginFile);
         return static_cast<int>(runScenario(runOptions));
     }
     if (shell->parsed())
-        return static_cast<int>(runShell(pathOf(pluginFile)));
+        return static_cast<int>(runShell(QString::fromStdString(pluginFile)));
     if (inspect->parsed())
-        return static_cast<int>(runInspect(pathOf(inspectedFile)));
+        return static_cast<int>(runInspect(QString::fromStdString(inspectedFile)));
     std::cerr << app.help();
     return static_cast<int>(ExitCode::Unusable);
 }
@@ -86,5 +96,6 @@ int parseAndRun(int argc, char **argv)
 int main(int argc, char **argv)
 {
     const QCoreApplication application(argc, argv);
-    return parseAndRun(argc, argv);
+    unifyStandardStreams();
+    return parseAndRun();
 }

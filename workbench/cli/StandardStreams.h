@@ -1,0 +1,5 @@
+#pragma once
+
+/// Makes the standard streams carry the same bytes on every system until the program ends: UTF-8, lines ended by a
+/// line feed alone. Once, at the start of main.
+void unifyStandardStreams();

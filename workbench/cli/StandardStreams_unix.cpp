@@ -1,0 +1,4 @@
+#include "StandardStreams.h"
+
+// They do so by themselves.
+void unifyStandardStreams() {}
