@@ -54,6 +54,7 @@ private Q_SLOTS:
     void outputShowsCommandsAndTimeline();
     void jsonHoldsTheTimelineOnly();
     void standardInputIsAFileToo();
+    void windowsLineEndsAreRead();
     void outcomes_data();
     void outcomes();
     void failedExpectations_data();
@@ -164,6 +165,21 @@ void tst_KvxRun::standardInputIsAFileToo()
                               "mouse 1\nstart\nexpect reportRate 1\n");
     QCOMPARE(run.exitCode, 1);
     QCOMPARE(run.errors, QStringList{u"kvx: -:3: reportRate: expected \"1\", seen \"500\""_s});
+}
+
+void tst_KvxRun::windowsLineEndsAreRead()
+{
+    const QTemporaryDir folder;
+    QFile file(folder.filePath(u"scenario.kvx"_s));
+    QVERIFY(file.open(QFile::WriteOnly));
+    // With the mark that some editors put in front.
+    file.write("\xef\xbb\xbfmouse 1\r\n\r\n# a comment\r\nstart\r\nexpect reportRate 500\r\n");
+    file.close();
+    const KvxRun run = runFile(file.fileName());
+    QCOMPARE(run.errors, QStringList());
+    QCOMPARE(run.exitCode, 0);
+    QCOMPARE(run.output.filter(QRegularExpression(u"^> "_s)),
+             QStringList({u"> mouse 1"_s, u"> start"_s, u"> expect reportRate 500"_s}));
 }
 
 void tst_KvxRun::outcomes_data()

@@ -1,7 +1,9 @@
 #include "Bench.h"
 #include "Kvx.h"
 
+#include <QtCore/QDir>
 #include <QtCore/QFile>
+#include <QtCore/QFileInfo>
 #include <QtCore/QJsonDocument>
 #include <QtCore/QJsonObject>
 #include <QtCore/QRegularExpression>
@@ -18,6 +20,7 @@ private Q_SLOTS:
     void sessionPasses();
     void jsonHoldsTheTimelineOnly();
     void defaultPluginLiesBesideTheProgram();
+    void pathMayHoldAnyLetters();
     void differenceIsTold();
     void unusablePlugin_data();
     void unusablePlugin();
@@ -74,6 +77,24 @@ void tst_KvxSession::defaultPluginLiesBesideTheProgram()
         u"com.orvane.KVX.Plugin.LogicalDevice.RV418"_s + QStringLiteral(KVX_LIBRARY_SUFFIX);
     QVERIFY(QFile::copy(Bench::builtPluginFile(), folder.filePath(library)));
     QCOMPARE(runProgram(program, {u"session"_s}).exitCode, 0);
+}
+
+void tst_KvxSession::pathMayHoldAnyLetters()
+{
+    const QTemporaryDir folder;
+    const QString name = u"Geräte Ωμέγα"_s;
+    QVERIFY(QDir(folder.path()).mkdir(name));
+    const QString library = folder.filePath(name + u'/' + QFileInfo(Bench::builtPluginFile()).fileName());
+    QVERIFY(QFile::copy(Bench::builtPluginFile(), library));
+    const KvxRun run = runKvx({u"session"_s, u"--plugin"_s, library});
+    QCOMPARE(run.errors, QStringList());
+    QCOMPARE(run.exitCode, 0);
+
+    const KvxRun inspection = runKvx({u"inspect"_s, library});
+    QCOMPARE(inspection.exitCode, 0);
+    QCOMPARE(inspection.output.filter(QFileInfo(library).absoluteFilePath()).size(), 1);
+    // Words that are no paths come back whole, too.
+    QCOMPARE(runKvx({name}).errors.filter(name).size(), 1);
 }
 
 void tst_KvxSession::differenceIsTold()

@@ -17,6 +17,9 @@ from pathlib import Path
 
 REPOSITORY = Path(__file__).resolve().parents[2]
 
+# Generous: how long something that has to end, or to happen, may take on a busy machine, in seconds.
+LIMIT = 120
+
 CALL_LOG = 'printf "%s" "${0##*/}" >>"$CALLS"; printf " %s" "$@" >>"$CALLS"; printf "\\n" >>"$CALLS"\n'
 
 # The folder is the word before the mirror, which is the last one; without root it is "-", and a tar is wanted.
@@ -169,8 +172,14 @@ class Sandbox:
         return process
 
     def run_script(self, script, *words, **changes):
-        process = self.start_script(script, *words, **changes)
-        process.out, process.err = process.communicate()
+        return self.finish(self.start_script(script, *words, **changes))
+
+    def finish(self, process):
+        """Waits for the end of the process; what it wrote is then its 'out' and 'err'."""
+        try:
+            process.out, process.err = process.communicate(timeout=LIMIT)
+        except subprocess.TimeoutExpired:
+            raise AssertionError(f"still running after {LIMIT} s: {process.args} {self.kill(process)}") from None
         return process
 
     def start(self, *words, **changes):

@@ -184,7 +184,10 @@ class Keys(WindowsQtTest):
         self.assert_makes_another(COMPILER="14.3.0-1")
 
     def test_recipe(self):
-        self.append("tools/windows-qt-build")
+        script = self.sandbox.checkout / "tools/windows-qt-build"
+        text = script.read_text(encoding="utf-8")
+        self.assertEqual(text.count("-DFEATURE_icu=OFF"), 1)
+        script.write_text(text.replace("-DFEATURE_icu=OFF", "-DFEATURE_icu=ON"), encoding="utf-8")
         self.assert_makes_another()
 
     def test_settings_of_the_compiler(self):
@@ -193,6 +196,7 @@ class Keys(WindowsQtTest):
 
     def test_nothing_else(self):
         self.append("dev")
+        self.append("tools/windows-qt-build")
         self.assertEqual(self.assert_built(self.qt_build()), self.first)
         self.assertEqual(self.builds(), 1)
 
@@ -209,11 +213,9 @@ class Failing(WindowsQtTest):
         for step in ("update", "source"):
             with self.subTest(step=step):
                 self.sandbox.calls.unlink(missing_ok=True)
-                self.assert_cannot(
-                    self.qt_build(APT_FAILS="Temporary failure resolving 'mirror'", APT_FAILS_AT=step),
-                    "qt6-base 6.8.2+dfsg-9",
-                    "E: Temporary failure resolving 'mirror'",
-                )
+                process = self.qt_build(APT_FAILS="Temporary failure resolving 'mirror'", APT_FAILS_AT=step)
+                (log,) = self.folders.glob("*.log")
+                self.assert_cannot(process, "6.8.2+dfsg-9", "E: Temporary failure resolving 'mirror'", str(log))
                 self.assertEqual((self.left(), self.sandbox.called("cmake")), ([], []))
         self.assert_built(self.qt_build())
 
@@ -228,9 +230,17 @@ class Failing(WindowsQtTest):
             "corelib.cpp:7:3: error: no such thing", BUILD_FAILS="corelib.cpp:7:3: error: no such thing"
         )
 
+    def test_half_of_a_build_is_not_installed(self):
+        self.assert_cannot(self.qt_build(BUILD_FAILS="corelib.cpp:7:3: error: no such thing"))
+        self.assertEqual(self.sandbox.called("cmake --install"), [])
+
     def test_disk_is_full_while_compiling(self):
         reason = "fatal error: error writing to /tmp/cc.s: No space left on device"
         self.assert_fails_and_recovers(reason, BUILD_FAILS=f"corelib.cpp: In function:\\n{reason}")
+
+    def test_disk_is_full_while_linking(self):
+        reason = "/usr/bin/ld: final link failed: No space left on device"
+        self.assert_fails_and_recovers(reason, BUILD_FAILS=f"{reason}\\ncollect2: error: ld returned 1 exit status")
 
     def test_disk_is_full_while_unpacking(self):
         self.sandbox.fake("dpkg-source", "echo 'tar: qt: Cannot write: No space left on device'\nexit 2\n")
@@ -349,7 +359,7 @@ class Interrupted(WindowsQtTest):
         self.assertIsNone(second.poll())
         gate.open()
         for process in (first, second):
-            process.out, process.err = process.communicate()
+            self.sandbox.finish(process)
         self.assertEqual(self.assert_built(first), self.assert_built(second))
         self.assertEqual(self.builds(), 1)
 
@@ -359,6 +369,6 @@ class Interrupted(WindowsQtTest):
         self.assertIn("waiting for another build", second.stderr.readline())
         gate.open()
         for process in (first, second):
-            process.out, process.err = process.communicate()
+            self.sandbox.finish(process)
         self.assert_cannot(first, "no such thing")
         self.assertEqual(self.left(), [self.assert_built(second)])
