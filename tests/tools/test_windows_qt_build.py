@@ -230,6 +230,9 @@ class Failing(WindowsQtTest):
             "corelib.cpp:7:3: error: no such thing", BUILD_FAILS="corelib.cpp:7:3: error: no such thing"
         )
 
+    def test_step_is_named_that_failed_without_a_known_error(self):
+        self.assert_fails_and_recovers("FAILED: corelib.cpp.obj", BUILD_FAILS="moc ended oddly")
+
     def test_half_of_a_build_is_not_installed(self):
         self.assert_cannot(self.qt_build(BUILD_FAILS="corelib.cpp:7:3: error: no such thing"))
         self.assertEqual(self.sandbox.called("cmake --install"), [])

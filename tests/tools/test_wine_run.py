@@ -104,7 +104,7 @@ class Programs(WineRunTest):
 
     def test_arguments_are_unchanged(self):
         program = self.program('printf "<%s>" "$@"', "Prögramm's ☃.exe")
-        words = ["a  b", "", "it's", '"quoted"', "back\\slash\\", "Ünïcödé ☃", "*", "$HOME", "-1", "--", "two\nlines", "%PATH%"]
+        words = [" a  b ", "", "it's", '"quoted"', "back\\slash\\", "Ünïcödé ☃", "*", "$HOME", "-1", "--", "two\nlines\n"]
         process = self.wine_run(program, *words)
         self.assertEqual(process.out, "".join(f"<{word}>" for word in words))
 
