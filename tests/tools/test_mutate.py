@@ -1,7 +1,9 @@
 """What tools/mutate changes, and what it refuses."""
 
+import contextlib
 import importlib.machinery
 import importlib.util
+import io
 import subprocess
 import sys
 import tempfile
@@ -84,6 +86,49 @@ class Mutants(unittest.TestCase):
         self.assertEqual(lines["remove  close();"], 9)
 
 
+class Report(unittest.TestCase):
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.tool = load()
+        self.tool.EXPLAINED = Path(folder.name) / "explained.txt"
+
+    def report(self, outcomes, explained=""):
+        self.tool.EXPLAINED.write_text(explained, encoding="utf-8")
+        file = Path("device/Thing.cpp")
+        mutants = [self.tool.Mutant(file, line, f"change {line}", "") for line in range(len(outcomes))]
+        said, complained = io.StringIO(), io.StringIO()
+        with contextlib.redirect_stdout(said), contextlib.redirect_stderr(complained):
+            code = self.tool.report(mutants, outcomes, {str(file)})
+        return code, said.getvalue(), complained.getvalue()
+
+    def test_every_outcome_is_counted(self):
+        self.assertEqual(
+            self.report(["killed", "hangs", "invalid", "killed"]),
+            (0, "4 mutants: 2 killed, 1 hang, 1 do not compile, 0 explained, 0 survived\n", ""),
+        )
+
+    def test_survivor(self):
+        self.assertEqual(
+            self.report(["survived"]), (1, "1 mutants: 0 killed, 0 hang, 0 do not compile, 0 explained, 1 survived\n", "")
+        )
+
+    def test_explained_survivor(self):
+        self.assertEqual(
+            self.report(["killed", "survived"], "# Nobody sees it.\ndevice/Thing.cpp: change 1\n"),
+            (0, "2 mutants: 1 killed, 0 hang, 0 do not compile, 1 explained, 0 survived\n", ""),
+        )
+
+    def test_explanation_of_what_is_killed(self):
+        code, _, complaint = self.report(["killed"], "device/Thing.cpp: change 0\n")
+        self.assertEqual(
+            (code, complaint), (1, "mutate: explained.txt explains what does not survive: device/Thing.cpp: change 0\n")
+        )
+
+    def test_explanations_of_files_that_were_not_changed_stay(self):
+        self.assertEqual(self.report(["killed"], "device/Other.cpp: change 0\n")[0], 0)
+
+
 class Usage(unittest.TestCase):
     def run_tool(self, *words):
         return subprocess.run(
@@ -101,6 +146,16 @@ class Usage(unittest.TestCase):
         self.assertEqual(
             process.stderr, 'mutate: "README.md" is no file of the product; name files in device/ or plugin/\n'
         )
+
+    def test_list_may_be_cut_short(self):
+        process = subprocess.run(
+            f"{sys.executable} -B {TOOL} --list | head -n 1", shell=True, capture_output=True, text=True, check=False
+        )
+        self.assertEqual((len(process.stdout.splitlines()), process.stderr), (1, ""))
+
+    def test_refuses_no_jobs(self):
+        process = self.run_tool("--jobs", "0")
+        self.assertEqual((process.returncode, process.stderr), (2, "mutate: --jobs is 0; one at a time is the least\n"))
 
     def test_refuses_an_unknown_option(self):
         self.assertEqual(self.run_tool("--fast").returncode, 2)
