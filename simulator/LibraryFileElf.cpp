@@ -4,6 +4,8 @@
 
 #include <QtCore/QList>
 
+#include <utility>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -27,6 +29,8 @@ constexpr QByteArrayView qtNoteName("qt-project!");
 constexpr QByteArrayView sectionMagic("QTMETADATA !");
 // Names may overlap in the string table, so a small file can name much: more than this is damage.
 constexpr qsizetype mostNameBytes = qsizetype(64) * 1024 * 1024;
+// Segments may overlap, too.
+constexpr qsizetype mostNoteBytes = qsizetype(1024) * 1024;
 
 struct Range
 {
@@ -51,12 +55,14 @@ private:
     bool readExports();
     bool readNeededLibraries();
     void readMetadata();
+    std::optional<QByteArrayView> nameAt(const ByteReader &names, quint64 offset);
     quint64 field(quint64 offset, int size) const;
 
     ByteReader m_file;
     QList<Range> m_noteSegments;
     QList<Range> m_sections;
     quint32 m_sectionNames = 0;
+    qsizetype m_nameBytes = 0;
     LibraryFile m_library;
 };
 
@@ -136,13 +142,23 @@ bool ElfFile::readSections()
     return true;
 }
 
+// Counts the null byte as well, so that empty names come to an end.
+std::optional<QByteArrayView> ElfFile::nameAt(const ByteReader &names, quint64 offset)
+{
+    const std::optional<QByteArrayView> name = names.text(offset);
+    if (name)
+        m_nameBytes += name->size() + 1;
+    return m_nameBytes > mostNameBytes ? std::nullopt : name;
+}
+
 bool ElfFile::readExports()
 {
-    qsizetype nameBytes = 0;
+    bool isFirst = true;
     for (const Range &section : std::as_const(m_sections)) {
         if (section.type != dynamicSymbolSection)
             continue;
-        if (section.link >= m_sections.size())
+        // A library has one; several over the same bytes would be a small file that names much.
+        if (!std::exchange(isFirst, false) || section.link >= m_sections.size())
             return false;
         const ByteReader symbols(section.bytes);
         const ByteReader names(m_sections.at(section.link).bytes);
@@ -155,11 +171,8 @@ bool ElfFile::readExports()
             constexpr quint8 localBinding = 0;
             if (!isDefined || binding == localBinding)
                 continue;
-            const std::optional<QByteArrayView> name = names.text(symbols.numberOrZero<quint32>(symbol));
+            const std::optional<QByteArrayView> name = nameAt(names, symbols.numberOrZero<quint32>(symbol));
             if (!name)
-                return false;
-            nameBytes += name->size();
-            if (nameBytes > mostNameBytes)
                 return false;
             m_library.exports.append(QString::fromUtf8(*name));
         }
@@ -169,17 +182,19 @@ bool ElfFile::readExports()
 
 bool ElfFile::readNeededLibraries()
 {
+    bool isFirst = true;
     for (const Range &section : std::as_const(m_sections)) {
         if (section.type != dynamicSection)
             continue;
-        if (section.link >= m_sections.size())
+        if (!std::exchange(isFirst, false) || section.link >= m_sections.size())
             return false;
         const ByteReader entries(section.bytes);
         const ByteReader names(m_sections.at(section.link).bytes);
         for (quint64 entry = 0; entries.range(entry, dynamicEntrySize); entry += dynamicEntrySize) {
             if (entries.numberOrZero<quint64>(entry) != neededTag)
                 continue;
-            const std::optional<QByteArrayView> name = names.text(entries.numberOrZero<quint64>(entry + 8));
+            const std::optional<QByteArrayView> name =
+                nameAt(names, entries.numberOrZero<quint64>(entry + 8));
             if (!name)
                 return false;
             m_library.neededLibraries.append(QString::fromUtf8(*name));
@@ -210,7 +225,11 @@ QByteArray metadataOfNotes(const Range &segment)
 
 void ElfFile::readMetadata()
 {
+    qsizetype noteBytes = 0;
     for (const Range &segment : std::as_const(m_noteSegments)) {
+        noteBytes += segment.bytes.size();
+        if (noteBytes > mostNoteBytes)
+            return;
         m_library.pluginMetadata = metadataOfNotes(segment);
         if (!m_library.pluginMetadata.isEmpty())
             return;
@@ -221,8 +240,10 @@ void ElfFile::readMetadata()
     const ByteReader names(m_sections.at(m_sectionNames).bytes);
     for (const Range &section : std::as_const(m_sections)) {
         if (names.text(section.name) == QByteArrayView(".qtmetadata") &&
-            section.bytes.startsWith(sectionMagic))
+            section.bytes.startsWith(sectionMagic)) {
             m_library.pluginMetadata = section.bytes.sliced(sectionMagic.size()).toByteArray();
+            return;
+        }
     }
 }
 

@@ -21,6 +21,10 @@ constexpr QByteArrayView metadataSectionName(".qtmetad");
 constexpr qsizetype metadataHeaderSize = 4;
 constexpr qsizetype mostNameBytes = qsizetype(64) * 1024 * 1024;
 constexpr quint32 mostNames = 1024U * 1024U;
+// Windows loads no more either.
+constexpr quint16 mostSections = 96;
+// Read, it takes many times the room.
+constexpr qsizetype mostMetadata = qsizetype(1024) * 1024;
 
 struct Section
 {
@@ -83,6 +87,8 @@ bool PeFile::readSections()
 {
     const auto count = m_file.numberOrZero<quint16>(m_header + 6);
     const quint64 table = m_header + fileHeaderSize + m_file.numberOrZero<quint16>(m_header + 20);
+    if (count > mostSections)
+        return false;
     for (quint16 index = 0; index < count; ++index) {
         const quint64 header = table + index * sectionHeaderSize;
         const std::optional<QByteArrayView> name = m_file.range(header, 8);
@@ -111,8 +117,9 @@ std::optional<QByteArrayView> PeFile::nameAt(quint32 address)
 {
     const std::optional<QByteArrayView> bytes = loadedAt(address);
     const std::optional<QByteArrayView> name = bytes ? ByteReader(*bytes).text(0) : std::nullopt;
+    // With the null byte, so that empty names come to an end.
     if (name)
-        m_nameBytes += name->size();
+        m_nameBytes += name->size() + 1;
     return m_nameBytes > mostNameBytes ? std::nullopt : name;
 }
 
@@ -171,7 +178,7 @@ bool PeFile::readImports()
 // The bytes without what fills the section up behind them.
 QByteArray withoutPadding(const QByteArray &metadata)
 {
-    if (metadata.size() < metadataHeaderSize)
+    if (metadata.size() < metadataHeaderSize || metadata.size() > mostMetadata)
         return metadata;
     QCborParserError end;
     static_cast<void>(QCborValue::fromCbor(metadata.sliced(metadataHeaderSize), &end));
@@ -181,9 +188,11 @@ QByteArray withoutPadding(const QByteArray &metadata)
 void PeFile::readMetadata()
 {
     for (const Section &section : std::as_const(m_sections)) {
-        if (section.name.startsWith(metadataSectionName) && section.bytes.startsWith(sectionMagic))
+        if (section.name.startsWith(metadataSectionName) && section.bytes.startsWith(sectionMagic)) {
             m_library.pluginMetadata =
                 withoutPadding(section.bytes.sliced(sectionMagic.size()).toByteArray());
+            return;
+        }
     }
 }
 

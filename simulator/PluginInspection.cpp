@@ -1,5 +1,6 @@
 #include "PluginInspection.h"
 
+#include <QtCore/QCborValue>
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
 #include <QtCore/QLibraryInfo>
@@ -60,6 +61,12 @@ std::optional<PluginJudgement> unusableLibrary(const QString &path, const Librar
     if (library.pluginMetadata.isEmpty())
         return failure(Outcome::NotAPlugin, path,
                        u"is a library, but no Qt plugin (it holds no plugin metadata)"_s + giveThePlugin());
+    // Qt's plugin loader crashes on some metadata that breaks off or has a text that is no UTF-8.
+    constexpr qsizetype headerSize = 4;
+    QCborParserError end;
+    const bool isMap = QCborValue::fromCbor(library.pluginMetadata.mid(headerSize), &end).isMap();
+    if (!isMap || end.error != QCborError::NoError)
+        return failure(Outcome::NotAPlugin, path, u"holds damaged plugin metadata; build or copy it again"_s);
     return {};
 }
 
@@ -83,7 +90,7 @@ PluginJudgement judgeMetadata(const QString &file, const QJsonObject &metaData, 
     const QString iid = metaData.value("IID"_L1).toString();
     if (!iid.startsWith(demands.iidPrefix))
         return failure(Outcome::ForeignIid, file,
-                       u"is a plugin of another kind (\"%1\")"_s.arg(iid) + giveThePlugin());
+                       u"is a plugin of another kind (\"%1\")"_s.arg(iid.simplified()) + giveThePlugin());
 
     const int version = metaData.value("version"_L1).toInt();
     const int majorMask = 0xff0000;

@@ -61,7 +61,9 @@ QList<MouseMessage> SimulatedMouse::releaseSmartPointerKey()
 
 QList<MouseMessage> SimulatedMouse::drainBattery(int percent)
 {
-    const int level = std::clamp(batteryLevel - percent, 0, fullBattery);
+    // Wider, because the level may have been set to any number.
+    const int level =
+        static_cast<int>(std::clamp(qint64{batteryLevel} - percent, qint64{0}, qint64{fullBattery}));
     if (std::exchange(batteryLevel, level) == level || isAsleep || !hasBatteryLevel)
         return {};
     return {{u"setBatteryLevel"_s, {batteryLevel}}};

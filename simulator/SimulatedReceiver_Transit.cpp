@@ -15,6 +15,9 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using Effect = ReceiverFault::Effect;
 
+// A timer counts no more milliseconds than an int holds.
+constexpr std::chrono::milliseconds longestTimer = std::chrono::hours(24);
+
 }  // namespace
 
 bool SimulatedReceiver::request(const char *operation, DeviceId id, const QJsonArray &arguments)
@@ -112,7 +115,7 @@ void SimulatedReceiver::scheduleDelivery()
         return;
     const auto remaining =
         std::chrono::ceil<std::chrono::milliseconds>(m_transits.first().due - Clock::now());
-    m_timer.start(std::max(remaining, std::chrono::milliseconds::zero()));
+    m_timer.start(std::clamp(remaining, std::chrono::milliseconds::zero(), longestTimer));
 }
 
 void SimulatedReceiver::deliverDue()

@@ -22,11 +22,11 @@ class Refusals(SandboxTest):
         self.assert_refused("no option is called '--nativ' (./dev help lists them)", "--nativ", "test")
 
     def test_unknown_preset(self):
-        self.assert_refused("no preset is called 'fast' (there are: release, dev, asan, tidy, windows)", "build", "fast")
+        self.assert_refused("no preset is called 'fast' (there are: release, dev, asan, fuzz, tidy, windows)", "build", "fast")
 
     def test_filter_without_preset(self):
         self.assert_refused(
-            "no preset is called 'tst_Dpi' (there are: release, dev, asan, tidy, windows); "
+            "no preset is called 'tst_Dpi' (there are: release, dev, asan, fuzz, tidy, windows); "
             "to filter, name the preset first: ./dev test release 'tst_Dpi'",
             "test",
             "tst_Dpi",
@@ -34,14 +34,14 @@ class Refusals(SandboxTest):
 
     def test_presets_that_only_native_builds_use_are_not_offered(self):
         self.assert_refused(
-            "no preset is called 'native-release' (there are: release, dev, asan, tidy, windows)",
+            "no preset is called 'native-release' (there are: release, dev, asan, fuzz, tidy, windows)",
             "build",
             "native-release",
         )
 
     def test_presets_that_need_the_toolbox(self):
         for verb in ("build", "test"):
-            for preset in ("tidy", "windows"):
+            for preset in ("fuzz", "tidy", "windows"):
                 with self.subTest(verb=verb, preset=preset):
                     hint = f"; to filter, name the preset first: ./dev test release '{preset}'" if verb == "test" else ""
                     self.assert_refused(
@@ -57,6 +57,20 @@ class Refusals(SandboxTest):
         self.assert_refused("shell takes no arguments", "shell", "bash")
         self.assert_refused("format takes no arguments", "format", "device")
         self.assert_refused("package takes no argument but --twice", "package", "release")
+        self.assert_refused("fuzz takes one number of SECONDS at most", "fuzz", "1", "2")
+        self.assert_refused("fuzz takes one number of SECONDS at most", "fuzz", "readers", "1", "2")
+
+    def test_no_number_of_seconds(self):
+        for word in ("0", "-1", "1.5", "1s", "1000000", "reader", ""):
+            for words in (("fuzz", word), ("fuzz", "readers", word)):
+                with self.subTest(words=words):
+                    sentence = f"'{word}' is no number of seconds; write a whole one from 1 to 999999"
+                    self.assert_refused(sentence, *words)
+
+    def test_readers_need_the_toolbox(self):
+        self.assert_refused(
+            "fuzz readers needs the toolbox, which has clang with libFuzzer", "--native", "fuzz", "readers"
+        )
 
     def test_exec_without_command(self):
         self.assert_refused("exec needs a COMMAND", "exec")
@@ -133,6 +147,15 @@ class DryRun(SandboxTest):
             "release",
             "^tst_Dpi$",
         )
+
+    def test_fuzz(self):
+        model = ["$ cmake --preset release", "$ cmake --build --preset release --target tst_Model"]
+        program = "build/release/tests/model/tst_Model libraryAgreesWithTheModel"
+        self.assert_prints([*model, f"$ env KVX_MODEL_SECONDS=60 {program}"], "fuzz")
+        self.assert_prints([*model, f"$ env KVX_MODEL_SECONDS=3600 {program}"], "fuzz", "3600")
+        readers = ["$ cmake --preset fuzz", "$ cmake --build --preset fuzz --target fuzz_programs"]
+        self.assert_prints([*readers, "$ tools/fuzz-readers"], "fuzz", "readers")
+        self.assert_prints([*readers, "$ tools/fuzz-readers 300"], "fuzz", "readers", "300")
 
     def test_exec_and_shell(self):
         self.assert_prints(["$ echo 'it'\\''s' ''"], "exec", "echo", "it's", "")
@@ -374,7 +397,7 @@ class Presets(unittest.TestCase):
         def names(kind):
             return [preset["name"] for preset in presets[kind] if not preset.get("hidden")]
 
-        own = ["release", "dev", "asan", "tidy", "windows", "windows-msvc"]
+        own = ["release", "dev", "asan", "fuzz", "tidy", "windows", "windows-msvc"]
         native = ["native-release", "native-dev", "native-asan"]
         for kind in ("configurePresets", "buildPresets", "testPresets"):
             self.assertEqual(names(kind), own + native)

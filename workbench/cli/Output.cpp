@@ -26,7 +26,14 @@ void printLine(const QString &line)
 
 void printError(const QString &message)
 {
-    write(stderr, u"kvx: "_s + QString(message).replace(u'\n', u' '));
+    QString line = u"kvx: "_s + message;
+    // Whatever a file has put into it must not end the line nor steer the terminal.
+    for (QChar &character : line) {
+        if (character.category() == QChar::Other_Control || character.category() == QChar::Separator_Line ||
+            character.category() == QChar::Separator_Paragraph)
+            character = u' ';
+    }
+    write(stderr, line);
 }
 
 void printEntries(const QList<TimelineEntry> &entries, Timeline::Style style)

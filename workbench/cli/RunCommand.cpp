@@ -66,7 +66,7 @@ ExitCode runScenario(const RunOptions &options)
         const CommandResult result = scenario.execute(lines->at(number));
         printNewEntries(scenario, options.isJson);
         if (!result.message.isEmpty())
-            printError(u"%1:%2: %3"_s.arg(options.file).arg(number + 1).arg(result.message));
+            printError(u"%1:%2: %3"_s.arg(options.file, QString::number(number + 1), result.message));
         if (result.code != ExitCode::Success)
             return result.code;
         if (result.isEnd)

@@ -83,7 +83,7 @@ CommandResult Scenario::execute(const QString &line)
     if (command == commands().cend())
         return CommandResult::unusable(u"\"%1\" is no command; see help"_s.arg(name));
 
-    m_rest = withoutComment(line).sliced(name.size()).trimmed();
+    m_rest = behindFirstWord(line);
     m_wantedOutcome.clear();
     m_isWaiting = true;
     if (words->size() >= 2 && words->at(words->size() - 2) == u"=>") {

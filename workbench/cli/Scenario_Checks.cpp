@@ -9,6 +9,15 @@ namespace {
 // Where several lines are expected, they stand on one line with this between them.
 const QLatin1StringView lineSeparator = " | "_L1;
 
+// For a text whose last word has no blank in it.
+QString withoutLastWord(const QString &text)
+{
+    qsizetype end = text.size();
+    while (end > 0 && !text.at(end - 1).isSpace())
+        --end;
+    return text.left(end).trimmed();
+}
+
 }  // namespace
 
 CommandResult Scenario::show(const QStringList &words)
@@ -46,7 +55,7 @@ CommandResult Scenario::showTimeline(const QStringList &words)
 CommandResult Scenario::expect(const QStringList &words)
 {
     const QString name = words.value(0);
-    const QString rest = m_rest.section(u' ', 1).trimmed();
+    const QString rest = behindFirstWord(m_rest);
     if (name == u"signal")
         return expectSignal(rest);
     if (name == u"timeline")
@@ -89,7 +98,7 @@ CommandResult Scenario::expectTimeline(const QString &expected)
 CommandResult Scenario::wait(const QStringList &words)
 {
     const std::optional<int> limit = words.size() > 1 ? numberOf(words.last()) : std::nullopt;
-    const QString event = limit ? m_rest.section(u' ', 0, -2).trimmed() : m_rest;
+    const QString event = limit ? withoutLastWord(m_rest) : m_rest;
     if (event.isEmpty())
         return CommandResult::unusable(u"wait for what? write the beginning of a timeline line"_s);
     if (limit && *limit < 0)
@@ -107,7 +116,7 @@ CommandResult Scenario::wait(const QStringList &words)
     const auto longest = limit ? std::chrono::milliseconds(*limit) : m_workbench.deadline;
     if (!m_workbench.waitFor(hasCome, longest))
         return CommandResult::difference(
-            u"expected %1, seen nothing of it in %2 ms"_s.arg(event).arg(longest.count()));
+            u"expected %1, seen nothing of it in %2 ms"_s.arg(event, QString::number(longest.count())));
     return {};
 }
 

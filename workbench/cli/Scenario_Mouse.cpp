@@ -94,6 +94,9 @@ const QStringList &receiverNames()
     return names;
 }
 
+// More copies of a message show nothing new, and copies of copies would soon fill the memory.
+constexpr int mostRepeats = 1000;
+
 // Reads "times N" or "always" from the end of the words.
 bool takeTimes(QStringList &words, int &times)
 {
@@ -232,6 +235,8 @@ CommandResult Scenario::fault(const QStringList &words)
     const QString effect = words.value(1);
     const std::optional<int> number = numberOf(values.value(0));
     const bool hasOneNumber = number && *number >= 0 && values.size() == 1;
+    if (effect == u"repeat" && hasOneNumber && *number > mostRepeats)
+        return wrongWord(values.first(), u"a number of copies, 0 to %1"_s.arg(mostRepeats));
     if (effect == u"refuse" && values.isEmpty()) {
         fault.effect = ReceiverFault::Effect::Refuse;
     } else if (effect == u"drop" && values.isEmpty()) {

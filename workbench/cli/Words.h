@@ -12,5 +12,8 @@ std::optional<QStringList> wordsOf(const QString &line);
 /// The line without its comment and the blanks around it.
 QString withoutComment(const QString &line);
 
+/// What stands behind the first word, as it was written, without the comment and the blanks around it.
+QString behindFirstWord(const QString &line);
+
 /// A whole number as the interfaces take them: decimal, or hexadecimal after 0x.
 std::optional<int> numberOf(const QString &word);
