@@ -86,6 +86,46 @@ class Mutants(unittest.TestCase):
         self.assertEqual(lines["remove  close();"], 9)
 
 
+class Judges(unittest.TestCase):
+    """Test programs that write their name into a file and end as told."""
+
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.build = Path(folder.name)
+        self.tool = load()
+
+    def add(self, name, code):
+        path = self.build / "tests" / name
+        path.parent.mkdir(parents=True, exist_ok=True)
+        script = f"#!/bin/sh\necho ${{0##*/}} $KVX_PLUGIN_FILE >> {self.build}/ran\nexit {code}\n"
+        path.write_text(script, encoding="utf-8")
+        path.chmod(0o755)
+
+    def killer(self, nearest):
+        workshop = self.tool.Workshop.__new__(self.tool.Workshop)
+        workshop.build = Path("mutant")
+        workshop.programs = self.tool.test_programs(self.build)
+        found = workshop.killer(nearest)
+        return found, [line.split() for line in (self.build / "ran").read_text(encoding="utf-8").splitlines()]
+
+    def test_the_nearest_is_asked_first_and_the_model_last(self):
+        for name in ("features/tst_Dpi", "features/tst_Settings", "model/tst_Model", "simulator/tst_Timeline"):
+            self.add(name, 0)
+        found, ran = self.killer("Settings")
+        library = f"mutant/{self.tool.LIBRARY}"
+        self.assertEqual(found, (None, False))
+        self.assertEqual(ran, [[name, library] for name in ("tst_Settings", "tst_Dpi", "tst_Model")])
+
+    def test_the_first_that_fails_is_the_last_to_run(self):
+        self.add("features/tst_Dpi", 0)
+        self.add("features/tst_Settings", 3)
+        self.add("model/tst_Model", 1)
+        found, ran = self.killer("Dpi")
+        self.assertEqual(found, ("tst_Settings", False))
+        self.assertEqual([name for name, _ in ran], ["tst_Dpi", "tst_Settings"])
+
+
 class Report(unittest.TestCase):
     def setUp(self):
         folder = tempfile.TemporaryDirectory()
