@@ -28,7 +28,7 @@ struct DeviceValues
     int batteryLevel = 0;
     int statusValue = 0;
     int query24 = 0;
-    QString pairedHostName = QStringLiteral("");
+    QString pairedHostName = QLatin1String("");
     bool isDPILevelSupported = false;
     int dpiLevel = 0;
     QStringList query30;
