@@ -230,9 +230,16 @@ void Timeline::setObserver(std::function<void(const TimelineEntry &)> observer)
     m_observer = std::move(observer);
 }
 
+void Timeline::setWitness(std::function<void(const TimelineEntry &)> witness)
+{
+    const QMutexLocker locker(&m_mutex);
+    m_witness = std::move(witness);
+}
+
 quint64 Timeline::append(TimelineEntry entry)
 {
     std::function<void(const TimelineEntry &)> observer;
+    std::function<void(const TimelineEntry &)> witness;
     {
         const QMutexLocker locker(&m_mutex);
         entry.sequence = ++m_lastSequence;
@@ -241,7 +248,10 @@ quint64 Timeline::append(TimelineEntry entry)
         entry.thread = threadNumber();
         m_entries.append(entry);
         observer = m_observer;
+        witness = m_witness;
     }
+    if (witness)
+        witness(entry);
     if (observer)
         observer(entry);
     return entry.sequence;

@@ -82,6 +82,8 @@ public:
 
     /// Called for each new entry, on the thread that records it, with no lock held; one observer at a time.
     void setObserver(std::function<void(const TimelineEntry &)> observer);
+    /// As an observer, and beside it, for as long as the timeline lives.
+    void setWitness(std::function<void(const TimelineEntry &)> witness);
 
 private:
     quint64 append(TimelineEntry entry);
@@ -93,4 +95,5 @@ private:
     QList<TimelineEntry> m_entries;
     quint64 m_lastSequence = 0;
     std::function<void(const TimelineEntry &)> m_observer;
+    std::function<void(const TimelineEntry &)> m_witness;
 };

@@ -1,5 +1,7 @@
 #include "Bench.h"
 
+#include "TimelineFile.h"
+
 #include <algorithm>
 
 QString Bench::builtPluginFile()
@@ -9,6 +11,7 @@ QString Bench::builtPluginFile()
 
 Bench::Bench(LogSwitches switches, const QString &pluginFile) : host(timeline)
 {
+    keepInTimelineFile(timeline);
     if (const std::optional<QString> reason = host.load(pluginFile))
         qFatal("%s", qPrintable(*reason));
     host.initialize(&hostServices, switches.debug, switches.warning, switches.critical);
