@@ -293,10 +293,11 @@ void tst_TableSlots::operationsWithoutEffect()
     call(MOUSE(notify90));
     call(MOUSE(notify92));
     call(MOUSE(notify93));
-    QCOMPARE(bench.take(), timelineText({u"call setDpiLevel(3)"_s, u"call notify38()"_s, u"call notify42()"_s,
-                                         u"call notify43()"_s, u"call notify44()"_s, u"call setDpiValue(800)"_s,
-                                         u"call setScrollInversionEnabled(true)"_s, u"call notify87()"_s,
-                                         u"call notify90()"_s, u"call notify92()"_s, u"call notify93()"_s}));
+    QCOMPARE(bench.take(),
+             timelineText({u"call setDpiLevel(3)"_s, u"call notify38()"_s, u"call notify42()"_s,
+                           u"call notify43()"_s, u"call notify44()"_s, u"call setDpiValue(800)"_s,
+                           u"call setScrollInversionEnabled(true)"_s, u"call notify87()"_s,
+                           u"call notify90()"_s, u"call notify92()"_s, u"call notify93()"_s}));
 }
 
 void tst_TableSlots::everySignalIsEmittedByItsSlot()

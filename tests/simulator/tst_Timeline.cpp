@@ -61,6 +61,7 @@ private Q_SLOTS:
     void timeNeverGoesBack();
     void resultOfAForgottenEntryIsIgnored();
     void observerSeesEachEntryWithNoLockHeld();
+    void witnessStaysWhenTheObserverChanges();
     void manyThreadsRecordAtOnce();
 };
 
@@ -243,6 +244,25 @@ void tst_Timeline::observerSeesEachEntryWithNoLockHeld()
     timeline.setObserver({});
     timeline.recordVerdict(u"v"_s);
     QCOMPARE(seen.size(), 3);
+}
+
+void tst_Timeline::witnessStaysWhenTheObserverChanges()
+{
+    Timeline timeline;
+    QStringList seen;
+    timeline.setWitness([&](const TimelineEntry &entry) {
+        seen.append(u"witness %1"_s.arg(entry.sequence));
+        // Would never return with the lock held.
+        seen.append(u"of %1"_s.arg(timeline.lastSequence()));
+    });
+    timeline.recordVerdict(u"v"_s);
+    timeline.setObserver(
+        [&](const TimelineEntry &entry) { seen.append(u"observer %1"_s.arg(entry.sequence)); });
+    timeline.recordVerdict(u"v"_s);
+    timeline.setObserver({});
+    timeline.recordVerdict(u"v"_s);
+    QCOMPARE(seen, QStringList({u"witness 1"_s, u"of 1"_s, u"witness 2"_s, u"of 2"_s, u"observer 2"_s,
+                                u"witness 3"_s, u"of 3"_s}));
 }
 
 void tst_Timeline::manyThreadsRecordAtOnce()

@@ -15,15 +15,17 @@ namespace {
 
 constexpr const char *folderVariable = "KVX_TIMELINE_FOLDER";
 
-// One for all timelines of the process. Without a buffer, so that a program that is killed leaves whole lines.
+// One for all timelines of the process. Without a buffer, so that a program that is killed leaves whole
+// lines.
 class TimelineFile
 {
 public:
     TimelineFile()
     {
         const QString program = QFileInfo(QCoreApplication::applicationFilePath()).completeBaseName();
-        m_file.setFileName(QDir(qEnvironmentVariable(folderVariable))
-                               .filePath(u"%1-%2.jsonl"_s.arg(program).arg(QCoreApplication::applicationPid())));
+        m_file.setFileName(
+            QDir(qEnvironmentVariable(folderVariable))
+                .filePath(u"%1-%2.jsonl"_s.arg(program).arg(QCoreApplication::applicationPid())));
         if (!m_file.open(QIODevice::WriteOnly | QIODevice::Truncate | QIODevice::Unbuffered))
             giveUp();
         writeLine(Timeline::jsonHeader());

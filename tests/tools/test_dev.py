@@ -22,11 +22,11 @@ class Refusals(SandboxTest):
         self.assert_refused("no option is called '--nativ' (./dev help lists them)", "--nativ", "test")
 
     def test_unknown_preset(self):
-        self.assert_refused("no preset is called 'fast' (there are: release, dev, asan, fuzz, tidy, windows)", "build", "fast")
+        self.assert_refused("no preset is called 'fast' (there are: release, dev, asan, fuzz, coverage, tidy, windows)", "build", "fast")
 
     def test_filter_without_preset(self):
         self.assert_refused(
-            "no preset is called 'tst_Dpi' (there are: release, dev, asan, fuzz, tidy, windows); "
+            "no preset is called 'tst_Dpi' (there are: release, dev, asan, fuzz, coverage, tidy, windows); "
             "to filter, name the preset first: ./dev test release 'tst_Dpi'",
             "test",
             "tst_Dpi",
@@ -34,14 +34,14 @@ class Refusals(SandboxTest):
 
     def test_presets_that_only_native_builds_use_are_not_offered(self):
         self.assert_refused(
-            "no preset is called 'native-release' (there are: release, dev, asan, fuzz, tidy, windows)",
+            "no preset is called 'native-release' (there are: release, dev, asan, fuzz, coverage, tidy, windows)",
             "build",
             "native-release",
         )
 
     def test_presets_that_need_the_toolbox(self):
         for verb in ("build", "test"):
-            for preset in ("fuzz", "tidy", "windows"):
+            for preset in ("fuzz", "coverage", "tidy", "windows"):
                 with self.subTest(verb=verb, preset=preset):
                     hint = f"; to filter, name the preset first: ./dev test release '{preset}'" if verb == "test" else ""
                     self.assert_refused(
@@ -56,6 +56,7 @@ class Refusals(SandboxTest):
         self.assert_refused("test takes one PRESET and one FILTER at most", "test", "release", "a", "b")
         self.assert_refused("shell takes no arguments", "shell", "bash")
         self.assert_refused("format takes no arguments", "format", "device")
+        self.assert_refused("coverage takes no arguments", "coverage", "device")
         self.assert_refused("package takes no argument but --twice", "package", "release")
         self.assert_refused("fuzz takes one number of SECONDS at most", "fuzz", "1", "2")
         self.assert_refused("fuzz takes one number of SECONDS at most", "fuzz", "readers", "1", "2")
@@ -70,6 +71,11 @@ class Refusals(SandboxTest):
     def test_readers_need_the_toolbox(self):
         self.assert_refused(
             "fuzz readers needs the toolbox, which has clang with libFuzzer", "--native", "fuzz", "readers"
+        )
+
+    def test_coverage_needs_the_toolbox(self):
+        self.assert_refused(
+            "coverage needs the toolbox, which has gcovr and the compiler whose counts it reads", "--native", "coverage"
         )
 
     def test_exec_without_command(self):
@@ -157,6 +163,22 @@ class DryRun(SandboxTest):
         self.assert_prints([*readers, "$ tools/fuzz-readers"], "fuzz", "readers")
         self.assert_prints([*readers, "$ tools/fuzz-readers 300"], "fuzz", "readers", "300")
 
+    def test_coverage(self):
+        timelines = f"KVX_TIMELINE_FOLDER={self.sandbox.checkout}/build/coverage/timelines".replace("'", "'\\''")
+        self.assert_prints(
+            [
+                "$ cmake --preset coverage",
+                "$ cmake --build --preset coverage --target feature_tests",
+                "$ find build/coverage/plugin -name '*.gcda' -delete",
+                "$ cmake -E rm -rf build/coverage/timelines build/coverage/coverage",
+                "$ cmake -E make_directory build/coverage/timelines build/coverage/test-results",
+                f"$ env '{timelines}' ctest --preset coverage -L '^feature$'",
+                "$ tools/code-coverage build/coverage",
+                "$ tools/contract-coverage build/coverage/timelines",
+            ],
+            "coverage",
+        )
+
     def test_exec_and_shell(self):
         self.assert_prints(["$ echo 'it'\\''s' ''"], "exec", "echo", "it's", "")
         self.assert_prints(["$ env 'PS1=(kvx toolbox) \\w\\$ ' bash --norc"], "shell")
@@ -185,7 +207,7 @@ class Commands(SandboxTest):
         process = self.dev("help")
         self.assertEqual((process.err, process.returncode), ("", 0))
         self.assertEqual(self.dev("--help").out, process.out)
-        for verb in ("run", "test", "build", "package", "exec", "shell", "lint", "format", "help"):
+        for verb in ("run", "test", "build", "package", "fuzz", "coverage", "mutate", "exec", "shell", "lint", "format", "help"):
             self.assertRegex(process.out, rf"(?m)^  {verb}\b")
 
     def test_exec_keeps_words_output_and_exit_code(self):
@@ -390,6 +412,57 @@ class Failures(SandboxTest):
         )
 
 
+class Coverage(SandboxTest):
+    """What judges the counts and the timelines are scripts of the checkout, whose places others take here."""
+
+    def setUp(self):
+        super().setUp()
+        (self.sandbox.checkout / "build" / "coverage" / "plugin").mkdir(parents=True)
+        self.stale = self.sandbox.checkout / "build" / "coverage" / "plugin" / "Thing.cpp.gcda"
+        self.stale.touch()
+        self.judge("code", 0)
+        self.judge("contract", 0)
+
+    def judge(self, name, code):
+        script = self.sandbox.checkout / "tools" / f"{name}-coverage"
+        script.write_text(f"#!/bin/bash\n{CALL_LOG}echo {name} table\nexit {code}\n", encoding="utf-8")
+
+    def test_tables_stand_alone_on_stdout(self):
+        self.sandbox.fake("ctest", "echo noise\n")
+        process = self.dev("coverage")
+        self.assertEqual((process.out, process.returncode), ("code table\ncontract table\n", 0), process.err)
+        self.assertIn("noise", process.err)
+
+    def test_counts_of_earlier_runs_are_forgotten(self):
+        self.dev("coverage")
+        self.assertFalse(self.stale.exists())
+
+    def test_both_are_judged_and_either_fails(self):
+        for codes in ((1, 0), (0, 1), (2, 1)):
+            with self.subTest(codes=codes):
+                self.judge("code", codes[0])
+                self.judge("contract", codes[1])
+                process = self.dev("coverage")
+                self.assertEqual((process.out, process.returncode), ("code table\ncontract table\n", 1))
+                self.assertEqual(
+                    process.err.splitlines()[-1],
+                    "./dev: failed (exit code 1); to repeat just this: ./dev coverage",
+                )
+
+    def test_nothing_is_judged_after_a_failed_test(self):
+        process = self.dev("coverage", FAILING="ctest")
+        self.assertEqual((process.out, process.returncode), ("", 1))
+        self.assertEqual(self.sandbox.called("code-coverage") + self.sandbox.called("contract-coverage"), [])
+
+    def test_without_a_toolbox_it_is_refused(self):
+        process = self.dev("coverage", BWRAP_FAILS="no namespaces")
+        self.assertEqual(
+            process.err.splitlines()[-1],
+            "./dev: coverage needs the toolbox, which has gcovr and the compiler whose counts it reads",
+        )
+        self.assertEqual((process.returncode, self.sandbox.called("cmake")), (2, []))
+
+
 class Presets(unittest.TestCase):
     def test_same_word_configures_builds_and_tests(self):
         presets = json.loads((REPOSITORY / "CMakePresets.json").read_text(encoding="utf-8"))
@@ -397,7 +470,7 @@ class Presets(unittest.TestCase):
         def names(kind):
             return [preset["name"] for preset in presets[kind] if not preset.get("hidden")]
 
-        own = ["release", "dev", "asan", "fuzz", "tidy", "windows", "windows-msvc"]
+        own = ["release", "dev", "asan", "fuzz", "coverage", "tidy", "windows", "windows-msvc"]
         native = ["native-release", "native-dev", "native-asan"]
         for kind in ("configurePresets", "buildPresets", "testPresets"):
             self.assertEqual(names(kind), own + native)
