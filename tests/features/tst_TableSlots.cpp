@@ -259,8 +259,8 @@ void tst_TableSlots::everyGetterAfterEverythingChanged()
     Bench bench({false, false, false});
     bench.started(1);
     HostedDevice &device = bench.started();
-    bench.receiver.dpiMinChanged(100);
-    bench.receiver.dpiMaxChanged(8000);
+    Q_EMIT bench.receiver.dpiMinChanged(100);
+    Q_EMIT bench.receiver.dpiMaxChanged(8000);
     device.setFirmwareVersion(7);
     device.setBatteryLevel(12);
     device.dpiValueChangedCallBack(1600);

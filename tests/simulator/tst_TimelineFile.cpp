@@ -58,7 +58,8 @@ void tst_TimelineFile::everyTimelineOfTheProcessIsKept()
         keepInTimelineFile(timeline);
         timeline.record(TimelineEntry::Kind::Call, 42, text, {1, true});
         timeline.recordLog(u"debug"_s, u"a.category"_s, text);
-        for (const TimelineEntry &entry : timeline.entriesAfter(1))
+        const QList<TimelineEntry> kept = timeline.entriesAfter(1);
+        for (const TimelineEntry &entry : kept)
             expected.append(Timeline::jsonLine(entry));
         timeline.clear();
     }
