@@ -4,7 +4,6 @@
 #include <cerrno>
 #include <cstddef>
 #include <cstdlib>
-
 #include <malloc.h>
 
 // The functions of the C library under the names that it keeps for programs with functions of their own.
@@ -75,7 +74,8 @@ extern "C" {
     return counted(__libc_memalign(alignment, size));
 }
 
-[[gnu::visibility("default")]] int posix_memalign(void **block, std::size_t alignment, std::size_t size) noexcept
+[[gnu::visibility("default")]] int posix_memalign(void **block, std::size_t alignment,
+                                                  std::size_t size) noexcept
 {
     *block = counted(__libc_memalign(alignment, size));
     return *block ? 0 : ENOMEM;

@@ -119,7 +119,8 @@ QString liveOnce(StepThread &otherThread)
 
 QString wholeLife()
 {
-    return u"profile yes, alone 0, together 1 and 2, queued calls delivered 4, delivered after their device 0, "
+    return u"profile yes, alone 0, together 1 and 2, queued calls delivered 4, delivered after their device "
+           u"0, "
            "unloaded yes, still in the process no, profile left no"_s;
 }
 

@@ -33,5 +33,6 @@ bool isLibraryInProcess(const QString &fileName)
 int openHandleCount()
 {
     // The listing itself holds one of them, in every count.
-    return static_cast<int>(QDir(QStringLiteral("/proc/self/fd")).entryList(QDir::Files | QDir::System).size());
+    return static_cast<int>(
+        QDir(QStringLiteral("/proc/self/fd")).entryList(QDir::Files | QDir::System).size());
 }
