@@ -1,6 +1,7 @@
 #include "Workers.h"
 
 #include <QtCore/QCoreApplication>
+#include <QtCore/QEventLoop>
 #include <QtCore/QMetaObject>
 #include <QtCore/QSemaphore>
 #include <QtCore/QThread>
@@ -12,7 +13,8 @@ void runAtOnce(const std::vector<std::function<void()>> &functions)
     const int count = static_cast<int>(functions.size());
     QSemaphore ready;
     QSemaphore begin;
-    int finished = 0;  // this thread's
+    int finished = 0;  // this thread's, as is the loop
+    QEventLoop loop;
     std::vector<std::unique_ptr<QThread>> threads;
     for (const auto &function : functions) {
         threads.emplace_back(QThread::create([&] {
@@ -20,14 +22,18 @@ void runAtOnce(const std::vector<std::function<void()>> &functions)
             begin.acquire();
             function();
             QMetaObject::invokeMethod(
-                QCoreApplication::instance(), [&] { ++finished; }, Qt::QueuedConnection);
+                &loop,
+                [&] {
+                    if (++finished == count)
+                        loop.quit();
+                },
+                Qt::QueuedConnection);
         }));
         threads.back()->start();
     }
     ready.acquire(count);
     begin.release(count);
-    while (finished < count)
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    loop.exec();
     for (const auto &thread : threads)
         thread->wait();
     QCoreApplication::sendPostedEvents();
