@@ -46,11 +46,11 @@ void queueCallsForAll(const Devices &devices)
         device->mouseEventCallBack(0x80);
 }
 
-// By its name and the values that it had, each once.
 QStringList signalsOnTimeline(const Bench &bench)
 {
     QStringList lines;
-    for (const TimelineEntry &entry : bench.timeline.entries()) {
+    const QList<TimelineEntry> entries = bench.timeline.entries();
+    for (const TimelineEntry &entry : entries) {
         if (entry.kind == TimelineEntry::Kind::Signal)
             lines += Timeline::line(entry, Timeline::Style::Plain);
     }

@@ -159,6 +159,7 @@ void tst_Threads::everyOperation()
     SharedBench shared;
     const Devices devices = shared.startedDevices(workerCount * devicesOfAWorker);
     std::vector<std::function<void()>> workers;
+    workers.reserve(workerCount);
     for (int worker = 0; worker < workerCount; ++worker) {
         workers.emplace_back([&devices, worker] {
             for (int round = 1; round <= rounds; ++round) {
@@ -209,6 +210,7 @@ void tst_Threads::listsAndTexts()
         const quint16 values[5] = {round, 2, 3, 4, 5};
         const ReportRateInfo info{0, 500, {round, 500, 0, 0}};
         std::vector<std::function<void()>> workers;
+        workers.reserve(devices.size());
         for (const auto &device : devices) {
             workers.emplace_back([&values, &info, round, &device = *device] {
                 device->dpiSlotValuesChangedCallBack(values);
@@ -234,6 +236,7 @@ void tst_Threads::wholeCallsFromSeveralThreads()
     SharedBench shared;
     const std::unique_ptr<WatchedDevice> device = shared.started(1);
     std::vector<std::function<void()>> workers;
+    workers.reserve(workerCount);
     for (uint worker = 0; worker < workerCount; ++worker) {
         workers.emplace_back([&device, worker] {
             for (uint round = 0; round < rounds; ++round)
@@ -310,6 +313,7 @@ void tst_Threads::startsAndDestructions()
     std::vector<QList<int>> numbers(workerCount);
     std::vector<int> disagreements(workerCount, 0);
     std::vector<std::function<void()>> workers;
+    workers.reserve(workerCount);
     for (std::size_t worker = 0; worker < workerCount; ++worker) {
         workers.emplace_back([&, worker] {
             const Devices devices = startAndDestroy(shared);
