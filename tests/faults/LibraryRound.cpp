@@ -1,6 +1,7 @@
 #include "LibraryRound.h"
 
 #include "Bench.h"
+#include "ILogicalDevicePlugin.h"
 #include "ProcessState.h"
 #include "StepThread.h"
 
@@ -95,18 +96,20 @@ QString liveOnce(StepThread &otherThread)
     {
         Bench bench;
         life.hasProfileWhileLoaded = hasProfile();
-        HostedDevice &first = bench.started(1);
-        life.loneNumber = first.device()->instanceNumber();
+        // Kept when the device is gone, and so are the recorders of its signals.
+        const std::unique_ptr<HostedDevice> first = bench.host.createDevice(&bench.receiver, 1);
+        first->start();
+        life.loneNumber = first->device()->instanceNumber();
         // Nobody destroys this one.
         const std::unique_ptr<HostedDevice> second = bench.host.createDevice(&bench.receiver, 2);
         second->start();
-        life.firstNumber = first.device()->instanceNumber();
+        life.firstNumber = first->device()->instanceNumber();
         life.secondNumber = second->device()->instanceNumber();
-        use(bench, first);
-        queueCalls(first, otherThread, 250);
+        use(bench, *first);
+        queueCalls(*first, otherThread, 250);
         life.delivered = deliveredSignals(bench);
-        queueCalls(first, otherThread, 125);
-        bench.destroy(first);
+        queueCalls(*first, otherThread, 125);
+        bench.host.factory()->destroyDevice(first->device());
         life.deliveredLate = deliveredSignals(bench);
         queueCalls(*second, otherThread, 125);
         life.isUnloaded = bench.host.unload();
