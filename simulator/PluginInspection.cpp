@@ -8,6 +8,8 @@
 #include <QtCore/QPluginLoader>
 #include <QtCore/QVersionNumber>
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -127,7 +129,8 @@ PluginInspection inspectPlugin(const QString &file)
                     u"cannot be read ("_s + opened.errorString() + u"); check its permissions"_s);
         return inspection;
     }
-    inspection.contents = readLibraryFile(opened.read(largestFile));
+    // No more than there is: Qt makes room for all that is asked for.
+    inspection.contents = readLibraryFile(opened.read(std::min(largestFile, info.size())));
     if (const auto unusable = unusableLibrary(file, inspection.contents)) {
         inspection.judgement = *unusable;
         return inspection;

@@ -4,8 +4,6 @@
 
 #include <QtTest/QTest>
 
-#include <functional>
-#include <utility>
 #include <vector>
 
 using namespace Qt::StringLiterals;
@@ -24,42 +22,6 @@ void reportRange(Bench &bench)
     Q_EMIT bench.receiver.dpiMinChanged(100);
     Q_EMIT bench.receiver.dpiMaxChanged(8000);
     bench.take();
-}
-
-/// One call of every operation with an effect, by name.
-using Operation = std::pair<const char *, std::function<void(HostedDevice &)>>;
-
-const ReportRateInfo rates{0, 250, {125, 250, 0, 0}};
-
-std::vector<Operation> everyOperation()
-{
-    return {
-        {"setFirmwareVersion", [](HostedDevice &device) { device.setFirmwareVersion(5); }},
-        {"setBatteryLevel", [](HostedDevice &device) { device.setBatteryLevel(5); }},
-        {"applySettings", [](HostedDevice &device) { device.applySettings({}); }},
-        {"resetSettings", [](HostedDevice &device) { device.resetSettings(); }},
-        {"capabilityChangedCallBack", [](HostedDevice &device) { device.capabilityChangedCallBack(1); }},
-        {"setButtonsOrKeysToDefault", [](HostedDevice &device) { device.setButtonsOrKeysToDefault(); }},
-        {"disbaleButtonsOrKeys", [](HostedDevice &device) { device.disbaleButtonsOrKeys({1}); }},
-        {"dpiValueChangedCallBack", [](HostedDevice &device) { device.dpiValueChangedCallBack(5); }},
-        {"setActiveDpiSlotIndex", [](HostedDevice &device) { device.setActiveDpiSlotIndex(5); }},
-        {"activeDpiSlotIndexConfirmed", [](HostedDevice &device) { device.activeDpiSlotIndexConfirmed(5); }},
-        {"activeDpiSlotIndexChangedCallBack",
-         [](HostedDevice &device) { device.activeDpiSlotIndexChangedCallBack(4); }},
-        {"setDpiSlotValues", [](HostedDevice &device) { device.setDpiSlotValues(texts("1 2 3 4 5")); }},
-        {"dpiSlotValuesConfirmed",
-         [](HostedDevice &device) { device.dpiSlotValuesConfirmed(factoryValues); }},
-        {"dpiSlotValuesChangedCallBack",
-         [](HostedDevice &device) { device.dpiSlotValuesChangedCallBack(factoryValues); }},
-        {"setDpiButtonId", [](HostedDevice &device) { device.setDpiButtonId(0); }},
-        {"dpiButtonIdConfirmed", [](HostedDevice &device) { device.dpiButtonIdConfirmed(6); }},
-        {"dpiButtonIdChangedCallBack", [](HostedDevice &device) { device.dpiButtonIdChangedCallBack(7); }},
-        {"setReportRate", [](HostedDevice &device) { device.setReportRate(1000); }},
-        {"reportRateConfirmed", [](HostedDevice &device) { device.reportRateConfirmed(1000); }},
-        {"reportRateChangedCallBack", [](HostedDevice &device) { device.reportRateChangedCallBack(&rates); }},
-        {"ppidChangedCallBack", [](HostedDevice &device) { device.ppidChangedCallBack(u"P"_s); }},
-        {"stop", [](HostedDevice &device) { device.stop(); }},
-    };
 }
 
 }  // namespace
@@ -82,12 +44,6 @@ private Q_SLOTS:
     void reportFromAWorkerWhileTheHostRequests();
     void allFlagsPendingAtOnce();
     void secondStartKeepsPendingRequests();
-    void everyOperationWorksBeforeStart();
-    void everyOperationWorksWithoutAReceiver();
-    void everyOperationWorksAfterStop();
-    void everyOperationTwiceFromAnotherThread();
-    void refusalOfTheNthRequest_data();
-    void refusalOfTheNthRequest();
     void manyDevicesComeAndGo();
 };
 
@@ -318,121 +274,6 @@ void tst_Meetings::secondStartKeepsPendingRequests()
     // The start read the rate in force, without a signal.
     QCOMPARE(device.device()->reportRate(), 500);
     QCOMPARE(device.device()->dpiMin(), 100);
-}
-
-void tst_Meetings::everyOperationWorksBeforeStart()
-{
-    Bench bench({false, false, false});
-    HostedDevice &device = bench.create();
-    for (const auto &[name, operation] : everyOperation()) {
-        operation(device);
-        const QString timeline = bench.take();
-        QVERIFY2(!timeline.contains(u"receiver "_s), qPrintable(timeline));
-        QVERIFY2(timeline.startsWith(u"call "_s + QString::fromLatin1(name)), qPrintable(timeline));
-    }
-    QVERIFY(!device.device()->isReportRateChangePending());
-    QVERIFY(!device.device()->isDpiSlotValuesChangePending());
-    QVERIFY(!device.device()->isActiveDpiSlotIndexChangePending());
-    QVERIFY(!device.device()->isDpiButtonIdChangePending());
-}
-
-void tst_Meetings::everyOperationWorksWithoutAReceiver()
-{
-    Bench bench;
-    HostedDevice &device = bench.create(nullptr, Bench::mouse);
-    device.start();
-    bench.take();
-    QStringList warned;
-    for (const auto &[name, operation] : everyOperation()) {
-        operation(device);
-        if (bench.take().contains(warningLine(u"Unknown IPhysicalDevice interface"_s)))
-            warned += QString::fromLatin1(name);
-    }
-    // Without a known DPI range a request for slot values ends before the receiver is missed.
-    QCOMPARE(warned, QStringList({u"setButtonsOrKeysToDefault"_s, u"disbaleButtonsOrKeys"_s,
-                                  u"setActiveDpiSlotIndex"_s, u"setDpiButtonId"_s, u"setReportRate"_s}));
-}
-
-void tst_Meetings::everyOperationWorksAfterStop()
-{
-    Bench bench({false, false, false});
-    HostedDevice &running = bench.started(1);
-    reportRange(bench);
-    QStringList whileRunning;
-    for (const auto &[name, operation] : everyOperation()) {
-        operation(running);
-        whileRunning += bench.take();
-    }
-    HostedDevice &stopped = bench.started(2);
-    reportRange(bench);
-    Q_EMIT bench.receiver.dpiMinChanged(101);
-    stopped.stop();
-    bench.take();
-    QStringList afterStop;
-    for (const auto &[name, operation] : everyOperation()) {
-        operation(stopped);
-        afterStop += bench.take();
-    }
-    QCOMPARE(afterStop, whileRunning);
-}
-
-void tst_Meetings::everyOperationTwiceFromAnotherThread()
-{
-    Bench bench({false, false, false});
-    HostedDevice &device = bench.started();
-    reportRange(bench);
-    OtherThread other;
-    const QStringList direct{u"stopped"_s, u"isSmartPointerSupportedChanged"_s, u"dpiValueChanged"_s,
-                             u"ppidChanged"_s};
-    for (const auto &[name, operation] : everyOperation()) {
-        other.run([&, &run = operation] {
-            run(device);
-            run(device);
-        });
-        const QStringList lines = bench.take().split(u'\n');
-        for (const QString &line : lines) {
-            const bool isSignal = line.startsWith(u"signal "_s);
-            const QString signal = line.section(u'(', 0, 0).section(u' ', 1, 1);
-            QVERIFY2(!isSignal || direct.contains(signal), qPrintable(line));
-        }
-        deliverQueuedCalls();
-        QVERIFY(!bench.take().contains(u" on thread "_s));
-    }
-}
-
-void tst_Meetings::refusalOfTheNthRequest_data()
-{
-    QTest::addColumn<int>("refused");
-    QTest::newRow("first") << 1;
-    QTest::newRow("second") << 2;
-    QTest::newRow("third") << 3;
-    QTest::newRow("fourth") << 4;
-}
-
-void tst_Meetings::refusalOfTheNthRequest()
-{
-    QFETCH(const int, refused);
-    Bench bench({false, true, false});
-    HostedDevice &device = bench.started();
-    reportRange(bench);
-    const std::vector<std::function<void()>> requests = {
-        [&] { device.setReportRate(1000); }, [&] { device.setDpiSlotValues(texts("200 300 400 500 600")); },
-        [&] { device.setActiveDpiSlotIndex(3); }, [&] { device.setDpiButtonId(6); }};
-    int number = 0;
-    for (const auto &request : requests) {
-        bench.receiver.answers.acceptsRequests = ++number != refused;
-        request();
-    }
-    const ILogicalDeviceGen3Mouse &mouse = *device.device();
-    QCOMPARE(mouse.isReportRateChangePending(), refused != 1);
-    QCOMPARE(mouse.isDpiSlotValuesChangePending(), refused != 2);
-    QCOMPARE(mouse.isActiveDpiSlotIndexChangePending(), refused != 3);
-    QCOMPARE(mouse.isDpiButtonIdChangePending(), refused != 4);
-    const QStringList warnings = bench.take().split(u'\n').filter(u"warning "_s);
-    const QStringList expected{u"Dongle set report rate failed"_s, u"Dongle set dpi slot values failed"_s,
-                               u"Dongle set active DPI slot index failed"_s,
-                               u"Dongle set dpi button id failed"_s};
-    QCOMPARE(warnings, QStringList{warningLine(expected.at(refused - 1))});
 }
 
 void tst_Meetings::manyDevicesComeAndGo()

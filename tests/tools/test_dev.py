@@ -22,11 +22,13 @@ class Refusals(SandboxTest):
         self.assert_refused("no option is called '--nativ' (./dev help lists them)", "--nativ", "test")
 
     def test_unknown_preset(self):
-        self.assert_refused("no preset is called 'fast' (there are: release, dev, asan, fuzz, coverage, tidy, windows)", "build", "fast")
+        self.assert_refused(
+            "no preset is called 'fast' (there are: release, dev, asan, tsan, fuzz, coverage, tidy, windows)", "build", "fast"
+        )
 
     def test_filter_without_preset(self):
         self.assert_refused(
-            "no preset is called 'tst_Dpi' (there are: release, dev, asan, fuzz, coverage, tidy, windows); "
+            "no preset is called 'tst_Dpi' (there are: release, dev, asan, tsan, fuzz, coverage, tidy, windows); "
             "to filter, name the preset first: ./dev test release 'tst_Dpi'",
             "test",
             "tst_Dpi",
@@ -34,14 +36,14 @@ class Refusals(SandboxTest):
 
     def test_presets_that_only_native_builds_use_are_not_offered(self):
         self.assert_refused(
-            "no preset is called 'native-release' (there are: release, dev, asan, fuzz, coverage, tidy, windows)",
+            "no preset is called 'native-release' (there are: release, dev, asan, tsan, fuzz, coverage, tidy, windows)",
             "build",
             "native-release",
         )
 
     def test_presets_that_need_the_toolbox(self):
         for verb in ("build", "test"):
-            for preset in ("fuzz", "coverage", "tidy", "windows"):
+            for preset in ("tsan", "fuzz", "coverage", "tidy", "windows"):
                 with self.subTest(verb=verb, preset=preset):
                     hint = f"; to filter, name the preset first: ./dev test release '{preset}'" if verb == "test" else ""
                     self.assert_refused(
@@ -58,6 +60,7 @@ class Refusals(SandboxTest):
         self.assert_refused("format takes no arguments", "format", "device")
         self.assert_refused("coverage takes no arguments", "coverage", "device")
         self.assert_refused("package takes no argument but --twice", "package", "release")
+        self.assert_refused("valgrind takes one FILTER at most", "valgrind", "tst_Dpi", "tst_Buttons")
         self.assert_refused("fuzz takes one number of SECONDS at most", "fuzz", "1", "2")
         self.assert_refused("fuzz takes one number of SECONDS at most", "fuzz", "readers", "1", "2")
 
@@ -76,6 +79,11 @@ class Refusals(SandboxTest):
     def test_coverage_needs_the_toolbox(self):
         self.assert_refused(
             "coverage needs the toolbox, which has gcovr and the compiler whose counts it reads", "--native", "coverage"
+        )
+
+    def test_valgrind_needs_the_toolbox(self):
+        self.assert_refused(
+            "valgrind needs the toolbox, which has valgrind and a Qt that it knows", "--native", "valgrind"
         )
 
     def test_exec_without_command(self):
@@ -179,6 +187,24 @@ class DryRun(SandboxTest):
             "coverage",
         )
 
+    def test_valgrind(self):
+        build = ["$ cmake --preset release", "$ cmake --build --preset release"]
+        self.assert_prints([*build, "$ tools/valgrind-tests build/release"], "valgrind")
+        self.assert_prints([*build, "$ tools/valgrind-tests build/release '^tst_D'"], "valgrind", "^tst_D")
+
+    def test_thread_sanitizer_has_a_qt_of_its_own(self):
+        self.assert_prints(
+            [
+                "$ tools/tsan-qt-build",
+                "$ cmake --preset tsan -DCMAKE_PREFIX_PATH=QT_FOLDER",
+                "$ cmake --build --preset tsan",
+                "$ ctest --preset tsan -R tst_Threads",
+            ],
+            "test",
+            "tsan",
+            "tst_Threads",
+        )
+
     def test_exec_and_shell(self):
         self.assert_prints(["$ echo 'it'\\''s' ''"], "exec", "echo", "it's", "")
         self.assert_prints(["$ env 'PS1=(kvx toolbox) \\w\\$ ' bash --norc"], "shell")
@@ -207,7 +233,8 @@ class Commands(SandboxTest):
         process = self.dev("help")
         self.assertEqual((process.err, process.returncode), ("", 0))
         self.assertEqual(self.dev("--help").out, process.out)
-        for verb in ("run", "test", "build", "package", "fuzz", "coverage", "mutate", "exec", "shell", "lint", "format", "help"):
+        verbs = ("run", "test", "build", "package", "fuzz", "coverage", "valgrind", "mutate", "exec", "shell", "lint", "format")
+        for verb in (*verbs, "help"):
             self.assertRegex(process.out, rf"(?m)^  {verb}\b")
 
     def test_exec_keeps_words_output_and_exit_code(self):
@@ -317,7 +344,7 @@ class Windows(WindowsTest):
 
     def test_reason_of_a_failed_qt_is_one_line(self):
         reason = "the source of qt6-base 6.8.2 could not be fetched (E: no network)"
-        for answer, said in {reason: reason, "": "Qt for Windows could not be built"}.items():
+        for answer, said in {reason: reason, "": "tools/windows-qt-build failed"}.items():
             with self.subTest(answer=answer):
                 self.qt_build_answers(answer, 3)
                 process = self.dev("build", "windows")
@@ -334,6 +361,24 @@ class Windows(WindowsTest):
             "./dev: no preset is called 'windows' (there are: release, dev, asan (native))",
         )
         self.assertEqual((process.returncode, self.sandbox.called("cmake")), (2, []))
+
+
+class ThreadSanitizer(SandboxTest):
+    """Its Qt is made by tools/tsan-qt-build, whose place a script takes here."""
+
+    def test_its_qt_is_built_first_and_reaches_cmake(self):
+        script = self.sandbox.checkout / "tools" / "tsan-qt-build"
+        script.write_text(f"#!/bin/bash\n{CALL_LOG}echo /cache/tsan-qt/new\n", encoding="utf-8")
+        process = self.dev("build", "tsan")
+        self.assertEqual((process.out, process.returncode), ("", 0), process.err)
+        self.assertEqual(
+            self.sandbox.called("tsan-qt-build") + self.sandbox.called("cmake"),
+            [
+                "tsan-qt-build ",
+                "cmake --preset tsan -DCMAKE_PREFIX_PATH=/cache/tsan-qt/new",
+                "cmake --build --preset tsan",
+            ],
+        )
 
 
 class WindowsTests(WindowsTest):
@@ -392,6 +437,14 @@ class Failures(SandboxTest):
                 "./dev test release '^(tst_Dpi|odd\\.name\\+)$'",
                 8,
             ),
+        )
+
+    def test_valgrind(self):
+        script = self.sandbox.checkout / "tools" / "valgrind-tests"
+        script.write_text("#!/bin/sh\nexit 1\n", encoding="utf-8")
+        self.assertEqual(
+            self.last_line("valgrind", "tst_Dpi"),
+            ("./dev: failed (exit code 1); to repeat just this: ./dev valgrind tst_Dpi", 1),
         )
 
     def test_count_of_tests(self):
@@ -470,7 +523,7 @@ class Presets(unittest.TestCase):
         def names(kind):
             return [preset["name"] for preset in presets[kind] if not preset.get("hidden")]
 
-        own = ["release", "dev", "asan", "fuzz", "coverage", "tidy", "windows", "windows-msvc"]
+        own = ["release", "dev", "asan", "tsan", "fuzz", "coverage", "tidy", "windows", "windows-msvc"]
         native = ["native-release", "native-dev", "native-asan"]
         for kind in ("configurePresets", "buildPresets", "testPresets"):
             self.assertEqual(names(kind), own + native)

@@ -190,6 +190,13 @@ class Keys(WindowsQtTest):
         script.write_text(text.replace("-DFEATURE_icu=OFF", "-DFEATURE_icu=ON"), encoding="utf-8")
         self.assert_makes_another()
 
+    def test_how_the_source_is_fetched(self):
+        script = self.sandbox.checkout / "tools/qt-build.sh"
+        text = script.read_text(encoding="utf-8")
+        self.assertEqual(text.count("dpkg-source --no-check"), 1)
+        script.write_text(text.replace("dpkg-source --no-check", "dpkg-source -q --no-check"), encoding="utf-8")
+        self.assert_makes_another()
+
     def test_settings_of_the_compiler(self):
         self.append("cmake/WindowsCompiler.cmake")
         self.assert_makes_another()
@@ -197,6 +204,7 @@ class Keys(WindowsQtTest):
     def test_nothing_else(self):
         self.append("dev")
         self.append("tools/windows-qt-build")
+        self.append("tools/qt-build.sh")
         self.assertEqual(self.assert_built(self.qt_build()), self.first)
         self.assertEqual(self.builds(), 1)
 
@@ -375,3 +383,22 @@ class Interrupted(WindowsQtTest):
             self.sandbox.finish(process)
         self.assert_cannot(first, "no such thing")
         self.assertEqual(self.left(), [self.assert_built(second)])
+
+
+class ForThreadSanitizer(WindowsQtTest):
+    """tools/tsan-qt-build is the same but for what it builds and where."""
+
+    def test_both_are_made_beside_each_other(self):
+        process = self.sandbox.run_script("tools/tsan-qt-build")
+        self.assertEqual(process.returncode, 0, process.out + process.err)
+        folder = self.sandbox.cache / "tsan-qt" / process.out.rstrip("\n")
+        self.assertEqual((folder / "version").read_text(encoding="utf-8"), "6.8.2+dfsg-9")
+        self.assertEqual(folder.parent, self.sandbox.cache / "tsan-qt")
+        self.assertEqual(len([call for call in self.sandbox.called("cmake") if "sanitize_thread=ON" in call]), 1)
+        self.assert_built(self.qt_build())
+        self.assertEqual(self.builds(), 2)
+
+    def test_failure_names_it(self):
+        process = self.sandbox.run_script("tools/tsan-qt-build", BUILD_FAILS="corelib.cpp:7:3: error: no such thing")
+        self.assert_cannot(process, "Qt for ThreadSanitizer", "no such thing")
+        self.assertEqual(self.builds(), 1)

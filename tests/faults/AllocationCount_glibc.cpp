@@ -1,0 +1,84 @@
+#include "AllocationCount.h"
+
+#include <atomic>
+#include <cerrno>
+#include <cstddef>
+#include <cstdlib>
+#include <malloc.h>
+
+// The functions of the C library under the names that it keeps for programs with functions of their own.
+extern "C" {
+void *__libc_malloc(std::size_t size);
+void *__libc_calloc(std::size_t count, std::size_t size);
+void *__libc_realloc(void *block, std::size_t size);
+void *__libc_memalign(std::size_t alignment, std::size_t size);
+void __libc_free(void *block);
+}
+
+namespace {
+
+std::atomic<long> outstanding{0};
+
+void *counted(void *block)
+{
+    if (block)
+        outstanding.fetch_add(1, std::memory_order_relaxed);
+    return block;
+}
+
+}  // namespace
+
+long outstandingBlocks()
+{
+    return outstanding.load(std::memory_order_relaxed);
+}
+
+extern "C" {
+
+[[gnu::visibility("default")]] void *malloc(std::size_t size) noexcept
+{
+    return counted(__libc_malloc(size));
+}
+
+[[gnu::visibility("default")]] void *calloc(std::size_t count, std::size_t size) noexcept
+{
+    return counted(__libc_calloc(count, size));
+}
+
+[[gnu::visibility("default")]] void *realloc(void *block, std::size_t size) noexcept
+{
+    if (!block)
+        return malloc(size);
+    if (size == 0) {
+        free(block);
+        return nullptr;
+    }
+    return __libc_realloc(block, size);
+}
+
+[[gnu::visibility("default")]] void free(void *block) noexcept
+{
+    if (!block)
+        return;
+    outstanding.fetch_sub(1, std::memory_order_relaxed);
+    __libc_free(block);
+}
+
+[[gnu::visibility("default")]] void *memalign(std::size_t alignment, std::size_t size) noexcept
+{
+    return counted(__libc_memalign(alignment, size));
+}
+
+[[gnu::visibility("default")]] void *aligned_alloc(std::size_t alignment, std::size_t size) noexcept
+{
+    return counted(__libc_memalign(alignment, size));
+}
+
+[[gnu::visibility("default")]] int posix_memalign(void **block, std::size_t alignment,
+                                                  std::size_t size) noexcept
+{
+    *block = counted(__libc_memalign(alignment, size));
+    return *block ? 0 : ENOMEM;
+}
+
+}  // extern "C"

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <QtCore/QString>
+
+class StepThread;
+
+/// One life of the library in the process, as a host leads it: load, initialize, create, start, use, destroy, unload,
+/// with calls still queued at the end, and devices that nobody destroyed. Answers what was seen, as one line;
+/// wholeLife() is how it has to be.
+QString liveOnce(StepThread &otherThread);
+
+/// What a life has to show.
+QString wholeLife();
+
+/// How many lives a test plays: KVX_LIFECYCLE_ROUNDS, else what this build is given time for.
+int roundsToPlay();

@@ -1,0 +1,38 @@
+#include "ProcessState.h"
+
+#include <QtCore/QDir>
+#include <QtCore/QFile>
+#include <QtCore/QFileInfo>
+
+#include <link.h>
+
+namespace {
+
+struct Search
+{
+    QString fileName;
+    bool isFound = false;
+};
+
+int compareName(dl_phdr_info *library, std::size_t /*size*/, void *data)
+{
+    auto *search = static_cast<Search *>(data);
+    search->isFound = QFileInfo(QFile::decodeName(library->dlpi_name)).fileName() == search->fileName;
+    return search->isFound ? 1 : 0;
+}
+
+}  // namespace
+
+bool isLibraryInProcess(const QString &fileName)
+{
+    Search search{fileName};
+    dl_iterate_phdr(compareName, &search);
+    return search.isFound;
+}
+
+int openHandleCount()
+{
+    // The listing itself holds one of them, in every count.
+    return static_cast<int>(
+        QDir(QStringLiteral("/proc/self/fd")).entryList(QDir::Files | QDir::System).size());
+}

@@ -1,0 +1,241 @@
+#include "Bench.h"
+#include "OperationTable.h"
+#include "OtherThread.h"
+#include "PlainPhysicalDevice.h"
+#include "TimelineText.h"
+
+#include <QtTest/QTest>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr Bench::LogSwitches warningsOnly{false, true, true};
+
+// What of an operation's lines is seen at once when another thread calls it, and what waits for the device's
+// thread.
+struct Parts
+{
+    QStringList atOnce;
+    QStringList delivered;
+};
+
+Parts fromAnotherThread(const QStringList &lines)
+{
+    const QStringList direct{u"stopped"_s, u"isSmartPointerSupportedChanged"_s, u"dpiValueChanged"_s,
+                             u"ppidChanged"_s};
+    Parts parts;
+    for (const QString &line : lines) {
+        const QString signal = line.section(u'(', 0, 0).section(u' ', 1);
+        const bool waits = line.startsWith(u"signal "_s) && !direct.contains(signal);
+        if (waits)
+            parts.delivered += line;
+        else
+            parts.atOnce += line + u" on thread 2"_s;
+    }
+    return parts;
+}
+
+void addRows()
+{
+    QTest::addColumn<Operation>("operation");
+    for (const Operation &operation : everyOperation())
+        QTest::newRow(operation.name) << operation;
+}
+
+// mouseEventCallBack alone must be called on the device's thread: it starts a timer.
+void addRowsForAnyThread()
+{
+    QTest::addColumn<Operation>("operation");
+    for (const Operation &operation : everyOperation()) {
+        if (qstrcmp(operation.name, "mouseEventCallBack") != 0)
+            QTest::newRow(operation.name) << operation;
+    }
+}
+
+// What is seen of two calls from another thread before and after the device's thread delivers what was
+// queued.
+void compareTwoCallsFromAnotherThread(Bench &bench, HostedDevice &device, const Operation &operation,
+                                      const QString &first, const QString &second)
+{
+    const Parts once = fromAnotherThread(first.split(u'\n'));
+    const Parts again = fromAnotherThread(second.split(u'\n'));
+    OtherThread other;
+    other.run([&] {
+        operation.call(device);
+        operation.call(device);
+    });
+    QCOMPARE(bench.take(), timelineText(once.atOnce + again.atOnce));
+    deliverQueuedCalls();
+    QCOMPARE(bench.take(), timelineText(once.delivered + again.delivered));
+}
+
+QStringList bindingLines()
+{
+    return {u"receiver getFirmwareVersion() -> 258"_s,
+            u"receiver hasBatteryLevel() -> true"_s,
+            u"receiver getStatusValue() -> 31"_s,
+            u"receiver getBatteryLevel() -> 80"_s,
+            u"receiver getDeviceValue() -> 32"_s,
+            u"receiver requestInitialState1() -> true"_s,
+            u"receiver requestInitialState2() -> true"_s,
+            u"receiver requestInitialState3() -> true"_s,
+            u"receiver isSmartPointerSupported() -> true"_s,
+            u"receiver getReportRateInfo() -> true"_s,
+            u"receiver getLevelValue() -> 33"_s};
+}
+
+}  // namespace
+
+Q_DECLARE_METATYPE(Operation)
+
+// Each operation at each moment of a device's life, and from a thread that is not the device's.
+class tst_OperationOrder : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void beforeStart_data() { addRows(); }
+    void beforeStart();
+    void withoutReceiver_data() { addRows(); }
+    void withoutReceiver();
+    void twiceWhileRunning_data() { addRows(); }
+    void twiceWhileRunning();
+    void afterStop_data() { addRows(); }
+    void afterStop();
+    void fromASecondThread_data() { addRowsForAnyThread(); }
+    void fromASecondThread();
+    void fromASecondThreadBeforeStart_data() { addRowsForAnyThread(); }
+    void fromASecondThreadBeforeStart();
+    void startTwice();
+    void startAfterStop();
+    void startTwiceFromASecondThread();
+    void startTwiceWithoutReceiver();
+};
+
+void tst_OperationOrder::beforeStart()
+{
+    QFETCH(const Operation, operation);
+    Bench bench(warningsOnly);
+    HostedDevice &device = bench.create();
+    operation.call(device);
+    QCOMPARE(bench.take(), operation.unbound);
+    operation.call(device);
+    QCOMPARE(bench.take(), operation.unboundAgain);
+}
+
+void tst_OperationOrder::withoutReceiver()
+{
+    QFETCH(const Operation, operation);
+    Bench bench(warningsOnly);
+    PlainPhysicalDevice physicalDevice(bench.timeline);
+    physicalDevice.forwardedResult = 77;
+    HostedDevice &device = bench.create(&physicalDevice, Bench::mouse);
+    device.start();
+    bench.take();
+    operation.call(device);
+    QCOMPARE(bench.take(), operation.unbound);
+    operation.call(device);
+    QCOMPARE(bench.take(), operation.unboundAgain);
+}
+
+void tst_OperationOrder::twiceWhileRunning()
+{
+    QFETCH(const Operation, operation);
+    Bench bench(warningsOnly);
+    HostedDevice &device = runningDevice(bench);
+    operation.call(device);
+    QCOMPARE(bench.take(), operation.whileRunning);
+    operation.call(device);
+    QCOMPARE(bench.take(), operation.again);
+}
+
+void tst_OperationOrder::afterStop()
+{
+    QFETCH(const Operation, operation);
+    Bench bench(warningsOnly);
+    HostedDevice &device = runningDevice(bench);
+    device.stop();
+    bench.take();
+    operation.call(device);
+    QCOMPARE(bench.take(), operation.whileRunning);
+    operation.call(device);
+    QCOMPARE(bench.take(), operation.again);
+}
+
+void tst_OperationOrder::fromASecondThread()
+{
+    QFETCH(const Operation, operation);
+    Bench bench(warningsOnly);
+    HostedDevice &device = runningDevice(bench);
+    compareTwoCallsFromAnotherThread(bench, device, operation, operation.whileRunning, operation.again);
+}
+
+void tst_OperationOrder::fromASecondThreadBeforeStart()
+{
+    QFETCH(const Operation, operation);
+    Bench bench(warningsOnly);
+    HostedDevice &device = bench.create();
+    compareTwoCallsFromAnotherThread(bench, device, operation, operation.unbound, operation.unboundAgain);
+}
+
+void tst_OperationOrder::startTwice()
+{
+    Bench bench(warningsOnly);
+    HostedDevice &device = bench.create();
+    device.start();
+    QCOMPARE(bench.take(), timelineText(QStringList{u"call start() -> true"_s} + bindingLines() +
+                                        QStringList{u"signal instanceNumberChanged(0)"_s}));
+    device.start();
+    // Registered twice, it is announced twice, with the number of its last entry.
+    QCOMPARE(bench.take(), timelineText(QStringList{u"call start() -> true"_s} + bindingLines() +
+                                        QStringList{u"signal instanceNumberChanged(2)"_s,
+                                                    u"signal instanceNumberChanged(2)"_s}));
+    QCOMPARE(device.device()->reportRateValues().join(u' '), u"125 250 500 1000 125 250 500 1000"_s);
+}
+
+void tst_OperationOrder::startAfterStop()
+{
+    Bench bench(warningsOnly);
+    HostedDevice &device = bench.create();
+    device.stop();
+    bench.take();
+    device.start();
+    QCOMPARE(bench.take(), timelineText(QStringList{u"call start() -> true"_s} + bindingLines() +
+                                        QStringList{u"signal instanceNumberChanged(0)"_s}));
+}
+
+void tst_OperationOrder::startTwiceFromASecondThread()
+{
+    Bench bench(warningsOnly);
+    HostedDevice &device = bench.create();
+    OtherThread other;
+    other.run([&] {
+        device.start();
+        device.start();
+    });
+    QStringList once = QStringList{u"call start() -> true"_s} + bindingLines();
+    for (QString &line : once)
+        line += u" on thread 2"_s;
+    QCOMPARE(bench.take(), timelineText(once + once));
+    deliverQueuedCalls();
+    // One of the first start and two of the second, each with the number in force now.
+    const QString announcement = u"signal instanceNumberChanged(2)"_s;
+    QCOMPARE(bench.take(), timelineText({announcement, announcement, announcement}));
+}
+
+void tst_OperationOrder::startTwiceWithoutReceiver()
+{
+    Bench bench(warningsOnly);
+    HostedDevice &device = bench.create(nullptr, Bench::mouse);
+    device.start();
+    device.start();
+    const QStringList once{u"call start() -> true"_s,
+                           warningLine(u"Unable to get IPhysicalDeviceDongle interface"_s)};
+    QCOMPARE(bench.take(), timelineText(once + QStringList{u"signal instanceNumberChanged(0)"_s} + once +
+                                        QStringList{u"signal instanceNumberChanged(2)"_s,
+                                                    u"signal instanceNumberChanged(2)"_s}));
+}
+
+QTEST_GUILESS_MAIN(tst_OperationOrder)
+#include "tst_OperationOrder.moc"
