@@ -22,11 +22,11 @@ class Refusals(SandboxTest):
         self.assert_refused("no option is called '--nativ' (./dev help lists them)", "--nativ", "test")
 
     def test_unknown_preset(self):
-        self.assert_refused("no preset is called 'fast' (there are: release, dev, asan, fuzz, tidy, windows)", "build", "fast")
+        self.assert_refused("no preset is called 'fast' (there are: release, dev, asan, fuzz, bench, tidy, windows)", "build", "fast")
 
     def test_filter_without_preset(self):
         self.assert_refused(
-            "no preset is called 'tst_Dpi' (there are: release, dev, asan, fuzz, tidy, windows); "
+            "no preset is called 'tst_Dpi' (there are: release, dev, asan, fuzz, bench, tidy, windows); "
             "to filter, name the preset first: ./dev test release 'tst_Dpi'",
             "test",
             "tst_Dpi",
@@ -34,14 +34,14 @@ class Refusals(SandboxTest):
 
     def test_presets_that_only_native_builds_use_are_not_offered(self):
         self.assert_refused(
-            "no preset is called 'native-release' (there are: release, dev, asan, fuzz, tidy, windows)",
+            "no preset is called 'native-release' (there are: release, dev, asan, fuzz, bench, tidy, windows)",
             "build",
             "native-release",
         )
 
     def test_presets_that_need_the_toolbox(self):
         for verb in ("build", "test"):
-            for preset in ("fuzz", "tidy", "windows"):
+            for preset in ("fuzz", "bench", "tidy", "windows"):
                 with self.subTest(verb=verb, preset=preset):
                     hint = f"; to filter, name the preset first: ./dev test release '{preset}'" if verb == "test" else ""
                     self.assert_refused(
@@ -57,6 +57,8 @@ class Refusals(SandboxTest):
         self.assert_refused("shell takes no arguments", "shell", "bash")
         self.assert_refused("format takes no arguments", "format", "device")
         self.assert_refused("package takes no argument but --twice", "package", "release")
+        self.assert_refused("bench takes no argument but quick", "bench", "slow")
+        self.assert_refused("bench takes no argument but quick", "bench", "quick", "quick")
         self.assert_refused("fuzz takes one number of SECONDS at most", "fuzz", "1", "2")
         self.assert_refused("fuzz takes one number of SECONDS at most", "fuzz", "readers", "1", "2")
 
@@ -71,6 +73,9 @@ class Refusals(SandboxTest):
         self.assert_refused(
             "fuzz readers needs the toolbox, which has clang with libFuzzer", "--native", "fuzz", "readers"
         )
+
+    def test_measuring_needs_the_toolbox(self):
+        self.assert_refused("bench needs the toolbox, which has Google Benchmark and valgrind", "--native", "bench")
 
     def test_exec_without_command(self):
         self.assert_refused("exec needs a COMMAND", "exec")
@@ -157,6 +162,11 @@ class DryRun(SandboxTest):
         self.assert_prints([*readers, "$ tools/fuzz-readers"], "fuzz", "readers")
         self.assert_prints([*readers, "$ tools/fuzz-readers 300"], "fuzz", "readers", "300")
 
+    def test_bench(self):
+        program = ["$ cmake --preset bench", "$ cmake --build --preset bench --target measure"]
+        self.assert_prints([*program, "$ tools/bench"], "bench")
+        self.assert_prints([*program, "$ tools/bench quick"], "bench", "quick")
+
     def test_exec_and_shell(self):
         self.assert_prints(["$ echo 'it'\\''s' ''"], "exec", "echo", "it's", "")
         self.assert_prints(["$ env 'PS1=(kvx toolbox) \\w\\$ ' bash --norc"], "shell")
@@ -185,7 +195,7 @@ class Commands(SandboxTest):
         process = self.dev("help")
         self.assertEqual((process.err, process.returncode), ("", 0))
         self.assertEqual(self.dev("--help").out, process.out)
-        for verb in ("run", "test", "build", "package", "exec", "shell", "lint", "format", "help"):
+        for verb in ("run", "test", "build", "package", "fuzz", "bench", "mutate", "exec", "shell", "lint", "format", "help"):
             self.assertRegex(process.out, rf"(?m)^  {verb}\b")
 
     def test_exec_keeps_words_output_and_exit_code(self):
@@ -397,7 +407,7 @@ class Presets(unittest.TestCase):
         def names(kind):
             return [preset["name"] for preset in presets[kind] if not preset.get("hidden")]
 
-        own = ["release", "dev", "asan", "fuzz", "tidy", "windows", "windows-msvc"]
+        own = ["release", "dev", "asan", "fuzz", "bench", "tidy", "windows", "windows-msvc"]
         native = ["native-release", "native-dev", "native-asan"]
         for kind in ("configurePresets", "buildPresets", "testPresets"):
             self.assertEqual(names(kind), own + native)
