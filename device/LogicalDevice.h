@@ -9,7 +9,7 @@
 #include <QtCore/QThread>
 #include <QtCore/QTimer>
 
-#include <array>
+#include <bitset>
 #include <utility>
 
 class IHostServices;
@@ -198,10 +198,21 @@ private:
     template <typename Emission>
     void emitOnOwnThread(Emission emission)
     {
-        if (QThread::currentThread() == thread())
+        if (isOnOwnThread())
             emission();
         else
             QMetaObject::invokeMethod(this, std::move(emission), Qt::QueuedConnection);
+    }
+
+    // Qt 6.8 can tell without looking up, or for a thread of the host's own making, its QThread.
+    bool isOnOwnThread() const
+    {
+        const QThread *ownThread = thread();
+#if QT_VERSION >= QT_VERSION_CHECK(6, 8, 0)
+        return ownThread && ownThread->isCurrentThread();
+#else
+        return ownThread == QThread::currentThread();
+#endif
     }
 
     // Stores a pending flag; emits its signal by the rule above when that changes it. Flag and signal are
@@ -236,8 +247,9 @@ private:
     void resetDisabledButtonsOrKeysMask();
     bool sendDisabledButtonsOrKeysMask();
 
+    uint heldButtonsOrKeys() const;
+    void takeMouseEvent(uint mouseEvent);
     void updateSmartPointerKey(IHostServices *hostServices, bool isDown);
-    void updateButton(IHostServices *hostServices, int buttonNumber, bool isDown);
 
     LogicalDevicePlugin *m_ownerPlugin =
         nullptr;  // also the parent, on its thread; never null once constructed
@@ -251,7 +263,7 @@ private:
     int m_hasBatteryLevel = 0;  // 0 or 1
     int m_batteryLevel = -1;    // percent; -1 while not known
     quint8 m_disabledButtonsOrKeysMask = 0;
-    std::array<bool, 5> m_isButtonPressed = {};
+    std::bitset<5> m_isButtonPressed;  // bit n - 1 is button n
     int m_statusValue = 0;
     IPhysicalDeviceDongle *m_dongle = nullptr;  // m_physicalDevice as a receiver, once bound
     int m_deviceValue = 0;

@@ -10,7 +10,7 @@ uint LogicalDevice::firmwareVersion() const
 
 void LogicalDevice::setFirmwareVersion(uint fwVersion)
 {
-    if (QThread::currentThread() != thread()) {
+    if (!isOnOwnThread()) {
         QMetaObject::invokeMethod(
             this, [this, fwVersion] { setFirmwareVersion(fwVersion); }, Qt::QueuedConnection);
         return;

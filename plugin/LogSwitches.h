@@ -4,8 +4,29 @@
 // filter. Plain bytes, all off until IDevicePlugin::initialize(); the host sets them before it creates
 // devices.
 
-bool debugLogEnabled();
-bool warningLogEnabled();
-bool criticalLogEnabled();
+struct LogSwitches
+{
+    bool debugEnabled = false;
+    bool warningEnabled = false;
+    bool criticalEnabled = false;
+};
+
+extern LogSwitches logSwitches;
+
+// Inline, because every operation asks: a call would cost more than a mouse report that changes nothing.
+inline bool debugLogEnabled()
+{
+    return logSwitches.debugEnabled;
+}
+
+inline bool warningLogEnabled()
+{
+    return logSwitches.warningEnabled;
+}
+
+inline bool criticalLogEnabled()
+{
+    return logSwitches.criticalEnabled;
+}
 
 void setLogSwitches(bool debugEnabled, bool warningEnabled, bool criticalEnabled);

@@ -23,7 +23,7 @@ public:
     ILogicalDevice *createLogicalDevice(IPhysicalDevice *physicalDevice, DeviceId id) override;
 
     /// What the devices deliver their mouse events to; null before initialize(). Not owned.
-    IHostServices *hostServices() const;
+    IHostServices *hostServices() const { return m_hostServices; }
 
 private:
     IHostServices *m_hostServices = nullptr;

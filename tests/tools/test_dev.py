@@ -23,12 +23,12 @@ class Refusals(SandboxTest):
 
     def test_unknown_preset(self):
         self.assert_refused(
-            "no preset is called 'fast' (there are: release, dev, asan, tsan, fuzz, coverage, tidy, windows)", "build", "fast"
+            "no preset is called 'fast' (there are: release, dev, asan, tsan, fuzz, coverage, bench, tidy, windows)", "build", "fast"
         )
 
     def test_filter_without_preset(self):
         self.assert_refused(
-            "no preset is called 'tst_Dpi' (there are: release, dev, asan, tsan, fuzz, coverage, tidy, windows); "
+            "no preset is called 'tst_Dpi' (there are: release, dev, asan, tsan, fuzz, coverage, bench, tidy, windows); "
             "to filter, name the preset first: ./dev test release 'tst_Dpi'",
             "test",
             "tst_Dpi",
@@ -36,14 +36,14 @@ class Refusals(SandboxTest):
 
     def test_presets_that_only_native_builds_use_are_not_offered(self):
         self.assert_refused(
-            "no preset is called 'native-release' (there are: release, dev, asan, tsan, fuzz, coverage, tidy, windows)",
+            "no preset is called 'native-release' (there are: release, dev, asan, tsan, fuzz, coverage, bench, tidy, windows)",
             "build",
             "native-release",
         )
 
     def test_presets_that_need_the_toolbox(self):
         for verb in ("build", "test"):
-            for preset in ("tsan", "fuzz", "coverage", "tidy", "windows"):
+            for preset in ("tsan", "fuzz", "coverage", "bench", "tidy", "windows"):
                 with self.subTest(verb=verb, preset=preset):
                     hint = f"; to filter, name the preset first: ./dev test release '{preset}'" if verb == "test" else ""
                     self.assert_refused(
@@ -61,6 +61,8 @@ class Refusals(SandboxTest):
         self.assert_refused("coverage takes no arguments", "coverage", "device")
         self.assert_refused("package takes no argument but --twice", "package", "release")
         self.assert_refused("valgrind takes one FILTER at most", "valgrind", "tst_Dpi", "tst_Buttons")
+        self.assert_refused("bench takes no argument but quick", "bench", "slow")
+        self.assert_refused("bench takes no argument but quick", "bench", "quick", "quick")
         self.assert_refused("fuzz takes one number of SECONDS at most", "fuzz", "1", "2")
         self.assert_refused("fuzz takes one number of SECONDS at most", "fuzz", "readers", "1", "2")
 
@@ -85,6 +87,9 @@ class Refusals(SandboxTest):
         self.assert_refused(
             "valgrind needs the toolbox, which has valgrind and a Qt that it knows", "--native", "valgrind"
         )
+
+    def test_measuring_needs_the_toolbox(self):
+        self.assert_refused("bench needs the toolbox, which has Google Benchmark and valgrind", "--native", "bench")
 
     def test_exec_without_command(self):
         self.assert_refused("exec needs a COMMAND", "exec")
@@ -205,6 +210,11 @@ class DryRun(SandboxTest):
             "tst_Threads",
         )
 
+    def test_bench(self):
+        program = ["$ cmake --preset bench", "$ cmake --build --preset bench --target measure"]
+        self.assert_prints([*program, "$ tools/bench"], "bench")
+        self.assert_prints([*program, "$ tools/bench quick"], "bench", "quick")
+
     def test_exec_and_shell(self):
         self.assert_prints(["$ echo 'it'\\''s' ''"], "exec", "echo", "it's", "")
         self.assert_prints(["$ env 'PS1=(kvx toolbox) \\w\\$ ' bash --norc"], "shell")
@@ -233,8 +243,8 @@ class Commands(SandboxTest):
         process = self.dev("help")
         self.assertEqual((process.err, process.returncode), ("", 0))
         self.assertEqual(self.dev("--help").out, process.out)
-        verbs = ("run", "test", "build", "package", "fuzz", "coverage", "valgrind", "mutate", "exec", "shell", "lint", "format")
-        for verb in (*verbs, "help"):
+        verbs = ("run", "test", "build", "package", "fuzz", "coverage", "valgrind", "bench", "mutate")
+        for verb in (*verbs, "exec", "shell", "lint", "format", "help"):
             self.assertRegex(process.out, rf"(?m)^  {verb}\b")
 
     def test_exec_keeps_words_output_and_exit_code(self):
@@ -523,7 +533,7 @@ class Presets(unittest.TestCase):
         def names(kind):
             return [preset["name"] for preset in presets[kind] if not preset.get("hidden")]
 
-        own = ["release", "dev", "asan", "tsan", "fuzz", "coverage", "tidy", "windows", "windows-msvc"]
+        own = ["release", "dev", "asan", "tsan", "fuzz", "coverage", "bench", "tidy", "windows", "windows-msvc"]
         native = ["native-release", "native-dev", "native-asan"]
         for kind in ("configurePresets", "buildPresets", "testPresets"):
             self.assertEqual(names(kind), own + native)

@@ -1,0 +1,85 @@
+#include "Operations.h"
+
+#include <QtCore/QCoreApplication>
+#include <QtCore/QSemaphore>
+
+#include <algorithm>
+#include <thread>
+
+namespace {
+
+// So many reports are queued before they are delivered. With many more the allocator tidies up now and then,
+// which has little to do with whose blocks they are.
+constexpr qint64 reportsInQueue = 100;
+
+void report(ILogicalDeviceGen3Mouse &device, int level)
+{
+    device.setBatteryLevel(level);
+}
+
+void report(IFloorDevice &device, int level)
+{
+    device.queueBatteryLevel(level);
+}
+
+// The device lives in the calling thread; another one reports, then this one delivers. They never run at the
+// same time, so nobody waits for a lock.
+template <typename Measured>
+class ForeignBattery final : public Operation
+{
+public:
+    explicit ForeignBattery(Variant variant) : m_measured(variant)
+    {
+        m_listeners.connect(m_measured.object(), SIGNAL(batteryLevelChanged(int)), SLOT(onNumber(int)));
+    }
+    Q_DISABLE_COPY_MOVE(ForeignBattery)
+    ~ForeignBattery() override
+    {
+        m_wanted = 0;
+        m_go.release();
+        m_reporter.join();
+    }
+
+    void run(qint64 times) override
+    {
+        for (qint64 left = times; left > 0; left -= reportsInQueue) {
+            m_wanted = std::min(left, reportsInQueue);
+            m_go.release();
+            m_done.acquire();
+            QCoreApplication::sendPostedEvents(&m_measured.object());
+        }
+    }
+
+private:
+    void work()
+    {
+        for (m_go.acquire(); m_wanted > 0; m_go.acquire()) {
+            for (qint64 number = 0; number < m_wanted; ++number)
+                report(m_measured.device(), static_cast<int>(50 + (number & 1)));
+            m_done.release();
+        }
+    }
+
+    Listeners m_listeners;
+    Measured m_measured;
+    qint64 m_wanted = 0;  // handed over by the semaphores; 0: the end
+    QSemaphore m_go;
+    QSemaphore m_done;
+    std::thread m_reporter{[this] { work(); }};
+};
+
+template <typename Measured>
+void add(std::vector<Subject> &subjects, Variant variant)
+{
+    subjects.push_back({QStringLiteral("battery-foreign-thread/") + variantName(variant), reportsInQueue,
+                        [variant] { return std::make_unique<ForeignBattery<Measured>>(variant); }, true});
+}
+
+}  // namespace
+
+void addForeignThread(std::vector<Subject> &subjects)
+{
+    add<MeasuredDevice>(subjects, Variant::Product);
+    add<MeasuredDevice>(subjects, Variant::Unlogged);
+    add<MeasuredFloor>(subjects, Variant::Floor);
+}

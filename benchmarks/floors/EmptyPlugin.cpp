@@ -1,0 +1,3 @@
+#include "EmptyPlugin.h"
+
+#include "moc_EmptyPlugin.cpp"  // NOLINT(bugprone-suspicious-include)
