@@ -38,10 +38,11 @@ LogState::~LogState()
 }
 
 MeasuredDevice::MeasuredDevice(Variant variant)
-    : m_logState(variant, m_services), m_factory(factoryOf(variant))
+    : m_logState(variant, m_services),
+      m_factory(factoryOf(variant)),
+      m_device(dynamic_cast<Interface *>(m_factory->createLogicalDevice(&m_receiver, deviceId))),
+      m_object(dynamic_cast<QObject *>(m_device))
 {
-    m_device = dynamic_cast<ILogicalDeviceGen3Mouse *>(m_factory->createLogicalDevice(&m_receiver, deviceId));
-    m_object = dynamic_cast<QObject *>(m_device);
     if (!m_object || !m_device->start()) {
         std::fputs("measure: the library makes no mouse that starts; its tests say more: ./dev test\n",
                    stderr);
@@ -57,10 +58,9 @@ MeasuredDevice::~MeasuredDevice()
 }
 
 MeasuredFloor::MeasuredFloor(Variant /*variant*/)
-    : m_device(libraries().floors.root<IFloorFactory>()->createFloorDevice(&m_receiver, &m_services))
-{
-    m_object = dynamic_cast<QObject *>(m_device.get());
-}
+    : m_device(libraries().floors.root<IFloorFactory>()->createFloorDevice(&m_receiver, &m_services)),
+      m_object(dynamic_cast<QObject *>(m_device.get()))
+{}
 
 MeasuredFloor::~MeasuredFloor() = default;
 
