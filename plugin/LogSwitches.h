@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QtCore/QtGlobal>
+
 // Three process-wide switches, asked before every log line of their severity and before Qt's own category
 // filter. Plain bytes, all off until IDevicePlugin::initialize(); the host sets them before it creates
 // devices.
@@ -11,7 +13,8 @@ struct LogSwitches
     bool criticalEnabled = false;
 };
 
-extern LogSwitches logSwitches;
+// Hidden, so that a reader knows its address without looking it up.
+extern Q_DECL_HIDDEN LogSwitches logSwitches;
 
 // Inline, because every operation asks: a call would cost more than a mouse report that changes nothing.
 inline bool debugLogEnabled()

@@ -87,6 +87,7 @@ private Q_SLOTS:
     void confirmationOfAThirdIndexSendsAgain();
     void lowestIndexIsSentAgainToo();
     void confirmationEndsTheRequestForGood();
+    void requestIsKnownWhenItsFlagIsSignalled();
     void requestIsOverWhenItsFlagIsSignalled();
     void confirmationRepeatsWithoutLimit();
     void refusedRepeatEndsTheRequest();
@@ -309,6 +310,23 @@ void tst_ActiveDpiSlot::confirmationEndsTheRequestForGood()
     // Nothing is waited for any more: another index is the mouse's own.
     device.activeDpiSlotIndexConfirmed(4);
     QCOMPARE(bench.take(), timelineText(confirmation(4, changeLines(indexChange(4)))));
+}
+
+void tst_ActiveDpiSlot::requestIsKnownWhenItsFlagIsSignalled()
+{
+    // A slot of the flag's signal that has the mouse's answer already ends the request with it.
+    Bench bench({false, false, false});
+    HostedDevice &device = bench.started();
+    bench.timeline.setObserver([&](const TimelineEntry &entry) {
+        if (entry.name == u"isActiveDpiSlotIndexChangePendingChanged" &&
+            device.device()->isActiveDpiSlotIndexChangePending())
+            device.device()->activeDpiSlotIndexConfirmed(3);
+    });
+    device.setActiveDpiSlotIndex(3);
+    bench.timeline.setObserver({});
+    QCOMPARE(bench.take(), timelineText({u"call setActiveDpiSlotIndex(3)"_s, sentLine(3), pendingSignal(true),
+                                         pendingSignal(false), u"signal activeDpiSlotIndexChanged(3)"_s}));
+    QVERIFY(!device.device()->isActiveDpiSlotIndexChangePending());
 }
 
 void tst_ActiveDpiSlot::requestIsOverWhenItsFlagIsSignalled()

@@ -90,6 +90,7 @@ private Q_SLOTS:
     void confirmationOfAThirdIdSendsAgain();
     void lowestIdIsSentAgainToo();
     void confirmationEndsTheRequestForGood();
+    void requestIsKnownWhenItsFlagIsSignalled();
     void requestIsOverWhenItsFlagIsSignalled();
     void confirmationRepeatsWithoutLimit();
     void refusedRepeatEndsTheRequest();
@@ -295,6 +296,23 @@ void tst_DpiButton::confirmationEndsTheRequestForGood()
     bench.take();
     device.dpiButtonIdConfirmed(4);
     QCOMPARE(bench.take(), timelineText(confirmation(4, changeLines(idChange(4)))));
+}
+
+void tst_DpiButton::requestIsKnownWhenItsFlagIsSignalled()
+{
+    // A slot of the flag's signal that has the mouse's answer already ends the request with it.
+    Bench bench({false, false, false});
+    HostedDevice &device = bench.started();
+    bench.timeline.setObserver([&](const TimelineEntry &entry) {
+        if (entry.name == u"isDpiButtonIdChangePendingChanged" &&
+            device.device()->isDpiButtonIdChangePending())
+            device.device()->dpiButtonIdConfirmed(6);
+    });
+    device.setDpiButtonId(6);
+    bench.timeline.setObserver({});
+    QCOMPARE(bench.take(), timelineText({u"call setDpiButtonId(6)"_s, sentLine(6), pendingSignal(true),
+                                         pendingSignal(false), u"signal dpiButtonIdChanged(6)"_s}));
+    QVERIFY(!device.device()->isDpiButtonIdChangePending());
 }
 
 void tst_DpiButton::requestIsOverWhenItsFlagIsSignalled()
