@@ -79,6 +79,7 @@ private Q_SLOTS:
     void setReportRateIgnoresTheCurrentRate();
     void setReportRateIsPendingUntilConfirmed();
     void setReportRateKeepsTheNewRateWhenTheReceiverRefuses();
+    void refusedRequestIsOverWhenItsFlagIsSignalled();
     void setReportRateWithoutReceiverTakesTheRateSilently();
     void setReportRateKeepsWaitingForTheFirstRequest();
     void secondRequestRefusedEndsTheFirst();
@@ -283,6 +284,26 @@ void tst_ReportRate::setReportRateKeepsTheNewRateWhenTheReceiverRefuses()
     device.reportRateConfirmed(500);
     QCOMPARE(bench.take(), timelineText({u"call reportRateConfirmed(500)"_s, confirmedLine(500, 0),
                                          u"signal reportRateChanged(500)"_s}));
+}
+
+void tst_ReportRate::refusedRequestIsOverWhenItsFlagIsSignalled()
+{
+    // A slot of the flag's signal already meets a device that waits for nothing: what it reports is stored.
+    Bench bench({false, false, false});
+    HostedDevice &device = bench.started();
+    bench.receiver.answers.acceptsRequests = false;
+    bench.timeline.setObserver([&](const TimelineEntry &entry) {
+        if (entry.name == u"isReportRateChangePendingChanged" && !device.device()->isReportRateChangePending())
+            device.device()->reportRateConfirmed(250);
+    });
+    device.setReportRate(1000);
+    bench.timeline.setObserver({});
+    QCOMPARE(
+        bench.take(),
+        timelineText({u"call setReportRate(1000)"_s, u"signal isReportRateChangePendingChanged(true)"_s,
+                      u"receiver setReportRate(1000) -> false"_s,
+                      u"signal isReportRateChangePendingChanged(false)"_s, u"signal reportRateChanged(250)"_s,
+                      u"signal reportRateChanged(250)"_s}));
 }
 
 void tst_ReportRate::setReportRateWithoutReceiverTakesTheRateSilently()
@@ -518,6 +539,12 @@ void tst_ReportRate::reportReplacesTheListAndConfirms_data()
                         u"signal reportRateValuesChanged([\"250\", \"125\"])"_s} +
             acceptedRequest(125))
         << QStringList{u"250"_s, u"125"_s} << 125;
+    QTest::newRow("unlisted-prefers-125-wherever-it-is-listed")
+        << rateInfo(500, {250, 125, 1000})
+        << (QStringList{supportedLine(250), supportedLine(125), supportedLine(1000),
+                        u"signal reportRateValuesChanged([\"250\", \"125\", \"1000\"])"_s} +
+            acceptedRequest(125))
+        << QStringList{u"250"_s, u"125"_s, u"1000"_s} << 125;
     QTest::newRow("unlisted-but-the-fallback-is-current")
         << rateInfo(1000, {500, 250})
         << QStringList{supportedLine(500), supportedLine(250),
