@@ -14,8 +14,10 @@ public:
     }
 };
 
-constexpr char signal[] = SIGNAL(instanceNumberChanged(int));
-constexpr char slot[] = SLOT(onNumber(int));
+void listen(Listeners &listeners, QObject *device)
+{
+    listeners.connect(*device, SIGNAL(instanceNumberChanged(int)), SLOT(onNumber(int)));
+}
 
 // With so many devices registered and heard, one more comes and goes: each time all of them get a number and
 // signal it, the newcomer, to whom nobody listens, at its coming only.
@@ -25,7 +27,7 @@ public:
     explicit ProductRegistry(int deviceCount) : m_logState(Variant::Product, m_services)
     {
         for (int made = 0; made < deviceCount; ++made)
-            m_listeners.connect(*dynamic_cast<QObject *>(makeDevice()), signal, slot);
+            listen(m_listeners, dynamic_cast<QObject *>(makeDevice()));
     }
     Q_DISABLE_COPY_MOVE(ProductRegistry)
     ~ProductRegistry() override
@@ -69,7 +71,7 @@ public:
     {
         for (int made = 0; made < deviceCount; ++made) {
             m_devices.push_back(makeDevice());
-            m_listeners.connect(*dynamic_cast<QObject *>(m_devices.back().get()), signal, slot);
+            listen(m_listeners, dynamic_cast<QObject *>(m_devices.back().get()));
         }
     }
     Q_DISABLE_COPY_MOVE(FloorRegistry)

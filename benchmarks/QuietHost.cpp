@@ -118,7 +118,7 @@ void QuietListener::onFlag(bool /*isSet*/)
     ++signalCount;
 }
 
-void QuietListener::onTexts(QStringList /*texts*/)
+void QuietListener::onTexts(const QStringList & /*texts*/)
 {
     ++signalCount;
 }

@@ -61,6 +61,6 @@ public:
 public Q_SLOTS:
     void onNumber(int number);
     void onFlag(bool isSet);
-    void onTexts(QStringList texts);
+    void onTexts(const QStringList &texts);
     void onTimeout();
 };

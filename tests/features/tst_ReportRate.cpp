@@ -293,17 +293,17 @@ void tst_ReportRate::refusedRequestIsOverWhenItsFlagIsSignalled()
     HostedDevice &device = bench.started();
     bench.receiver.answers.acceptsRequests = false;
     bench.timeline.setObserver([&](const TimelineEntry &entry) {
-        if (entry.name == u"isReportRateChangePendingChanged" && !device.device()->isReportRateChangePending())
+        if (entry.name == u"isReportRateChangePendingChanged" &&
+            !device.device()->isReportRateChangePending())
             device.device()->reportRateConfirmed(250);
     });
     device.setReportRate(1000);
     bench.timeline.setObserver({});
-    QCOMPARE(
-        bench.take(),
-        timelineText({u"call setReportRate(1000)"_s, u"signal isReportRateChangePendingChanged(true)"_s,
-                      u"receiver setReportRate(1000) -> false"_s,
-                      u"signal isReportRateChangePendingChanged(false)"_s, u"signal reportRateChanged(250)"_s,
-                      u"signal reportRateChanged(250)"_s}));
+    QCOMPARE(bench.take(),
+             timelineText({u"call setReportRate(1000)"_s, u"signal isReportRateChangePendingChanged(true)"_s,
+                           u"receiver setReportRate(1000) -> false"_s,
+                           u"signal isReportRateChangePendingChanged(false)"_s,
+                           u"signal reportRateChanged(250)"_s, u"signal reportRateChanged(250)"_s}));
 }
 
 void tst_ReportRate::setReportRateWithoutReceiverTakesTheRateSilently()
