@@ -26,6 +26,7 @@ private Q_SLOTS:
     void batteryLevelTakesAnyNumber();
     void batteryLevelFromAnotherThreadIsStoredAtOnce();
     void batteryLevelQueuedForADeadDeviceIsDropped();
+    void deviceWithoutAThreadSignalsWhenItGetsOne();
     void reportsNeedNoStart();
 };
 
@@ -179,6 +180,26 @@ void tst_DeviceReports::batteryLevelQueuedForADeadDeviceIsDropped()
     bench.take();
     deliverQueuedCalls();
     QCOMPARE(bench.take(), QString());
+}
+
+void tst_DeviceReports::deviceWithoutAThreadSignalsWhenItGetsOne()
+{
+    Bench bench({false, false, false});
+    OtherThread other;
+    HostedDevice *device = nullptr;
+    other.run([&] {
+        // Off the factory's thread, so it has no parent, which would bind it to that.
+        device = &bench.create();
+        device->object()->moveToThread(nullptr);
+    });
+    bench.take();
+    device->setBatteryLevel(40);
+    deliverQueuedCalls();
+    QCOMPARE(bench.take(), u"call setBatteryLevel(40)"_s);
+    device->object()->moveToThread(QThread::currentThread());
+    deliverQueuedCalls();
+    QCOMPARE(bench.take(), u"signal batteryLevelChanged(40)"_s);
+    bench.destroy(*device);
 }
 
 void tst_DeviceReports::reportsNeedNoStart()
