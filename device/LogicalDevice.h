@@ -204,16 +204,8 @@ private:
             QMetaObject::invokeMethod(this, std::move(emission), Qt::QueuedConnection);
     }
 
-    // Qt 6.8 can tell without looking up, or for a thread of the host's own making, its QThread.
-    bool isOnOwnThread() const
-    {
-        const QThread *ownThread = thread();
-#if QT_VERSION >= QT_VERSION_CHECK(6, 8, 0)
-        return ownThread && ownThread->isCurrentThread();
-#else
-        return ownThread == QThread::currentThread();
-#endif
-    }
+    // QThread::isCurrentThread() would be cheaper, but takes a thread for the one that it got the number of.
+    bool isOnOwnThread() const { return thread() == QThread::currentThread(); }
 
     // Stores a pending flag; emits its signal by the rule above when that changes it. Flag and signal are
     // template arguments because the closure holds the object only.

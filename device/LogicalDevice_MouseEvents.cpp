@@ -23,7 +23,7 @@ void LogicalDevice::mouseEventCallBack(quint8 mouseEvent)
 }
 
 // In the bits of a mouse event.
-inline uint LogicalDevice::heldButtonsOrKeys() const
+uint LogicalDevice::heldButtonsOrKeys() const
 {
     return static_cast<uint>(m_isButtonPressed.to_ulong()) |
            (m_isSmartPointerCtrPressed ? smartPointerBit : 0U);

@@ -15,6 +15,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+constexpr const char *roundsVariable = "KVX_LIFECYCLE_ROUNDS";
+
 constexpr quint8 smartPointerDown = 0x80;
 
 // What a life leaves to be seen, in the order in which it is looked at.
@@ -129,7 +131,11 @@ QString wholeLife()
 
 int roundsToPlay()
 {
+    if (!qEnvironmentVariableIsSet(roundsVariable))
+        return KVX_LIFECYCLE_ROUNDS;
     bool isNumber = false;
-    const int rounds = qEnvironmentVariableIntValue("KVX_LIFECYCLE_ROUNDS", &isNumber);
-    return isNumber && rounds > 0 ? rounds : KVX_LIFECYCLE_ROUNDS;
+    const int rounds = qEnvironmentVariableIntValue(roundsVariable, &isNumber);
+    if (!isNumber || rounds < 1)
+        qFatal("%s is no whole number above 0; give one, or leave it unset", roundsVariable);
+    return rounds;
 }

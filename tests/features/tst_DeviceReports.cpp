@@ -2,9 +2,12 @@
 #include "OtherThread.h"
 #include "TimelineText.h"
 
+#include <QtCore/QThread>
 #include <QtTest/QTest>
 
+#include <functional>
 #include <limits>
+#include <memory>
 
 using namespace Qt::StringLiterals;
 
@@ -27,6 +30,7 @@ private Q_SLOTS:
     void batteryLevelFromAnotherThreadIsStoredAtOnce();
     void batteryLevelQueuedForADeadDeviceIsDropped();
     void deviceWithoutAThreadSignalsWhenItGetsOne();
+    void threadThatFollowsTheDevicesOwnIsAnother();
     void reportsNeedNoStart();
 };
 
@@ -199,6 +203,31 @@ void tst_DeviceReports::deviceWithoutAThreadSignalsWhenItGetsOne()
     device->object()->moveToThread(QThread::currentThread());
     deliverQueuedCalls();
     QCOMPARE(bench.take(), u"signal batteryLevelChanged(40)"_s);
+    bench.destroy(*device);
+}
+
+void tst_DeviceReports::threadThatFollowsTheDevicesOwnIsAnother()
+{
+    Bench bench({false, false, false});
+    HostedDevice *device = nullptr;
+    const auto runOnAThread = [](const std::function<void()> &function) {
+        std::unique_ptr<QThread> thread(QThread::create(function));
+        thread->start();
+        thread->wait();
+        return thread;
+    };
+    const std::unique_ptr<QThread> own = runOnAThread([&] { device = &bench.create(); });
+    bench.take();
+    // Systems give the number of a thread that has ended to one of the next.
+    constexpr int followers = 50;
+    for (int follower = 0; follower < followers; ++follower) {
+        runOnAThread([&] {
+            device->device()->setFirmwareVersion(7);
+            device->device()->setBatteryLevel(follower);
+        });
+    }
+    QCOMPARE(device->device()->firmwareVersion(), 0U);
+    QCOMPARE(bench.take(), QString());
     bench.destroy(*device);
 }
 

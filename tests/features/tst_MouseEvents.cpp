@@ -79,6 +79,7 @@ class tst_MouseEvents : public QObject
 private Q_SLOTS:
     void heldButtonIsOnePressAndOneRelease();
     void buttonsAreToldInOrder();
+    void reportFromInsideAButtonEventCounts();
     void everyButtonHasItsBit_data();
     void everyButtonHasItsBit();
     void releasesAndPressesOfOneReport();
@@ -123,6 +124,22 @@ void tst_MouseEvents::buttonsAreToldInOrder()
                                         buttonLine(4, true), buttonLine(5, true)}) +
                           report(0, {buttonLine(1, false), buttonLine(2, false), buttonLine(3, false),
                                      buttonLine(4, false), buttonLine(5, false)})));
+}
+
+void tst_MouseEvents::reportFromInsideAButtonEventCounts()
+{
+    // The host reports the third button from inside the event of the second: nothing is left to tell of it.
+    Bench bench({false, false, false});
+    HostedDevice &device = bench.started();
+    bench.timeline.setObserver([&](const TimelineEntry &entry) {
+        if (entry.name == u"buttonEvent" && entry.arguments.at(1).toInt() == 2)
+            device.device()->mouseEventCallBack(0x07);
+    });
+    device.mouseEventCallBack(0x1f);
+    bench.timeline.setObserver({});
+    QCOMPARE(bench.take(),
+             timelineText({u"call mouseEventCallBack(31)"_s, buttonLine(1, true), buttonLine(2, true),
+                           buttonLine(3, true), buttonLine(4, true), buttonLine(5, true)}));
 }
 
 void tst_MouseEvents::everyButtonHasItsBit_data()

@@ -154,6 +154,10 @@ class Judging(BenchTest):
         self.figures["instructions"]["registry-100/product"] = 1000 + 200 * 361
         self.assert_missed("registering devices: a signal costs up to 1.20 times as much, at most 1.2", "quick")
 
+    def test_registry_in_which_more_cost_less(self):
+        self.figures["instructions"]["registry-10/product"] = 900
+        self.assert_missed("a signal costs -5.0 instructions: more devices take less than fewer", "quick")
+
     def test_subject_that_is_not_measured(self):
         del self.figures["instructions"]["work/floor"]
         self.assert_missed("work/floor has no count of instructions; benchmarks/rows.toml and the program differ")
@@ -185,6 +189,7 @@ class Refusals(BenchTest):
             "": "names no row",
             ROWS.replace("heap_at_most = 1.2", ""): "no heap_at_most",
             ROWS.replace('judged = "instructions"', 'judged = "weight"'): "is judged by 'weight'",
+            ROWS.replace("\nat_most =", "\nat_mots =", 1): "has 'at_mots' (there are: allocations, at_most",
             ROWS.replace('floor = "work/floor"', "", 1): "the row 'quick work' has no floor",
         }.items():
             with self.subTest(part=part):

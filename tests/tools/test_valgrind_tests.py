@@ -98,6 +98,21 @@ class ValgrindTests(SandboxTest):
         self.assertEqual(process.returncode, 1)
         self.assertIn("NOT CLEAN: FAIL!  : tst_Dpi::range()", process.out)
 
+    def test_program_that_is_not_built(self):
+        listing = self.sandbox.base / "tests.json"
+        listing.write_text(json.dumps({"tests": [{"name": "tst_Dpi"}]}), encoding="utf-8")
+        process = self.run_tool(str(self.folder))
+        self.assertEqual(
+            (process.err, process.returncode),
+            ("valgrind-tests: tst_Dpi is not built; build it first: ./dev build release\n", 2),
+        )
+
+    def test_tests_that_cannot_be_listed(self):
+        self.sandbox.fake("ctest", "exit 1\n")
+        process = self.run_tool(str(self.folder))
+        self.assertEqual(process.returncode, 2)
+        self.assertRegex(process.err, r"^valgrind-tests: ctest cannot list the tests of .*; build it anew: .*\n$")
+
     def test_program_that_cannot_run(self):
         self.says("tst_Dpi", "valgrind: cannot find it", 127)
         process = self.run_tool(str(self.folder), "Dpi")
