@@ -295,6 +295,11 @@ void tst_DpiSlotValues::slotTexts_data()
     row("group-separator", u"1,600"_s, 0, true);
     row("digits-of-another-script", u"٨٠٠"_s, 0, true);
     row("unit-behind", u"800dpi"_s, 0, true);
+    row("sign-above-the-digits", u"80:"_s, 0, true);
+    row("sign-below-the-digits", u"80/"_s, 0, true);
+    row("nine-digits", u"000000800"_s, 800);
+    row("ten-digits", u"0000000800"_s, 800);
+    row("digits-around-another-sign", u"8_00"_s, 0, true);
 }
 
 void tst_DpiSlotValues::slotTexts()
