@@ -79,6 +79,8 @@ private Q_SLOTS:
     void setReportRateIgnoresTheCurrentRate();
     void setReportRateIsPendingUntilConfirmed();
     void setReportRateKeepsTheNewRateWhenTheReceiverRefuses();
+    void requestIsKnownWhenItsFlagIsSignalled();
+    void requestIsOverWhenItsFlagIsSignalled();
     void refusedRequestIsOverWhenItsFlagIsSignalled();
     void setReportRateWithoutReceiverTakesTheRateSilently();
     void setReportRateKeepsWaitingForTheFirstRequest();
@@ -154,6 +156,11 @@ void tst_ReportRate::startReadsTheRates_data()
         << rateInfo(1000, {500, 125})
         << (QStringList{supportedLine(500), supportedLine(125), unlisted + u"1000"_s} + acceptedRequest(125))
         << QStringList{u"500"_s, u"125"_s} << 125 << true;
+    QTest::newRow("unlisted-prefers-125-wherever-it-is-listed")
+        << rateInfo(1000, {500, 125, 250})
+        << (QStringList{supportedLine(500), supportedLine(125), supportedLine(250), unlisted + u"1000"_s} +
+            acceptedRequest(125))
+        << QStringList{u"500"_s, u"125"_s, u"250"_s} << 125 << true;
     QTest::newRow("unlisted-zero-is-not-the-end-of-the-list")
         << rateInfo(0, {250, 0})
         << (QStringList{supportedLine(250), unlisted + u"0"_s} + acceptedRequest(250))
@@ -284,6 +291,43 @@ void tst_ReportRate::setReportRateKeepsTheNewRateWhenTheReceiverRefuses()
     device.reportRateConfirmed(500);
     QCOMPARE(bench.take(), timelineText({u"call reportRateConfirmed(500)"_s, confirmedLine(500, 0),
                                          u"signal reportRateChanged(500)"_s}));
+}
+
+void tst_ReportRate::requestIsKnownWhenItsFlagIsSignalled()
+{
+    // A slot of the flag's signal that has the mouse's answer already ends the request with it.
+    Bench bench({false, false, false});
+    HostedDevice &device = bench.started();
+    bench.timeline.setObserver([&](const TimelineEntry &entry) {
+        if (entry.name == u"isReportRateChangePendingChanged" && device.device()->isReportRateChangePending())
+            device.device()->reportRateConfirmed(1000);
+    });
+    device.setReportRate(1000);
+    bench.timeline.setObserver({});
+    QCOMPARE(bench.take(),
+             timelineText({u"call setReportRate(1000)"_s, u"signal isReportRateChangePendingChanged(true)"_s,
+                           u"signal isReportRateChangePendingChanged(false)"_s,
+                           u"receiver setReportRate(1000) -> true"_s, u"signal reportRateChanged(1000)"_s}));
+    QVERIFY(!device.device()->isReportRateChangePending());
+}
+
+void tst_ReportRate::requestIsOverWhenItsFlagIsSignalled()
+{
+    // A slot of the flag's signal already meets a device that waits for nothing: what it reports is stored.
+    Bench bench({false, false, false});
+    HostedDevice &device = bench.started();
+    device.setReportRate(1000);
+    bench.take();
+    bench.timeline.setObserver([&](const TimelineEntry &entry) {
+        if (entry.name == u"isReportRateChangePendingChanged")
+            device.device()->reportRateConfirmed(250);
+    });
+    device.reportRateConfirmed(1000);
+    bench.timeline.setObserver({});
+    QCOMPARE(bench.take(),
+             timelineText({u"call reportRateConfirmed(1000)"_s,
+                           u"signal isReportRateChangePendingChanged(false)"_s,
+                           u"signal reportRateChanged(250)"_s, u"signal reportRateChanged(1000)"_s}));
 }
 
 void tst_ReportRate::refusedRequestIsOverWhenItsFlagIsSignalled()
