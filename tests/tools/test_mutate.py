@@ -4,6 +4,7 @@ import contextlib
 import importlib.machinery
 import importlib.util
 import io
+import shlex
 import subprocess
 import sys
 import tempfile
@@ -188,9 +189,8 @@ class Usage(unittest.TestCase):
         )
 
     def test_list_may_be_cut_short(self):
-        process = subprocess.run(
-            f"{sys.executable} -B {TOOL} --list | head -n 1", shell=True, capture_output=True, text=True, check=False
-        )
+        command = f"{shlex.quote(sys.executable)} -B {shlex.quote(str(TOOL))} --list | head -n 1"
+        process = subprocess.run(command, shell=True, capture_output=True, text=True, check=False)
         self.assertEqual((len(process.stdout.splitlines()), process.stderr), (1, ""))
 
     def test_refuses_no_jobs(self):
