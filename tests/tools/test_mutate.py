@@ -114,7 +114,7 @@ class Judges(unittest.TestCase):
         for name in ("features/tst_Dpi", "features/tst_Settings", "model/tst_Model", "simulator/tst_Timeline"):
             self.add(name, 0)
         found, ran = self.killer("Settings")
-        library = f"mutant/{self.tool.LIBRARY}"
+        library = f"mutant/{self.tool.PLUGIN_FILE}"
         self.assertEqual(found, (None, False))
         self.assertEqual(ran, [[name, library] for name in ("tst_Settings", "tst_Dpi", "tst_Model")])
 
