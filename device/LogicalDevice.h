@@ -204,8 +204,21 @@ private:
             QMetaObject::invokeMethod(this, std::move(emission), Qt::QueuedConnection);
     }
 
-    // QThread::isCurrentThread() would be cheaper, but takes a thread for the one that it got the number of.
-    bool isOnOwnThread() const { return thread() == QThread::currentThread(); }
+    bool isOnOwnThread() const { return currentThread() == thread(); }
+
+    // A thread stays the QThread that it is, so each asks Qt but once. Not with MinGW: its thread-local
+    // variables stay behind when the library is unloaded.
+    static const QThread *currentThread()
+    {
+#ifdef __MINGW32__
+        return QThread::currentThread();
+#else
+        static thread_local const QThread *current = nullptr;
+        if (Q_UNLIKELY(!current))
+            current = QThread::currentThread();
+        return current;
+#endif
+    }
 
     // Stores a pending flag; emits its signal by the rule above when that changes it. Flag and signal are
     // template arguments because the closure holds the object only.

@@ -49,6 +49,25 @@ bool isReleasedByTimer(Bench &bench)
                            deadline);
 }
 
+// Waits until the timer's slot wrote its line, with this value of the flag.
+bool isTimeoutWritten(Bench &bench, bool wasPressed)
+{
+    const QString line = timeoutLines(wasPressed).constFirst();
+    return QTest::qWaitFor([&] { return bench.timeline.lines().contains(line); }, deadline);
+}
+
+// The host reports these events from inside the first entry that reads so.
+void reportInside(Bench &bench, HostedDevice &device, const QString &line, const QList<quint8> &events)
+{
+    bench.timeline.setObserver([&bench, &device, line, events](const TimelineEntry &entry) {
+        if (Timeline::line(entry, Timeline::Style::Plain) != line)
+            return;
+        bench.timeline.setObserver({});
+        for (const quint8 event : events)
+            device.device()->mouseEventCallBack(event);
+    });
+}
+
 /// Writes down the timers that run out while it lives. Filters all events of the process.
 class TimerWatch : public QObject
 {
@@ -80,6 +99,11 @@ private Q_SLOTS:
     void heldButtonIsOnePressAndOneRelease();
     void buttonsAreToldInOrder();
     void reportFromInsideAButtonEventCounts();
+    void buttonThatWasToldIsNotLookedAtAgain();
+    void keyIsDownBeforeTheHostHearsOfIt();
+    void tapThatEndsInsideItsPressLeavesTheTimer();
+    void keyIsUpBeforeTheHostHearsOfTheTimer();
+    void timerIsStoppedBeforeItsLine();
     void everyButtonHasItsBit_data();
     void everyButtonHasItsBit();
     void releasesAndPressesOfOneReport();
@@ -140,6 +164,67 @@ void tst_MouseEvents::reportFromInsideAButtonEventCounts()
     QCOMPARE(bench.take(),
              timelineText({u"call mouseEventCallBack(31)"_s, buttonLine(1, true), buttonLine(2, true),
                            buttonLine(3, true), buttonLine(4, true), buttonLine(5, true)}));
+}
+
+void tst_MouseEvents::buttonThatWasToldIsNotLookedAtAgain()
+{
+    // From inside the event of the second button the host reports that the first is up again.
+    Bench bench({false, false, false});
+    HostedDevice &device = bench.started();
+    reportInside(bench, device, buttonLine(2, true), {0x02});
+    device.mouseEventCallBack(0x03);
+    QCOMPARE(bench.take(), timelineText({u"call mouseEventCallBack(3)"_s, buttonLine(1, true),
+                                         buttonLine(2, true), buttonLine(1, false)}));
+}
+
+void tst_MouseEvents::keyIsDownBeforeTheHostHearsOfIt()
+{
+    Bench bench({false, false, false});
+    HostedDevice &device = bench.started();
+    reportInside(bench, device, ctrlLine(true), {0x80});
+    device.mouseEventCallBack(0x80);
+    QCOMPARE(bench.take(), timelineText({u"call mouseEventCallBack(128)"_s, ctrlLine(true)}));
+}
+
+void tst_MouseEvents::tapThatEndsInsideItsPressLeavesTheTimer()
+{
+    // The timer is started when the host has heard of the press, and so after the report of the release.
+    Bench bench({false, false, false});
+    HostedDevice &device = bench.started();
+    reportInside(bench, device, ctrlLine(true), {0x00});
+    device.mouseEventCallBack(0x80);
+    QCOMPARE(bench.take(),
+             timelineText({u"call mouseEventCallBack(128)"_s, ctrlLine(true), ctrlLine(false)}));
+    bench.host.initialize(&bench.hostServices, true, true, true);
+    bench.take();
+    QVERIFY(isTimeoutWritten(bench, false));
+    QCOMPARE(bench.take(), timelineText(timeoutLines(false)));
+}
+
+void tst_MouseEvents::keyIsUpBeforeTheHostHearsOfTheTimer()
+{
+    Bench bench({false, false, false});
+    HostedDevice &device = bench.started();
+    device.mouseEventCallBack(0x80);
+    reportInside(bench, device, ctrlLine(false), {0x00});
+    bench.take();
+    QVERIFY(isReleasedByTimer(bench));
+    QCOMPARE(bench.take(), ctrlLine(false));
+}
+
+void tst_MouseEvents::timerIsStoppedBeforeItsLine()
+{
+    // A tap that starts from inside the line runs on: the timer fires once more, with nothing to release.
+    Bench bench;
+    HostedDevice &device = bench.started();
+    device.mouseEventCallBack(0x80);
+    bench.take();
+    reportInside(bench, device, timeoutLines(true).constFirst(), {0x00, 0x80});
+    QVERIFY(isTimeoutWritten(bench, false));
+    // Qt keeps lines that are written from inside another from the recorder.
+    QCOMPARE(bench.take(), timelineText(QStringList{timeoutLines(true).constFirst(), ctrlLine(false),
+                                                    ctrlLine(true), ctrlLine(false)} +
+                                        timeoutLines(false)));
 }
 
 void tst_MouseEvents::everyButtonHasItsBit_data()
