@@ -59,9 +59,10 @@ void divertedButtons(HostedDevice &device)
     device.setButtonsOrKeysToDefault();
 }
 
-void addRow(const char *name, const Story &story, int refused, const QString &flags, const QString &timeline)
+void addRow(const QByteArray &name, const Story &story, int refused, const QString &flags,
+            const QString &timeline)
 {
-    QTest::newRow(name) << story << refused << flags << timeline;
+    QTest::newRow(name.constData()) << story << refused << flags << timeline;
 }
 
 void addReportRateRows()
@@ -135,47 +136,52 @@ void addSlotValuesRows()
            first + pending + second + accepted + confirmation + repetition + refused + ended);
 }
 
+/// What the active slot's story says, or the DPI button's: they differ in their words alone.
+struct Words
+{
+    QString first, second, confirmation, repetition;
+    QString pendingChanged, refused, changed;
+};
+
+void addRowsOf(const QByteArray &name, const Story &story, const QString &flag, const Words &words)
+{
+    const QString first = words.first + u" -> "_s;
+    const QString second = words.second + u" -> "_s;
+    const QString waitsForTheSecond = words.confirmation + u'\n' + words.repetition + u" -> "_s;
+    const QString pending = u"true\nsignal %1(true)\n"_s.arg(words.pendingChanged);
+    const QString refused = u"false\nwarning RV418.LogicalDevice: "_s + words.refused;
+    const QString ended = u"\nsignal %1(false)"_s.arg(words.pendingChanged);
+
+    addRow(name + "-none", story, 0, flag,
+           first + pending + second + u"true\n"_s + waitsForTheSecond + u"true"_s);
+    addRow(name + "-first", story, 1, flag,
+           first + refused + u'\n' + second + pending + waitsForTheSecond + u"true"_s);
+    // Nothing is waited for, so the report is the mouse's state.
+    addRow(name + "-second", story, 2, {},
+           first + pending + second + refused + ended + u'\n' + words.confirmation + u"\nsignal "_s +
+               words.changed);
+    addRow(name + "-repeated", story, 3, {},
+           first + pending + second + u"true\n"_s + waitsForTheSecond + refused + ended);
+}
+
 void addActiveSlotRows()
 {
-    const QString first = u"call setActiveDpiSlotIndex(3)\nreceiver setDpiButtonAndActiveSlot(15, 3) -> "_s;
-    const QString second = u"call setActiveDpiSlotIndex(4)\nreceiver setDpiButtonAndActiveSlot(15, 4) -> "_s;
-    const QString confirmation = u"call activeDpiSlotIndexConfirmed(5)\n"_s;
-    const QString repetition = u"receiver setDpiButtonAndActiveSlot(15, 4) -> "_s;
-    const QString pending = u"true\nsignal isActiveDpiSlotIndexChangePendingChanged(true)\n"_s;
-    const QString refused = u"false\nwarning RV418.LogicalDevice: Dongle set active DPI slot index failed"_s;
-    const QString ended = u"\nsignal isActiveDpiSlotIndexChangePendingChanged(false)"_s;
-
-    addRow("active-slot-none", activeSlots, 0, u"active slot"_s,
-           first + pending + second + u"true\n"_s + confirmation + repetition + u"true"_s);
-    addRow("active-slot-first", activeSlots, 1, u"active slot"_s,
-           first + refused + u'\n' + second + pending + confirmation + repetition + u"true"_s);
-    // Nothing is waited for, so the report is the mouse's state.
-    addRow("active-slot-second", activeSlots, 2, {},
-           first + pending + second + refused + ended + u'\n' + confirmation +
-               u"signal activeDpiSlotIndexChanged(5)"_s);
-    addRow("active-slot-repeated", activeSlots, 3, {},
-           first + pending + second + u"true\n"_s + confirmation + repetition + refused + ended);
+    addRowsOf("active-slot", activeSlots, u"active slot"_s,
+              {u"call setActiveDpiSlotIndex(3)\nreceiver setDpiButtonAndActiveSlot(15, 3)"_s,
+               u"call setActiveDpiSlotIndex(4)\nreceiver setDpiButtonAndActiveSlot(15, 4)"_s,
+               u"call activeDpiSlotIndexConfirmed(5)"_s, u"receiver setDpiButtonAndActiveSlot(15, 4)"_s,
+               u"isActiveDpiSlotIndexChangePendingChanged"_s, u"Dongle set active DPI slot index failed"_s,
+               u"activeDpiSlotIndexChanged(5)"_s});
 }
 
 void addDpiButtonRows()
 {
-    const QString first = u"call setDpiButtonId(6)\nreceiver setDpiButtonAndActiveSlot(6, 0) -> "_s;
-    const QString second = u"call setDpiButtonId(7)\nreceiver setDpiButtonAndActiveSlot(7, 0) -> "_s;
-    const QString confirmation = u"call dpiButtonIdConfirmed(8)\n"_s;
-    const QString repetition = u"receiver setDpiButtonAndActiveSlot(7, 0) -> "_s;
-    const QString pending = u"true\nsignal isDpiButtonIdChangePendingChanged(true)\n"_s;
-    const QString refused = u"false\nwarning RV418.LogicalDevice: Dongle set dpi button id failed"_s;
-    const QString ended = u"\nsignal isDpiButtonIdChangePendingChanged(false)"_s;
-
-    addRow("dpi-button-none", dpiButtons, 0, u"DPI button"_s,
-           first + pending + second + u"true\n"_s + confirmation + repetition + u"true"_s);
-    addRow("dpi-button-first", dpiButtons, 1, u"DPI button"_s,
-           first + refused + u'\n' + second + pending + confirmation + repetition + u"true"_s);
-    addRow("dpi-button-second", dpiButtons, 2, {},
-           first + pending + second + refused + ended + u'\n' + confirmation +
-               u"signal dpiButtonIdChanged(8)"_s);
-    addRow("dpi-button-repeated", dpiButtons, 3, {},
-           first + pending + second + u"true\n"_s + confirmation + repetition + refused + ended);
+    addRowsOf("dpi-button", dpiButtons, u"DPI button"_s,
+              {u"call setDpiButtonId(6)\nreceiver setDpiButtonAndActiveSlot(6, 0)"_s,
+               u"call setDpiButtonId(7)\nreceiver setDpiButtonAndActiveSlot(7, 0)"_s,
+               u"call dpiButtonIdConfirmed(8)"_s, u"receiver setDpiButtonAndActiveSlot(7, 0)"_s,
+               u"isDpiButtonIdChangePendingChanged"_s, u"Dongle set dpi button id failed"_s,
+               u"dpiButtonIdChanged(8)"_s});
 }
 
 // Nobody hears of a refusal: no warning, no flag.

@@ -15,22 +15,14 @@ namespace {
 // Everything between "start enter" and "start exit" on the sane receiver, the report rates included.
 QStringList wholeBinding()
 {
-    return {u"receiver getFirmwareVersion() -> 258"_s,
-            u"receiver hasBatteryLevel() -> true"_s,
-            u"receiver getStatusValue() -> 31"_s,
-            u"receiver getBatteryLevel() -> 80"_s,
-            u"receiver getDeviceValue() -> 32"_s,
-            u"receiver requestInitialState1() -> true"_s,
-            u"receiver requestInitialState2() -> true"_s,
-            u"receiver requestInitialState3() -> true"_s,
-            u"receiver isSmartPointerSupported() -> true"_s,
-            u"receiver getReportRateInfo() -> true"_s,
-            debugLine(u"got supported report rate :  125"_s),
-            debugLine(u"got supported report rate :  250"_s),
-            debugLine(u"got supported report rate :  500"_s),
-            debugLine(u"got current report rate :  500"_s),
-            debugLine(u"got supported report rate :  1000"_s),
-            u"receiver getLevelValue() -> 33"_s};
+    const QStringList calls = bindingLines();
+    return calls.mid(0, calls.size() - 1) +
+           QStringList{debugLine(u"got supported report rate :  125"_s),
+                       debugLine(u"got supported report rate :  250"_s),
+                       debugLine(u"got supported report rate :  500"_s),
+                       debugLine(u"got current report rate :  500"_s),
+                       debugLine(u"got supported report rate :  1000"_s)} +
+           QStringList{calls.constLast()};
 }
 
 QStringList wholeStart(const QStringList &binding, const QString &announcement)

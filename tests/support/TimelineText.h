@@ -10,3 +10,6 @@ QString timelineText(const QStringList &lines);
 QString debugLine(const QString &text);
 QString warningLine(const QString &text);
 QString criticalLine(const QString &text);
+
+/// What a start asks the sane receiver, in its order, without log lines.
+QStringList bindingLines();
