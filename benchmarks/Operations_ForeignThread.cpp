@@ -46,7 +46,8 @@ public:
             m_wanted = std::min(left, reportsInQueue);
             m_go.release();
             m_done.acquire();
-            QCoreApplication::sendPostedEvents(&m_measured.object());
+            // Of all objects, as an event loop does: Qt keeps the places of what is delivered to one alone.
+            QCoreApplication::sendPostedEvents();
         }
     }
 

@@ -18,7 +18,9 @@ constexpr quint8 reportedBits = buttonBits | smartPointerBit;
 // out of line, so that they save no registers for it.
 void LogicalDevice::mouseEventCallBack(quint8 mouseEvent)
 {
-    if (((mouseEvent ^ heldButtonsOrKeys()) & reportedBits) != 0 || Q_UNLIKELY(debugLogEnabled()))
+    const uint changed = (mouseEvent ^ heldButtonsOrKeys()) & reportedBits;
+    // One question instead of two.
+    if (Q_UNLIKELY((changed | uint(debugLogEnabled())) != 0))
         takeMouseEvent(mouseEvent);
 }
 
