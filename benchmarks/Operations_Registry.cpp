@@ -112,7 +112,7 @@ void add(std::vector<Subject> &subjects, Variant variant, int deviceCount)
 
 void addRegistry(std::vector<Subject> &subjects)
 {
-    for (const int deviceCount : {0, 10, 100, 200, 500, 1000}) {
+    for (const int deviceCount : {0, 1, 10, 100, 200, 500, 1000}) {
         add<ProductRegistry>(subjects, Variant::Product, deviceCount);
         add<FloorRegistry>(subjects, Variant::Floor, deviceCount);
     }

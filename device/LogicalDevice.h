@@ -1,12 +1,12 @@
 #pragma once
 
+#include "CurrentThread.h"
 #include "DeviceId.h"
 #include "ILogicalDeviceGen3.h"
 #include "ILogicalDeviceGen3Mouse.h"
 
 #include <QtCore/QMetaObject>
 #include <QtCore/QObject>
-#include <QtCore/QThread>
 #include <QtCore/QTimer>
 
 #include <bitset>
@@ -205,20 +205,6 @@ private:
     }
 
     bool isOnOwnThread() const { return currentThread() == thread(); }
-
-    // A thread stays the QThread that it is, so each asks Qt but once. Not with MinGW: its thread-local
-    // variables stay behind when the library is unloaded.
-    static const QThread *currentThread()
-    {
-#ifdef __MINGW32__
-        return QThread::currentThread();
-#else
-        static thread_local const QThread *current = nullptr;
-        if (Q_UNLIKELY(!current))
-            current = QThread::currentThread();
-        return current;
-#endif
-    }
 
     // Stores a pending flag; emits its signal by the rule above when that changes it. Flag and signal are
     // template arguments because the closure holds the object only.

@@ -127,6 +127,32 @@ class Judges(unittest.TestCase):
         self.assertEqual([name for name, _ in ran], ["tst_Dpi", "tst_Settings"])
 
 
+class Outcomes(unittest.TestCase):
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.program = Path(folder.name) / "tst_Thing"
+        self.tool = load()
+
+    def outcome(self, text):
+        self.program.write_text(f"#!/bin/sh\n{text}\n", encoding="utf-8")
+        self.program.chmod(0o755)
+        return self.tool.outcome_of(self.program, {})
+
+    def test_exit_code(self):
+        self.assertEqual(self.outcome("echo 'PASS   : tst_Thing::works()'"), "survived")
+        self.assertEqual(self.outcome("exit 1"), "killed")
+        self.assertEqual(self.outcome("kill -SEGV $$"), "killed")
+
+    def test_first_failure_is_enough(self):
+        # Whatever comes after it is not waited for.
+        self.assertEqual(self.outcome("echo 'FAIL!  : tst_Thing::works() no'; exec sleep 1000"), "killed")
+
+    def test_what_hangs(self):
+        self.tool.HANGS_AFTER = 0.2
+        self.assertEqual(self.outcome("exec sleep 1000"), "hangs")
+
+
 class Report(unittest.TestCase):
     def setUp(self):
         folder = tempfile.TemporaryDirectory()
@@ -134,10 +160,10 @@ class Report(unittest.TestCase):
         self.tool = load()
         self.tool.EXPLAINED = Path(folder.name) / "explained.txt"
 
-    def report(self, outcomes, explained=""):
+    def report(self, outcomes, explained="", same=False):
         self.tool.EXPLAINED.write_text(explained, encoding="utf-8")
         file = Path("device/Thing.cpp")
-        mutants = [self.tool.Mutant(file, line, f"change {line}", "") for line in range(len(outcomes))]
+        mutants = [self.tool.Mutant(file, line, f"change {0 if same else line}", "") for line in range(len(outcomes))]
         said, complained = io.StringIO(), io.StringIO()
         with contextlib.redirect_stdout(said), contextlib.redirect_stderr(complained):
             code = self.tool.report(mutants, outcomes, {str(file)})
@@ -159,6 +185,13 @@ class Report(unittest.TestCase):
             self.report(["killed", "survived"], "# Nobody sees it.\ndevice/Thing.cpp: change 1\n"),
             (0, "2 mutants: 1 killed, 0 hang, 0 do not compile, 1 explained, 0 survived\n", ""),
         )
+
+    def test_each_survivor_needs_a_line(self):
+        line = "device/Thing.cpp: change 0\n"
+        survived = ["survived", "survived"]
+        self.assertEqual(self.report(survived, line, same=True)[0], 1)
+        self.assertEqual(self.report(survived, 2 * line, same=True)[0], 0)
+        self.assertEqual(self.report(["survived", "killed"], 2 * line, same=True)[0], 1)
 
     def test_explanation_of_what_is_killed(self):
         code, _, complaint = self.report(["killed"], "device/Thing.cpp: change 0\n")
