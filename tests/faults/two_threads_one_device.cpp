@@ -1,5 +1,6 @@
-// Two threads change the DPI of one device, which no host may do. ThreadSanitizer has to tell it whatever
-// tsan-suppressions.txt says.
+// Two threads change the DPI of one device, or, with an argument, one changes its list of slot values while
+// the other delivers the emissions of earlier changes. No host may do either. ThreadSanitizer has to tell it
+// whatever tsan-suppressions.txt says.
 #include "Bench.h"
 #include "CountingReceiver.h"
 #include "ILogicalDevicePlugin.h"
@@ -8,6 +9,9 @@
 
 #include <QtCore/QCoreApplication>
 
+#include <atomic>
+#include <thread>
+
 int main(int argc, char **argv)
 {
     const QCoreApplication application(argc, argv);
@@ -15,10 +19,25 @@ int main(int argc, char **argv)
     CountingReceiver receiver(bench.timeline);
     const WatchedDevice device(
         dynamic_cast<ILogicalDeviceGen3Mouse *>(bench.host.factory()->createLogicalDevice(&receiver, 1)));
-    const auto change = [&] {
+    const auto changeDpi = [&] {
         for (int value = 1; value <= 1000; ++value)
             device->dpiValueChangedCallBack(value);
     };
-    runAtOnce({change, change});
+    std::atomic<bool> isDone{false};
+    const auto changeSlotValues = [&] {
+        for (quint16 value = 1; value <= 20000; ++value) {
+            const quint16 values[] = {value, value, value, value, value};
+            device->dpiSlotValuesChangedCallBack(values);
+        }
+        isDone = true;
+    };
+    if (argc == 1) {
+        runAtOnce({changeDpi, changeDpi});
+    } else {
+        std::thread reporter(changeSlotValues);
+        while (!isDone.load(std::memory_order_relaxed))
+            QCoreApplication::processEvents();
+        reporter.join();
+    }
     return 0;
 }
