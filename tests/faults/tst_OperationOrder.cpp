@@ -9,6 +9,8 @@
 #include <QtCore/QRegularExpression>
 #include <QtTest/QTest>
 
+#include <utility>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -83,7 +85,7 @@ QStringList methodsOf(const QMetaObject &metaObject, QMetaMethod::MethodType kin
     return names;
 }
 
-// All that a host, a receiver or a timer can call on a device, sorted.
+// All that a host, a receiver or a timer can call on a device.
 QStringList callableOperations(const QMetaObject &device)
 {
     QStringList names = slotsOfTable(u"ILogicalDeviceGen3Mouse"_s) + slotsOfTable(u"ILogicalDeviceGen3"_s) +
@@ -94,7 +96,6 @@ QStringList callableOperations(const QMetaObject &device)
     const QStringList signalsOfReceivers = methodsOf(ReceiverBase::staticMetaObject, QMetaMethod::Signal);
     for (const QString &signal : signalsOfReceivers)
         names += u"receiver::"_s + signal;
-    names.sort();
     return names;
 }
 
@@ -154,8 +155,15 @@ void tst_OperationOrder::everyOperationHasOneRow()
         QVERIFY2(qstrlen(operation.reason) > 0, operation.name);
         told += QString::fromLatin1(operation.name);
     }
-    told.sort();
-    QCOMPARE(told.join(u'\n'), callableOperations(*bench.create().object()->metaObject()).join(u'\n'));
+    QStringList untold = callableOperations(*bench.create().object()->metaObject());
+    QStringList surplus;
+    for (const QString &name : std::as_const(told)) {
+        if (!untold.removeOne(name))
+            surplus += name;
+    }
+    QCOMPARE(untold.join(u' '), QString());
+    // Of no operation, or the second one of an operation.
+    QCOMPARE(surplus.join(u' '), QString());
 }
 
 void tst_OperationOrder::beforeStart()
