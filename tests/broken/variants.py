@@ -5,7 +5,27 @@ from dataclasses import dataclass, field
 from pathlib import Path
 
 HERE = Path(__file__).resolve().parent
+PRODUCT = HERE.parent.parent
 WAYS = ("fail", "crash", "hang")
+BUILDS = ("linux", "sanitized", "windows")
+
+# The keys of a variant in the file, and what they are called here.
+KEYS = {
+    "name": "name",
+    "category": "category",
+    "file": "file",
+    "from": "old",
+    "to": "new",
+    "compile": "compile",
+    "moc": "moc",
+    "options": "options",
+    "link-options": "link_options",
+    "test": "test",
+    "by": "by",
+    "says": "says",
+    "without": "without",
+    "reason": "reason",
+}
 
 
 class BadInput(Exception):
@@ -15,13 +35,19 @@ class BadInput(Exception):
 @dataclass
 class Variant:
     name: str
-    file: str
+    category: str
     test: str
+    file: str = ""
     by: str = "fail"
+    says: str = ""
     old: str = ""
     new: str = ""
-    options: list = field(default_factory=list)
-    has_options: bool = False
+    compile: list = field(default_factory=list)
+    moc: str = ""
+    options: list | None = None
+    link_options: list = field(default_factory=list)
+    without: list = field(default_factory=list)
+    reason: str = ""
 
     @property
     def program(self):
@@ -29,7 +55,14 @@ class Variant:
 
     @property
     def function(self):
+        """Empty when the test is a check that is no test program."""
         return self.test.partition("::")[2]
+
+    @property
+    def sources(self):
+        """The sources that are compiled anew, in the product's folder."""
+        is_source = Path(self.file).suffix == ".cpp"
+        return self.compile or ([self.file] if is_source else [])
 
     def changed(self, source):
         """The text of the product's file with the fault in it."""
@@ -39,33 +72,50 @@ class Variant:
             raise BadInput(f"{self.name}: the text to change is {source.count(self.old)} times in {self.file}, not once")
         return source.replace(self.old, self.new)
 
+    def problem(self):
+        """What is wrong with it, or nothing."""
+        if self.by not in WAYS:
+            return f"by is one of {', '.join(WAYS)}"
+        if not self.function and not self.says:
+            return "test is program::function, or a check and what it says"
+        if not (self.old or self.options is not None or self.link_options):
+            return "there is no fault"
+        if self.old and not self.file:
+            return "from is a text of a file"
+        if set(self.without) - set(BUILDS) or bool(self.without) != bool(self.reason):
+            return f"without names some of {', '.join(BUILDS)}, and has a reason"
+        return ""
 
-def read_variants(path=HERE / "variants.toml"):
+
+def read_list(path=HERE / "variants.toml"):
+    """The categories and the variants."""
     try:
-        entries = tomllib.loads(path.read_text(encoding="utf-8"))["variant"]
+        content = tomllib.loads(path.read_text(encoding="utf-8"))
+        entries, categories = content["variant"], content["categories"]
     except (OSError, tomllib.TOMLDecodeError, KeyError) as error:
         raise BadInput(f"{path} cannot be read ({error})") from None
     variants = [variant_of(entry) for entry in entries]
     names = [variant.name for variant in variants]
     if len(set(names)) != len(names):
         raise BadInput(f"{path} has a name twice")
-    return variants
+    for variant in variants:
+        if variant.category not in categories:
+            raise BadInput(f"{variant.name}: there is no category '{variant.category}' (there are: {categories})")
+    return categories, variants
+
+
+def read_variants(path=HERE / "variants.toml"):
+    return read_list(path)[1]
 
 
 def variant_of(entry):
-    missing = {"name", "file", "test"} - entry.keys()
+    missing = {"name", "category", "test"} - entry.keys()
     if missing:
         raise BadInput(f"a variant has no {', '.join(sorted(missing))}: {entry}")
-    variant = Variant(
-        name=entry["name"],
-        file=entry["file"],
-        test=entry["test"],
-        by=entry.get("by", "fail"),
-        old=entry.get("from", ""),
-        new=entry.get("to", ""),
-        options=entry.get("options", []),
-        has_options="options" in entry,
-    )
-    if variant.by not in WAYS or not variant.function or not (variant.old or variant.has_options):
-        raise BadInput(f"{variant.name}: by is one of {', '.join(WAYS)}, test is program::function, and there is a fault")
+    unknown = entry.keys() - KEYS.keys()
+    if unknown:
+        raise BadInput(f"{entry['name']}: there is no key {', '.join(sorted(unknown))}")
+    variant = Variant(**{KEYS[key]: value for key, value in entry.items()})
+    if variant.problem():
+        raise BadInput(f"{variant.name}: {variant.problem()}")
     return variant

@@ -4,3 +4,6 @@
 /// the program has allocation functions of its own, which count and call those of the C library.
 /// Exact while no other thread is running.
 long outstandingBlocks();
+
+/// The same in bytes, as the heap has them: a block may be a little larger than what was asked for.
+long outstandingBytes();

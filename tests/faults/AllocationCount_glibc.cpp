@@ -18,11 +18,19 @@ void __libc_free(void *block);
 namespace {
 
 std::atomic<long> outstanding{0};
+std::atomic<long> outstandingSize{0};
+
+long sizeOf(void *block)
+{
+    return static_cast<long>(malloc_usable_size(block));
+}
 
 void *counted(void *block)
 {
-    if (block)
+    if (block) {
         outstanding.fetch_add(1, std::memory_order_relaxed);
+        outstandingSize.fetch_add(sizeOf(block), std::memory_order_relaxed);
+    }
     return block;
 }
 
@@ -31,6 +39,11 @@ void *counted(void *block)
 long outstandingBlocks()
 {
     return outstanding.load(std::memory_order_relaxed);
+}
+
+long outstandingBytes()
+{
+    return outstandingSize.load(std::memory_order_relaxed);
 }
 
 extern "C" {
@@ -53,7 +66,11 @@ extern "C" {
         free(block);
         return nullptr;
     }
-    return __libc_realloc(block, size);
+    const long before = sizeOf(block);
+    void *moved = __libc_realloc(block, size);
+    if (moved)
+        outstandingSize.fetch_add(sizeOf(moved) - before, std::memory_order_relaxed);
+    return moved;
 }
 
 [[gnu::visibility("default")]] void free(void *block) noexcept
@@ -61,6 +78,7 @@ extern "C" {
     if (!block)
         return;
     outstanding.fetch_sub(1, std::memory_order_relaxed);
+    outstandingSize.fetch_sub(sizeOf(block), std::memory_order_relaxed);
     __libc_free(block);
 }
 

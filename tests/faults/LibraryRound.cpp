@@ -52,7 +52,26 @@ bool hasProfile()
     return QFile::exists(u":/com.orvane.KVX.Plugin.LogicalDevice.RV418/DefaultProfile.json"_s);
 }
 
-void use(Bench &bench, HostedDevice &device)
+// Three calls whose rest waits for the device's thread.
+void queueCalls(HostedDevice &device, StepThread &otherThread, int value)
+{
+    otherThread.run([&] {
+        device.setFirmwareVersion(static_cast<uint>(value));
+        device.setBatteryLevel(value);
+        device.setReportRate(value);
+    });
+}
+
+int deliveredSignals(Bench &bench)
+{
+    bench.timeline.clear();
+    QCoreApplication::sendPostedEvents();
+    return static_cast<int>(bench.timeline.entries().size());
+}
+
+}  // namespace
+
+void useOnce(Bench &bench, HostedDevice &device)
 {
     constexpr quint16 values[5] = {200, 300, 400, 500, 600};
     Q_EMIT bench.receiver.dpiMinChanged(100);
@@ -73,25 +92,6 @@ void use(Bench &bench, HostedDevice &device)
     device.device()->deviceImage();
 }
 
-// Three calls whose rest waits for the device's thread.
-void queueCalls(HostedDevice &device, StepThread &otherThread, int value)
-{
-    otherThread.run([&] {
-        device.setFirmwareVersion(static_cast<uint>(value));
-        device.setBatteryLevel(value);
-        device.setReportRate(value);
-    });
-}
-
-int deliveredSignals(Bench &bench)
-{
-    bench.timeline.clear();
-    QCoreApplication::sendPostedEvents();
-    return static_cast<int>(bench.timeline.entries().size());
-}
-
-}  // namespace
-
 QString liveOnce(StepThread &otherThread)
 {
     Life life;
@@ -107,7 +107,7 @@ QString liveOnce(StepThread &otherThread)
         second->start();
         life.firstNumber = first->device()->instanceNumber();
         life.secondNumber = second->device()->instanceNumber();
-        use(bench, *first);
+        useOnce(bench, *first);
         queueCalls(*first, otherThread, 250);
         life.delivered = deliveredSignals(bench);
         queueCalls(*first, otherThread, 125);

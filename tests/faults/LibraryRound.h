@@ -2,6 +2,8 @@
 
 #include <QtCore/QString>
 
+class Bench;
+class HostedDevice;
 class StepThread;
 
 /// One life of the library in the process, as a host leads it: load, initialize, create, start, use, destroy, unload,
@@ -11,6 +13,9 @@ QString liveOnce(StepThread &otherThread);
 
 /// What a life has to show.
 QString wholeLife();
+
+/// What a host does with a device and its mouse: each kind of request, confirmed or not, and each kind of report.
+void useOnce(Bench &bench, HostedDevice &device);
 
 /// How many lives a test plays: KVX_LIFECYCLE_ROUNDS, else what this build is given time for.
 int roundsToPlay();

@@ -1,37 +1,29 @@
 #include "OperationTable.h"
 
 #include "Bench.h"
+#include "OperationRows.h"
 
 using namespace Qt::StringLiterals;
+
+using namespace OperationRows;
 
 namespace {
 
 constexpr quint16 factoryValues[5] = {800, 1600, 2400, 3200, 4000};
 const ReportRateInfo otherRates{0, 250, {125, 250, 0, 0}};
 
-// An operation whose second call is seen alone, receiver or not.
-Operation sameEverywhere(const char *name, const std::function<void(HostedDevice &)> &call,
-                         const QString &line, const QString &effect)
-{
-    return {name, call, line + effect, line, line + effect, line};
-}
-
-// The same whenever and wherever it is called.
-Operation always(const char *name, const std::function<void(HostedDevice &)> &call, const QString &lines)
-{
-    return {name, call, lines, lines, lines, lines};
-}
-
-std::vector<Operation> reportsOfTheMouse()
+Operations reportsOfTheMouse()
 {
     return {
-        {"capabilityChangedCallBack", [](HostedDevice &device) { device.capabilityChangedCallBack(1); },
+        {"capabilityChangedCallBack",
+         hosted([](HostedDevice &device) { device.capabilityChangedCallBack(1); }),
          u"call capabilityChangedCallBack(1)\n"
          "receiver isSmartPointerSupported() -> false\n"
          "signal isSmartPointerSupportedChanged(false)"_s,
          u"call capabilityChangedCallBack(1)\n"
          "receiver isSmartPointerSupported() -> false"_s,
-         u"call capabilityChangedCallBack(1)"_s, u"call capabilityChangedCallBack(1)"_s},
+         u"call capabilityChangedCallBack(1)"_s, u"call capabilityChangedCallBack(1)"_s,
+         SignalThread::Calling},
         sameEverywhere(
             "mouseEventCallBack", [](HostedDevice &device) { device.mouseEventCallBack(0x81); },
             u"call mouseEventCallBack(129)"_s,
@@ -39,7 +31,7 @@ std::vector<Operation> reportsOfTheMouse()
             "host buttonEvent(\"com.orvane.KVX.Plugin.LogicalDevice.RV418\", 1, true)"_s),
         sameEverywhere(
             "dpiValueChangedCallBack", [](HostedDevice &device) { device.dpiValueChangedCallBack(5); },
-            u"call dpiValueChangedCallBack(5)"_s, u"\nsignal dpiValueChanged(5)"_s),
+            u"call dpiValueChangedCallBack(5)"_s, u"\nsignal dpiValueChanged(5)"_s, SignalThread::Calling),
         sameEverywhere(
             "activeDpiSlotIndexConfirmed",
             [](HostedDevice &device) { device.activeDpiSlotIndexConfirmed(5); },
@@ -76,20 +68,20 @@ std::vector<Operation> reportsOfTheMouse()
             "signal reportRateChanged(250)"_s),
         sameEverywhere(
             "ppidChangedCallBack", [](HostedDevice &device) { device.ppidChangedCallBack(u"P"_s); },
-            u"call ppidChangedCallBack(\"P\")"_s, u"\nsignal ppidChanged(\"P\")"_s),
+            u"call ppidChangedCallBack(\"P\")"_s, u"\nsignal ppidChanged(\"P\")"_s, SignalThread::Calling),
     };
 }
 
 constexpr QLatin1StringView noReceiver("\nwarning RV418.LogicalDevice: Unknown IPhysicalDevice interface");
 
 // A request that the mouse has to confirm: sent again as long as it has not, and pending once.
-Operation request(const char *name, const std::function<void(HostedDevice &)> &call, const QString &line,
-                  const QString &sent, const QString &pending, QLatin1StringView unbound = noReceiver)
+Operation request(const char *name, const HostedCall &call, const QString &line, const QString &sent,
+                  const QString &pending, QLatin1StringView unbound = noReceiver)
 {
-    return {name, call, line + sent + pending, line + sent, line + unbound, line + unbound};
+    return {name, hosted(call), line + sent + pending, line + sent, line + unbound, line + unbound};
 }
 
-std::vector<Operation> requestsOfTheHost()
+Operations requestsOfTheHost()
 {
     return {
         request("setButtonsOrKeysToDefault", [](HostedDevice &device) { device.setButtonsOrKeysToDefault(); },
@@ -118,7 +110,7 @@ std::vector<Operation> requestsOfTheHost()
             u"call setDpiButtonId(0)"_s, u"\nreceiver setDpiButtonAndActiveSlot(6, 0) -> true"_s,
             u"\nsignal isDpiButtonIdChangePendingChanged(true)"_s),
         // Shows the new rate at once, so the second call asks for nothing new.
-        {"setReportRate", [](HostedDevice &device) { device.setReportRate(1000); },
+        {"setReportRate", hosted([](HostedDevice &device) { device.setReportRate(1000); }),
          u"call setReportRate(1000)\n"
          "signal isReportRateChangePendingChanged(true)\n"
          "receiver setReportRate(1000) -> true\n"
@@ -128,18 +120,19 @@ std::vector<Operation> requestsOfTheHost()
     };
 }
 
-std::vector<Operation> otherOperations()
+Operations otherOperations()
 {
     return {
         always(
             "stop", [](HostedDevice &device) { device.stop(); },
             u"call stop()\n"
-            "signal stopped(\"this\")"_s),
+            "signal stopped(\"this\")"_s,
+            SignalThread::Calling),
         always(
             "forwardToPhysicalDevice", [](HostedDevice &device) { device.forwardToPhysicalDevice(1, 2, 3); },
             u"call forwardToPhysicalDevice(1, 2, 3) -> 77\n"
             "receiver forwardedCall(1, 2, 3) -> 77"_s),
-        {"query26", [](HostedDevice &device) { device.query26(1, 2, 3); },
+        {"query26", hosted([](HostedDevice &device) { device.query26(1, 2, 3); }),
          u"call query26(1, 2, 3) -> 77\n"
          "receiver forwardedOperation(2, 3) -> 77"_s,
          u"call query26(1, 2, 3) -> 77\n"
@@ -160,19 +153,32 @@ std::vector<Operation> otherOperations()
     };
 }
 
-std::vector<Operation> all()
+Operations all()
 {
-    std::vector<Operation> operations = otherOperations();
-    for (const auto &part : {requestsOfTheHost(), reportsOfTheMouse()})
+    Operations operations = otherOperations();
+    for (const auto &part :
+         {requestsOfTheHost(), reportsOfTheMouse(), getters(), operationsWithoutEffect(), operationsByName()})
         operations.insert(operations.end(), part.begin(), part.end());
     return operations;
 }
 
 }  // namespace
 
-const std::vector<Operation> &everyOperation()
+const Operations &everyOperation()
 {
-    static const std::vector<Operation> operations = all();
+    static const Operations operations = all();
+    return operations;
+}
+
+const std::vector<OperationWithoutRow> &operationsWithoutRow()
+{
+    static const std::vector<OperationWithoutRow> operations{
+        {"start",
+         "it leads from one moment of a device's life to another: tests of its own in tst_OperationOrder"},
+        {"instanceNumber", "depends on the start alone, not on the receiver: tst_InstanceRegistry"},
+        {"~ILogicalDeviceGen3Mouse", "the device's last operation, which cannot come twice: tst_TableSlots"},
+        {"~ILogicalDeviceGen3", "the same through the other table"},
+    };
     return operations;
 }
 

@@ -8,12 +8,17 @@
 class Bench;
 class HostedDevice;
 
-/// One operation with an effect, called with one set of arguments, and what is to be seen of it with the log lines
-/// of debugging off: the call itself first, then receiver, host, signals and warnings.
+/// Where another thread's call emits: at once on that thread, or later on the device's.
+enum class SignalThread { Device, Calling };
+
+/// One operation, called with one set of arguments, and what is to be seen of it with the log lines of debugging off:
+/// the call itself first, then receiver, host, signals and warnings.
 struct Operation
 {
+    /// As in the tables of the interfaces or the device's meta-object; receiver:: and the name for what the receiver
+    /// signals.
     const char *name;
-    std::function<void(HostedDevice &)> call;
+    std::function<void(Bench &, HostedDevice &)> call;
     /// On a device as runningDevice() makes it.
     QString whileRunning;
     /// The second time there.
@@ -22,10 +27,24 @@ struct Operation
     QString unbound;
     /// The same for the second time.
     QString unboundAgain;
+    SignalThread signalThread = SignalThread::Device;
 };
 
-/// All but start(), which is a test of its own.
-const std::vector<Operation> &everyOperation();
+using Operations = std::vector<Operation>;
+
+/// All but those without a row.
+const Operations &everyOperation();
+
+/// What no row of the table can tell of an operation, and where it is told.
+struct OperationWithoutRow
+{
+    const char *name;
+    const char *reason;
+};
+
+/// The signals have none either, though they stand in the tables: hosts connect to them and never call them, and what
+/// a call of one does is told in tst_TableSlots.
+const std::vector<OperationWithoutRow> &operationsWithoutRow();
 
 /// A started device with a known DPI range. Its receiver has since lost the support of the smart pointer.
 HostedDevice &runningDevice(Bench &bench);

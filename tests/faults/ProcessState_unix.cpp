@@ -32,7 +32,9 @@ bool isLibraryInProcess(const QString &fileName)
 
 int openHandleCount()
 {
-    // The listing itself holds one of them, in every count.
-    return static_cast<int>(
-        QDir(QStringLiteral("/proc/self/fd")).entryList(QDir::Files | QDir::System).size());
+    // Each is a link to what is open, a file, a folder, a pipe or nothing that has a name. The listing itself
+    // holds one of them, in every count.
+    constexpr QDir::Filters everyEntry =
+        QDir::AllEntries | QDir::System | QDir::Hidden | QDir::NoDotAndDotDot;
+    return static_cast<int>(QDir(QStringLiteral("/proc/self/fd")).entryList(everyEntry).size());
 }

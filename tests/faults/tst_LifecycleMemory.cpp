@@ -1,4 +1,5 @@
 #include "AllocationCount.h"
+#include "Bench.h"
 #include "LibraryRound.h"
 #include "StepThread.h"
 
@@ -11,6 +12,32 @@ namespace {
 // Qt fills caches of its own in the first lives.
 constexpr int warmUpRounds = 20;
 
+// Enough for a text that gets a letter longer with each use to need a larger block many times over.
+constexpr int uses = 2000;
+
+// Puts back all that useOnce() changes, so that the next use has the same to do.
+void resetDevice(Bench &bench, HostedDevice &device)
+{
+    constexpr quint16 values[5] = {800, 1600, 2400, 3200, 4000};
+    Q_EMIT bench.receiver.dpiMinChanged(50);
+    Q_EMIT bench.receiver.dpiMaxChanged(4000);
+    device.dpiSlotValuesChangedCallBack(values);
+    device.activeDpiSlotIndexChangedCallBack(2);
+    device.dpiButtonIdConfirmed(4);
+    device.dpiButtonIdChangedCallBack(15);
+    device.setReportRate(500);
+    device.reportRateConfirmed(500);
+    device.setButtonsOrKeysToDefault();
+    device.resetSettings();
+    device.ppidChangedCallBack({});
+    device.mouseEventCallBack(0);
+    device.setFirmwareVersion(1);
+    device.setBatteryLevel(1);
+    device.setBatteryLevel(2);
+    device.capabilityChangedCallBack(1);
+    device.stop();
+}
+
 }  // namespace
 
 // The blocks of the heap are counted, one by one, as no size of a process could tell them.
@@ -20,7 +47,9 @@ class tst_LifecycleMemory : public QObject
 
 private Q_SLOTS:
     void everyBlockIsCounted();
+    void everyByteIsCounted();
     void noLifeLeavesABlock();
+    void noUseTakesMemory();
 };
 
 void tst_LifecycleMemory::everyBlockIsCounted()
@@ -32,6 +61,20 @@ void tst_LifecycleMemory::everyBlockIsCounted()
     const long during = outstandingBlocks();
     // Qt has a second block for the private part of an object.
     QCOMPARE(during - before, 4);
+}
+
+void tst_LifecycleMemory::everyByteIsCounted()
+{
+    const long before = outstandingBytes();
+    void *block = std::malloc(1000);
+    const long small = outstandingBytes() - before;
+    // More than the heap can add without a word.
+    block = std::realloc(block, 100000);
+    const long large = outstandingBytes() - before;
+    std::free(block);
+    QVERIFY(small >= 1000 && small < 1100);
+    QVERIFY(large >= 100000 && large < 105000);
+    QCOMPARE(outstandingBytes(), before);
 }
 
 void tst_LifecycleMemory::noLifeLeavesABlock()
@@ -47,6 +90,27 @@ void tst_LifecycleMemory::noLifeLeavesABlock()
         QVERIFY(liveOnce(otherThread) == expected);
     QCOMPARE(outstandingBlocks(), before);
     qInfo("%d lives of the library, %ld blocks of the heap in use before and after", rounds, before);
+}
+
+// One life, however long: what is used again and again stays as large as it is.
+void tst_LifecycleMemory::noUseTakesMemory()
+{
+    Bench bench;
+    HostedDevice &device = bench.started();
+    const auto useAndReset = [&] {
+        useOnce(bench, device);
+        resetDevice(bench, device);
+        bench.timeline.clear();
+    };
+    for (int use = 0; use < warmUpRounds; ++use)
+        useAndReset();
+
+    const long blocks = outstandingBlocks();
+    const long bytes = outstandingBytes();
+    for (int use = 0; use < uses; ++use)
+        useAndReset();
+    QCOMPARE(outstandingBlocks(), blocks);
+    QCOMPARE(outstandingBytes(), bytes);
 }
 
 QTEST_GUILESS_MAIN(tst_LifecycleMemory)

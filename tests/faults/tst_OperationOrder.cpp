@@ -4,7 +4,12 @@
 #include "PlainPhysicalDevice.h"
 #include "TimelineText.h"
 
+#include <QtCore/QFile>
+#include <QtCore/QMetaMethod>
+#include <QtCore/QRegularExpression>
 #include <QtTest/QTest>
+
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -20,14 +25,11 @@ struct Parts
     QStringList delivered;
 };
 
-Parts fromAnotherThread(const QStringList &lines)
+Parts fromAnotherThread(const QStringList &lines, SignalThread signalThread)
 {
-    const QStringList direct{u"stopped"_s, u"isSmartPointerSupportedChanged"_s, u"dpiValueChanged"_s,
-                             u"ppidChanged"_s};
     Parts parts;
     for (const QString &line : lines) {
-        const QString signal = line.section(u'(', 0, 0).section(u' ', 1);
-        const bool waits = line.startsWith(u"signal "_s) && !direct.contains(signal);
+        const bool waits = line.startsWith(u"signal "_s) && signalThread == SignalThread::Device;
         if (waits)
             parts.delivered += line;
         else
@@ -53,17 +55,61 @@ void addRowsForAnyThread()
     }
 }
 
+// The names of the slots in a table of the interfaces.
+QStringList slotsOfTable(const QString &interface)
+{
+    QFile file(u"" KVX_ABI_TABLES "/%1.txt"_s.arg(interface));
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
+        qFatal("%s: %s", qPrintable(file.fileName()), qPrintable(file.errorString()));
+    static const QRegularExpression slot(u"^\\d+ .*?\\w+::(~?\\w+)\\("_s);
+    QStringList names;
+    while (!file.atEnd()) {
+        const QString line = QString::fromUtf8(file.readLine()).trimmed();
+        const QRegularExpressionMatch match = slot.match(line);
+        if (!match.hasMatch())
+            qFatal("%s: this is no slot: '%s'", qPrintable(file.fileName()), qPrintable(line));
+        names += match.captured(1);
+    }
+    return names;
+}
+
+// The names of a class's own methods of a kind.
+QStringList methodsOf(const QMetaObject &metaObject, QMetaMethod::MethodType kind)
+{
+    QStringList names;
+    for (int index = metaObject.methodOffset(); index < metaObject.methodCount(); ++index) {
+        const QMetaMethod method = metaObject.method(index);
+        if (method.methodType() == kind)
+            names += QString::fromLatin1(method.name());
+    }
+    return names;
+}
+
+// All that a host, a receiver or a timer can call on a device.
+QStringList callableOperations(const QMetaObject &device)
+{
+    QStringList names = slotsOfTable(u"ILogicalDeviceGen3Mouse"_s) + slotsOfTable(u"ILogicalDeviceGen3"_s) +
+                        methodsOf(device, QMetaMethod::Slot);
+    const QStringList ownSignals = methodsOf(device, QMetaMethod::Signal);
+    for (const QString &signal : ownSignals)
+        names.removeAll(signal);
+    const QStringList signalsOfReceivers = methodsOf(ReceiverBase::staticMetaObject, QMetaMethod::Signal);
+    for (const QString &signal : signalsOfReceivers)
+        names += u"receiver::"_s + signal;
+    return names;
+}
+
 // What is seen of two calls from another thread before and after the device's thread delivers what was
 // queued.
 void compareTwoCallsFromAnotherThread(Bench &bench, HostedDevice &device, const Operation &operation,
                                       const QString &first, const QString &second)
 {
-    const Parts once = fromAnotherThread(first.split(u'\n'));
-    const Parts again = fromAnotherThread(second.split(u'\n'));
+    const Parts once = fromAnotherThread(first.split(u'\n'), operation.signalThread);
+    const Parts again = fromAnotherThread(second.split(u'\n'), operation.signalThread);
     OtherThread other;
     other.run([&] {
-        operation.call(device);
-        operation.call(device);
+        operation.call(bench, device);
+        operation.call(bench, device);
     });
     QCOMPARE(bench.take(), timelineText(once.atOnce + again.atOnce));
     deliverQueuedCalls();
@@ -80,6 +126,7 @@ class tst_OperationOrder : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void everyOperationHasOneRow();
     void beforeStart_data() { addRows(); }
     void beforeStart();
     void withoutReceiver_data() { addRows(); }
@@ -98,14 +145,35 @@ private Q_SLOTS:
     void startTwiceWithoutReceiver();
 };
 
+void tst_OperationOrder::everyOperationHasOneRow()
+{
+    Bench bench;
+    QStringList told;
+    for (const Operation &operation : everyOperation())
+        told += QString::fromLatin1(operation.name);
+    for (const OperationWithoutRow &operation : operationsWithoutRow()) {
+        QVERIFY2(qstrlen(operation.reason) > 0, operation.name);
+        told += QString::fromLatin1(operation.name);
+    }
+    QStringList untold = callableOperations(*bench.create().object()->metaObject());
+    QStringList surplus;
+    for (const QString &name : std::as_const(told)) {
+        if (!untold.removeOne(name))
+            surplus += name;
+    }
+    QCOMPARE(untold.join(u' '), QString());
+    // Of no operation, or the second one of an operation.
+    QCOMPARE(surplus.join(u' '), QString());
+}
+
 void tst_OperationOrder::beforeStart()
 {
     QFETCH(const Operation, operation);
     Bench bench(warningsOnly);
     HostedDevice &device = bench.create();
-    operation.call(device);
+    operation.call(bench, device);
     QCOMPARE(bench.take(), operation.unbound);
-    operation.call(device);
+    operation.call(bench, device);
     QCOMPARE(bench.take(), operation.unboundAgain);
 }
 
@@ -118,9 +186,9 @@ void tst_OperationOrder::withoutReceiver()
     HostedDevice &device = bench.create(&physicalDevice, Bench::mouse);
     device.start();
     bench.take();
-    operation.call(device);
+    operation.call(bench, device);
     QCOMPARE(bench.take(), operation.unbound);
-    operation.call(device);
+    operation.call(bench, device);
     QCOMPARE(bench.take(), operation.unboundAgain);
 }
 
@@ -129,9 +197,9 @@ void tst_OperationOrder::twiceWhileRunning()
     QFETCH(const Operation, operation);
     Bench bench(warningsOnly);
     HostedDevice &device = runningDevice(bench);
-    operation.call(device);
+    operation.call(bench, device);
     QCOMPARE(bench.take(), operation.whileRunning);
-    operation.call(device);
+    operation.call(bench, device);
     QCOMPARE(bench.take(), operation.again);
 }
 
@@ -142,9 +210,9 @@ void tst_OperationOrder::afterStop()
     HostedDevice &device = runningDevice(bench);
     device.stop();
     bench.take();
-    operation.call(device);
+    operation.call(bench, device);
     QCOMPARE(bench.take(), operation.whileRunning);
-    operation.call(device);
+    operation.call(bench, device);
     QCOMPARE(bench.take(), operation.again);
 }
 

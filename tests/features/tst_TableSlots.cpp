@@ -1,11 +1,10 @@
 #include "Bench.h"
+#include "TableCalls.h"
 #include "TimelineText.h"
-#include "TimelineValue.h"
 
-#include <QtCore/QUuid>
 #include <QtTest/QTest>
 
-#include <type_traits>
+#include <memory>
 
 using namespace Qt::StringLiterals;
 
@@ -115,71 +114,8 @@ call ppid() -> "RV418-0001")";
 #define MOUSE(name) OPERATION(ILogicalDeviceGen3Mouse, name)
 #define GEN3(name) OPERATION(ILogicalDeviceGen3, name)
 
-template <typename Value>
-QJsonValue recordedValue(const Value &value)
+void everyGetter(const TableCalls &ask)
 {
-    if constexpr (std::is_same_v<Value, QByteArray>)
-        return QString::number(value.size()) + u" bytes"_s;
-    else if constexpr (std::is_same_v<Value, QUuid>)
-        return value.version() == QUuid::Random ? u"random"_s : value.toString();
-    else if constexpr (std::is_same_v<Value, IPhysicalDevice *>)
-        return value ? u"physical device"_s : u"none"_s;
-    else if constexpr (std::is_same_v<Value, IDevice *>)
-        return u"device"_s;
-    else
-        return timelineValue(value);
-}
-
-/// Calls operations of one device through the tables of its interfaces and writes each to the timeline, with its
-/// answer. For those that HostedDevice does not record, because nothing comes of them but an answer.
-class TableCalls
-{
-public:
-    TableCalls(Timeline &timeline, HostedDevice &device) : m_timeline(timeline), m_device(device) {}
-
-    template <typename Result, typename Interface, typename... Parameters, typename... Arguments>
-    void operator()(const char *name, Result (Interface::*operation)(Parameters...), Arguments... arguments)
-    {
-        call<Interface, Result>(name, operation, arguments...);
-    }
-
-    template <typename Result, typename Interface, typename... Parameters, typename... Arguments>
-    void operator()(const char *name, Result (Interface::*operation)(Parameters...) const,
-                    Arguments... arguments)
-    {
-        call<Interface, Result>(name, operation, arguments...);
-    }
-
-    void everyGetter();
-
-private:
-    template <typename Interface, typename Result, typename Operation, typename... Arguments>
-    void call(const char *name, Operation operation, Arguments... arguments)
-    {
-        const quint64 entry = m_timeline.record(TimelineEntry::Kind::Call, m_device.id(),
-                                                QString::fromLatin1(name), {recordedValue(arguments)...});
-        if constexpr (std::is_void_v<Result>)
-            (view<Interface>()->*operation)(arguments...);
-        else
-            m_timeline.setResult(entry, recordedValue((view<Interface>()->*operation)(arguments...)));
-    }
-
-    template <typename Interface>
-    Interface *view() const
-    {
-        if constexpr (std::is_same_v<Interface, ILogicalDeviceGen3>)
-            return m_device.gen3();
-        else
-            return m_device.device();
-    }
-
-    Timeline &m_timeline;
-    HostedDevice &m_device;
-};
-
-void TableCalls::everyGetter()
-{
-    TableCalls &ask = *this;
     ask(MOUSE(deviceType));
     ask(MOUSE(deviceClass));
     ask(MOUSE(name));
@@ -250,7 +186,7 @@ void tst_TableSlots::everyGetterOfAFreshDevice()
 {
     Bench bench;
     HostedDevice &device = bench.create();
-    TableCalls(bench.timeline, device).everyGetter();
+    everyGetter(TableCalls(bench.timeline, device));
     QCOMPARE(bench.take(), QString::fromLatin1(freshAnswers));
 }
 
@@ -274,14 +210,14 @@ void tst_TableSlots::everyGetterAfterEverythingChanged()
     device.setReportRate(1000);
     device.ppidChangedCallBack(u"RV418-0001"_s);
     bench.take();
-    TableCalls(bench.timeline, device).everyGetter();
+    everyGetter(TableCalls(bench.timeline, device));
     QCOMPARE(bench.take(), QString::fromLatin1(changedAnswers));
 }
 
 void tst_TableSlots::operationsWithoutEffect()
 {
     Bench bench;
-    TableCalls call(bench.timeline, bench.started());
+    const TableCalls call(bench.timeline, bench.started());
     call(MOUSE(setDpiLevel), 3);
     call(MOUSE(notify38));
     call(MOUSE(notify42));
@@ -304,7 +240,7 @@ void tst_TableSlots::everySignalIsEmittedByItsSlot()
 {
     Bench bench;
     HostedDevice &device = bench.create();
-    TableCalls call(bench.timeline, device);
+    const TableCalls call(bench.timeline, device);
     call(MOUSE(stopped), static_cast<IDevice *>(device.device()));
     call(MOUSE(firmwareVersionChanged), 16U);
     call(MOUSE(instanceNumberChanged), 45);

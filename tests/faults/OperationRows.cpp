@@ -1,0 +1,209 @@
+#include "OperationRows.h"
+
+#include "Bench.h"
+#include "TableCalls.h"
+
+#include <QtCore/QMetaObject>
+
+using namespace Qt::StringLiterals;
+
+namespace OperationRows {
+
+std::function<void(Bench &, HostedDevice &)> hosted(const HostedCall &call)
+{
+    return [call](Bench &, HostedDevice &device) { call(device); };
+}
+
+Operation sameEverywhere(const char *name, const HostedCall &call, const QString &line, const QString &effect,
+                         SignalThread signalThread)
+{
+    return {name, hosted(call), line + effect, line, line + effect, line, signalThread};
+}
+
+Operation always(const char *name, const HostedCall &call, const QString &lines, SignalThread signalThread)
+{
+    return {name, hosted(call), lines, lines, lines, lines, signalThread};
+}
+
+namespace {
+
+// The name of an operation, and the operation.
+#define MOUSE(name) #name, &ILogicalDeviceGen3Mouse::name
+
+// Answers running while the device runs, and unbound else.
+template <typename Method>
+Operation getter(const char *name, Method method, QLatin1StringView running, QLatin1StringView unbound)
+{
+    const QString line = u"call "_s + QString::fromLatin1(name) + u"() -> "_s;
+    return {name,
+            [name, method](Bench &bench, HostedDevice &device) {
+                TableCalls(bench.timeline, device)(name, method);
+            },
+            line + running,
+            line + running,
+            line + unbound,
+            line + unbound};
+}
+
+template <typename Method>
+Operation getter(const char *name, Method method, QLatin1StringView answer)
+{
+    return getter(name, method, answer, answer);
+}
+
+template <typename Method, typename... Arguments>
+Operation silent(const char *name, Method method, const QString &line, Arguments... arguments)
+{
+    return {name,
+            [name, method, arguments...](Bench &bench, HostedDevice &device) {
+                TableCalls(bench.timeline, device)(name, method, arguments...);
+            },
+            line,
+            line,
+            line,
+            line};
+}
+
+constexpr QLatin1StringView no("false");
+constexpr QLatin1StringView yes("true");
+constexpr QLatin1StringView zero("0");
+constexpr QLatin1StringView none("[]");
+
+Operations gettersOfTheDevice()
+{
+    return {
+        getter(MOUSE(deviceType), "2"_L1),
+        getter(MOUSE(deviceClass), "7"_L1),
+        getter(MOUSE(name), "\"Orvane Tessa Mouse\""_L1),
+        getter(MOUSE(instanceId), "\"random\""_L1),
+        getter(MOUSE(firmwareVersion), "258"_L1, zero),
+        getter(MOUSE(iid), "\"com.orvane.KVX.Plugin.LogicalDevice.RV418\""_L1),
+        getter(MOUSE(deviceValue), "32"_L1, zero),
+        getter(MOUSE(modelCode), "\"RV418\""_L1),
+        getter(MOUSE(physicalDevice), "\"physical device\""_L1),
+        getter(MOUSE(deviceImage), "\"0 bytes\""_L1),
+        getter(MOUSE(hasBatteryLevel), yes, no),
+        getter(MOUSE(batteryLevel), "80"_L1, "-1"_L1),
+        getter(MOUSE(statusValue), "31"_L1, zero),
+        getter(MOUSE(query24), zero),
+        silent(MOUSE(pairedHostName), u"call pairedHostName(1) -> \"\""_s, 1),
+        getter(MOUSE(isDPILevelSupported), no),
+        getter(MOUSE(dpiLevel), zero),
+        getter(MOUSE(query30), none),
+        getter(MOUSE(isDPILevelChangePending), no),
+        getter(MOUSE(isSmartPointerSupported), yes, no),
+        getter(MOUSE(query33), zero),
+        getter(MOUSE(levelValue), "33"_L1, zero),
+        getter(MOUSE(query35), no),
+        getter(MOUSE(defaultProfile), "\"51 bytes\""_L1),
+    };
+}
+
+Operations gettersOfTheMouse()
+{
+    return {
+        getter(MOUSE(query53), no),
+        getter(MOUSE(dpiValue), zero),
+        getter(MOUSE(dpiMin), "100"_L1, zero),
+        getter(MOUSE(dpiMax), "8000"_L1, zero),
+        getter(MOUSE(dpiDelta), "50"_L1),
+        getter(MOUSE(isDPIValueChangePending), no),
+        getter(MOUSE(isDPIValueSupported), yes),
+        getter(MOUSE(activeDpiSlotIndex), "2"_L1),
+        getter(MOUSE(dpiSlotValues), none),
+        getter(MOUSE(dpiButtonId), "15"_L1),
+        getter(MOUSE(isActiveDpiSlotIndexChangePending), no),
+        getter(MOUSE(isDpiSlotValuesChangePending), no),
+        getter(MOUSE(isDpiButtonIdChangePending), no),
+        getter(MOUSE(query70), "1"_L1),
+        getter(MOUSE(isReportRateSupported), yes),
+        getter(MOUSE(reportRate), "500"_L1, zero),
+        getter(MOUSE(reportRateValues), "[\"125\", \"250\", \"500\", \"1000\"]"_L1, none),
+        getter(MOUSE(isReportRateChangePending), no),
+        getter(MOUSE(isScrollInversionEnabled), no),
+        getter(MOUSE(query88), no),
+        getter(MOUSE(query89), no),
+        getter(MOUSE(query91), no),
+        getter("ppid", &ILogicalDeviceGen3::ppid, "\"\""_L1),
+    };
+}
+
+// Of the device's thread, whoever calls: the device lives there, and both are connected or invoked by name.
+template <typename... Arguments>
+std::function<void(Bench &, HostedDevice &)> invoked(const char *slot, const QString &entry,
+                                                     Arguments... arguments)
+{
+    return [slot, entry, arguments...](Bench &bench, HostedDevice &device) {
+        bench.timeline.record(TimelineEntry::Kind::Call, device.id(), entry, {QJsonValue(arguments)...});
+        if (!QMetaObject::invokeMethod(device.object(), slot, Q_ARG(Arguments, arguments)...))
+            bench.timeline.recordVerdict(u"there is no slot %1"_s.arg(QString::fromLatin1(slot)));
+    };
+}
+
+std::function<void(Bench &, HostedDevice &)> signalled(const char *entry, void (FakeReceiver::*signal)(int),
+                                                       int value)
+{
+    return [entry, signal, value](Bench &bench, HostedDevice &device) {
+        bench.timeline.record(TimelineEntry::Kind::Call, device.id(), QString::fromLatin1(entry), {value});
+        Q_EMIT(bench.receiver.*signal)(value);
+    };
+}
+
+}  // namespace
+
+Operations getters()
+{
+    Operations operations = gettersOfTheDevice();
+    const Operations others = gettersOfTheMouse();
+    operations.insert(operations.end(), others.begin(), others.end());
+    return operations;
+}
+
+Operations operationsWithoutEffect()
+{
+    return {
+        silent(MOUSE(setDpiLevel), u"call setDpiLevel(3)"_s, 3),
+        silent(MOUSE(setDpiValue), u"call setDpiValue(800)"_s, 800),
+        silent(MOUSE(setScrollInversionEnabled), u"call setScrollInversionEnabled(true)"_s, true),
+        silent(MOUSE(notify38), u"call notify38()"_s),
+        silent(MOUSE(notify42), u"call notify42()"_s),
+        silent(MOUSE(notify43), u"call notify43()"_s),
+        silent(MOUSE(notify44), u"call notify44()"_s),
+        silent(MOUSE(notify87), u"call notify87()"_s),
+        silent(MOUSE(notify90), u"call notify90()"_s),
+        silent(MOUSE(notify92), u"call notify92()"_s),
+        silent(MOUSE(notify93), u"call notify93()"_s),
+    };
+}
+
+Operations operationsByName()
+{
+    const QString timeout = u"call onSmartPointerCtrReleaseTimerTimeout()"_s;
+    const QString slotMin = u"call onDpiMinChanged(50)"_s;
+    const QString slotMax = u"call onDpiMaxChanged(4000)"_s;
+    const QString slotPpid = u"call onPPIDChanged(\"P\")"_s;
+    const QString signalMin = u"call receiver::dpiMinChanged(50)"_s;
+    const QString signalMax = u"call receiver::dpiMaxChanged(4000)"_s;
+    const QString min = u"\nsignal dpiMinChanged(50)"_s;
+    const QString max = u"\nsignal dpiMaxChanged(4000)"_s;
+    const QString ppid = u"\nsignal ppidChanged(\"P\")"_s;
+    return {
+        // No key is held that it could release.
+        {"onSmartPointerCtrReleaseTimerTimeout",
+         invoked("onSmartPointerCtrReleaseTimerTimeout", u"onSmartPointerCtrReleaseTimerTimeout"_s), timeout,
+         timeout, timeout, timeout},
+        {"onDpiMinChanged", invoked("onDpiMinChanged", u"onDpiMinChanged"_s, 50), slotMin + min, slotMin,
+         slotMin + min, slotMin},
+        {"onDpiMaxChanged", invoked("onDpiMaxChanged", u"onDpiMaxChanged"_s, 4000), slotMax + max, slotMax,
+         slotMax + max, slotMax},
+        {"onPPIDChanged", invoked("onPPIDChanged", u"onPPIDChanged"_s, u"P"_s), slotPpid + ppid, slotPpid,
+         slotPpid + ppid, slotPpid},
+        // Nobody listens before the start.
+        {"receiver::dpiMinChanged", signalled("receiver::dpiMinChanged", &FakeReceiver::dpiMinChanged, 50),
+         signalMin + min, signalMin, signalMin, signalMin},
+        {"receiver::dpiMaxChanged", signalled("receiver::dpiMaxChanged", &FakeReceiver::dpiMaxChanged, 4000),
+         signalMax + max, signalMax, signalMax, signalMax},
+    };
+}
+
+}  // namespace OperationRows
