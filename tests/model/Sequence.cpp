@@ -1,5 +1,6 @@
 #include "Sequence.h"
 
+#include "DrawnCounts.h"
 #include "HostedDevice.h"
 #include "LibraryRun.h"
 #include "OtherThread.h"
@@ -16,8 +17,8 @@ using Kind = Operation::Kind;
 class Comparison
 {
 public:
-    Comparison(OtherThread &otherThread, const SpoilExpectation &spoilExpectation)
-        : m_library(otherThread), m_spoilExpectation(spoilExpectation)
+    Comparison(OtherThread &otherThread, const SpoilExpectation &spoilExpectation, DrawnCounts *counts)
+        : m_library(otherThread), m_spoilExpectation(spoilExpectation), m_counts(counts)
     {}
 
     const Model::World &world() const { return m_world; }
@@ -30,7 +31,7 @@ public:
             return;
         m_result.operations.push_back(operation);
         m_library.apply(operation);
-        Model::apply(m_world, operation);
+        applyToModel(operation);
         compareValues(*operation);
         if (m_spoilExpectation)
             m_spoilExpectation(*operation, m_world.lines);
@@ -47,6 +48,17 @@ public:
     }
 
 private:
+    void applyToModel(const OperationPointer &operation)
+    {
+        if (!m_counts || operation->route == Operation::Route::InsideRequest) {
+            Model::apply(m_world, operation);
+            return;
+        }
+        const Model::World before = m_world;
+        Model::apply(m_world, operation);
+        m_counts->count({*operation, before, m_world});
+    }
+
     // The getters come before the lines, so that a line that one of them writes is seen as well.
     void compareValues(const Operation &operation)
     {
@@ -78,6 +90,7 @@ private:
     Model::World m_world;
     LibraryRun m_library;
     const SpoilExpectation &m_spoilExpectation;
+    DrawnCounts *m_counts;
     QList<Deviation::Value> m_values;
     SequenceResult m_result;
 };
@@ -114,9 +127,9 @@ void destroyOthersThanTheTwiceStarted(Comparison &comparison)
 }  // namespace
 
 SequenceResult runSequence(const std::vector<Draw> &draws, OtherThread &otherThread,
-                           const SpoilExpectation &spoilExpectation)
+                           const SpoilExpectation &spoilExpectation, DrawnCounts *counts)
 {
-    Comparison comparison(otherThread, spoilExpectation);
+    Comparison comparison(otherThread, spoilExpectation, counts);
     comparison.make(allSwitchesOn());
     comparison.make(onDevice(Kind::CreateDevice, 0));
     for (const Draw &draw : draws) {

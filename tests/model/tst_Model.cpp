@@ -1,5 +1,7 @@
 #include "Bench.h"
+#include "DrawnCounts.h"
 #include "Kvx.h"
+#include "OtherThread.h"
 #include "Rounds.h"
 #include "Scenario.h"
 
@@ -28,6 +30,9 @@ struct Effort
     qint64 seconds = 0;
 };
 
+/// From so many operations on, everything that is counted has come at least once.
+constexpr qint64 operationsForAll = 100000;
+
 void print(const QString &line)
 {
     std::fprintf(stderr, "%s\n", qPrintable(line));
@@ -45,6 +50,16 @@ std::optional<qint64> positiveNumber(const char *variable, qint64 otherwise)
     print(u"%1 is \"%2\"; give a whole number above 0, or leave it unset"_s.arg(
         QLatin1StringView(variable), qEnvironmentVariable(variable)));
     return std::nullopt;
+}
+
+QString rarestText(const DrawnCounts &counts)
+{
+    const QList<QPair<QString, qint64>> all = counts.all();
+    const auto rarest = std::min_element(all.cbegin(), all.cend(), [](const auto &one, const auto &other) {
+        return one.second < other.second;
+    });
+    return u"%1 kinds by route and circumstances; the rarest, %2, came %3 times"_s.arg(
+        QString::number(all.size()), rarest->first, QString::number(rarest->second));
 }
 
 bool isLog(const QString &line)
@@ -66,6 +81,7 @@ private Q_SLOTS:
     void missingLogLineIsWaitedFor();
     void shortDeviationRunsAsAScenario_data();
     void shortDeviationRunsAsAScenario();
+    void whatWasNeverDrawnIsNamed();
     void libraryAgreesWithTheModel() const;
 
 private:
@@ -158,18 +174,37 @@ void tst_Model::shortDeviationRunsAsAScenario()
     QVERIFY2(agreement.exitCode == 0, qPrintable(agreeing + agreement.errors.join(u'\n')));
 }
 
+void tst_Model::whatWasNeverDrawnIsNamed()
+{
+    OtherThread otherThread;
+    DrawnCounts counts;
+    const qsizetype before = counts.missing().size();
+    // A device is made and the library unloaded, nothing else.
+    QVERIFY(!runSequence({}, otherThread, {}, &counts).deviation);
+    const QStringList missing = counts.missing();
+    QCOMPARE(missing.size(), before - 2);
+    QVERIFY(!missing.contains(u"createLogicalDevice directly"_s));
+    for (const QString &name :
+         {u"start directly"_s, u"start from another thread"_s, u"setBatteryLevel inside a request"_s,
+          u"a second start"_s, u"a list of one slot value"_s})
+        QVERIFY2(missing.contains(name), qPrintable(name));
+    QVERIFY(!missing.contains(u"start inside a request"_s));
+    QVERIFY(!missing.contains(u"mouseEventCallBack from another thread"_s));
+}
+
 void tst_Model::libraryAgreesWithTheModel() const
 {
     constexpr qint64 millisecondsPerSecond = 1000;
     uint64_t seed = configuredSeed();
     qint64 operations = 0;
     qint64 sequences = 0;
+    DrawnCounts counts;
     QElapsedTimer timer;
     timer.start();
     while (operations < m_effort.operations || timer.elapsed() < m_effort.seconds * millisecondsPerSecond) {
         // Before the round, so that it is known when the library crashes.
         print(u"RC_PARAMS=\"%1\""_s.arg(parameters(seed)));
-        const Round round = runRound(seed);
+        const Round round = runRound(seed, {}, &counts);
         operations += round.operations;
         sequences += round.sequences;
         QVERIFY2(round.problem.isEmpty(), qPrintable(round.problem));
@@ -185,6 +220,14 @@ void tst_Model::libraryAgreesWithTheModel() const
     print(u"%1 operations in %2 sequences, %3 s"_s.arg(operations)
               .arg(sequences)
               .arg(static_cast<double>(timer.elapsed()) / millisecondsPerSecond));
+    if (operations < operationsForAll) {
+        print(
+            u"too few operations to ask whether everything was drawn; that takes %1"_s.arg(operationsForAll));
+        return;
+    }
+    print(rarestText(counts));
+    const QStringList missing = counts.missing();
+    QVERIFY2(missing.isEmpty(), qPrintable(u"never drawn: "_s + missing.join(u", "_s)));
 }
 
 int main(int argc, char **argv)
