@@ -32,7 +32,7 @@ bool isOn(const ModelStep &step, Physical physical)
 
 bool isAnsweredRequest(const QString &line, QLatin1StringView answer)
 {
-    return line.startsWith("receiver"_L1) && line.endsWith(answer) &&
+    return line.startsWith("receiver"_L1) && line.section(" -> "_L1, 1).startsWith(answer) &&
            answeredRequests().contains(line.section("] "_L1, 1).section(u'(', 0, 0));
 }
 
