@@ -232,6 +232,9 @@ void tst_KvxRun::failedExpectations_data()
     QTest::newRow("timeline") << u"expect timeline signal nothing() | signal more()"_s
                               << u"the last lines: expected signal nothing() | signal more(), seen "
                                  "call stop() | signal stopped(\"this\")"_s;
+    QTest::newRow("no-timeline")
+        << u"expect timeline"_s
+        << u"the last lines: expected none, seen call stop() | signal stopped(\"this\")"_s;
     QTest::newRow("log") << u"expect log debug one | debug two"_s
                          << u"the log of the last command: expected debug one | debug two, seen "
                             "debug RV418.LogicalDevice: stop enter | debug RV418.LogicalDevice: stop exit"_s;

@@ -31,7 +31,9 @@ public:
             return;
         m_result.operations.push_back(operation);
         m_library.apply(operation);
+        const std::array<OperationPointer, 2> keptBack = keptBackReports();
         applyToModel(operation);
+        m_insideReport = madeReport(*operation, keptBack);
         compareValues(*operation);
         if (m_spoilExpectation)
             m_spoilExpectation(*operation, m_world.lines);
@@ -43,11 +45,30 @@ public:
         if (isOver())
             return;
         m_library.unload();
+        m_insideReport = nullptr;
         Model::unload(m_world);
         compareLines(nullptr);
     }
 
 private:
+    std::array<OperationPointer, 2> keptBackReports() const
+    {
+        return {m_world.receivers[0].reportInsideRequest, m_world.receivers[1].reportInsideRequest};
+    }
+
+    OperationPointer madeReport(const Operation &operation,
+                                const std::array<OperationPointer, 2> &keptBack) const
+    {
+        // What is kept back for a device dies with it.
+        if (operation.kind == Kind::DestroyDevice)
+            return nullptr;
+        for (std::size_t index = 0; index < keptBack.size(); ++index) {
+            if (keptBack.at(index) && !m_world.receivers.at(index).reportInsideRequest)
+                return keptBack.at(index);
+        }
+        return nullptr;
+    }
+
     void applyToModel(const OperationPointer &operation)
     {
         if (!m_counts || operation->route == Operation::Route::InsideRequest) {
@@ -83,7 +104,8 @@ private:
     {
         const QString seen = m_library.take();
         if (seen != m_world.lines.join(u'\n') || !m_values.isEmpty())
-            m_result.deviation = Deviation{operation, m_world.lines, seen.split(u'\n'), m_values};
+            m_result.deviation =
+                Deviation{operation, m_insideReport, m_world.lines, seen.split(u'\n'), m_values};
         m_world.lines.clear();
     }
 
@@ -91,6 +113,7 @@ private:
     LibraryRun m_library;
     const SpoilExpectation &m_spoilExpectation;
     DrawnCounts *m_counts;
+    OperationPointer m_insideReport;
     QList<Deviation::Value> m_values;
     SequenceResult m_result;
 };

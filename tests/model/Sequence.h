@@ -21,6 +21,8 @@ struct Deviation
 
     /// Null when it was the end, the unloading.
     OperationPointer operation;
+    /// The report that was kept back and was made inside the operation; null when there was none.
+    OperationPointer insideReport;
     QStringList expectedLines;
     QStringList seenLines;
     QList<Value> values;

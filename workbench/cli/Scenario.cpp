@@ -62,7 +62,7 @@ const QList<Scenario::Command> &Scenario::commands()
         {u"resend-limit"_s, u"N"_s, u"how often a request may be sent again"_s, &Scenario::resendLimit},
         {u"show"_s, u"[VALUE]"_s, u"print the device's values, or one"_s, &Scenario::show},
         {u"timeline"_s, u"[N]"_s, u"print the timeline's last lines"_s, &Scenario::showTimeline},
-        {u"expect"_s, u"VALUE TEXT... | signal LINE | timeline LINE | LINE ... | log LINE | LINE ..."_s,
+        {u"expect"_s, u"VALUE TEXT... | signal LINE | timeline [LINE | LINE ...] | log [LINE | LINE ...]"_s,
          u"compare a value, the next signal, the last lines without the log, or the log of the last command"_s,
          &Scenario::expect},
         {u"wait"_s, u"EVENT [MS]"_s, u"wait for a timeline line that begins so"_s, &Scenario::wait},
@@ -108,11 +108,13 @@ CommandResult Scenario::execute(const QString &line)
         m_isWaiting = false;
         words->removeLast();
     }
-    const quint64 before = m_workbench.timeline.lastSequence();
-    const CommandResult result = dispatch(*command, *words);
-    if (m_workbench.timeline.lastSequence() > before)
-        m_lastAction = before;
-    return result;
+    static const QStringList notJudged{u"use"_s,          u"set"_s,      u"fault"_s,  u"faults"_s,
+                                       u"clear-faults"_s, u"show"_s,     u"expect"_s, u"wait"_s,
+                                       u"timeline"_s,     u"deadline"_s, u"help"_s,   u"answer-delay"_s,
+                                       u"resend-limit"_s};
+    if (!notJudged.contains(name))
+        m_lastAction = m_workbench.timeline.lastSequence();
+    return dispatch(*command, *words);
 }
 
 CommandResult Scenario::dispatch(const Command &command, const QStringList &words)

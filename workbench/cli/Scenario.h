@@ -130,7 +130,7 @@ private:
     Workbench m_workbench;
     quint64 m_taken = 0;         // the last entry that takeEntries() gave
     quint64 m_signalCursor = 0;  // the last entry that "expect signal" or "wait" has used
-    quint64 m_lastAction = 0;    // the last entry before those of the last command that left any
+    quint64 m_lastAction = 0;    // the last entry before the last command that did something to a device
     // What the line says behind its command, or in front of it.
     QString m_rest;
     QString m_wantedOutcome;

@@ -88,18 +88,19 @@ CommandResult Scenario::expectSignal(const QString &expected)
 
 CommandResult Scenario::expectTimeline(const QString &expected)
 {
-    const QStringList wanted = expected.split(lineSeparator);
-    QStringList seen = eventLines(0);
-    seen = seen.mid(qMax(qsizetype(0), seen.size() - wanted.size()));
+    const QStringList wanted = expected.isEmpty() ? QStringList() : expected.split(lineSeparator);
+    QStringList seen = eventLines(wanted.isEmpty() ? m_lastAction : 0);
+    if (!wanted.isEmpty())
+        seen = seen.mid(qMax(qsizetype(0), seen.size() - wanted.size()));
     if (seen == wanted)
         return {};
-    return CommandResult::difference(
-        u"the last lines: expected %1, seen %2"_s.arg(expected, seen.join(lineSeparator)));
+    return CommandResult::difference(u"the last lines: expected %1, seen %2"_s.arg(
+        expected.isEmpty() ? u"none"_s : expected, seen.join(lineSeparator)));
 }
 
 CommandResult Scenario::expectLog(const QString &expected)
 {
-    const QString seen = logLines(m_lastAction).join(lineSeparator);
+    const QString seen = logLines(m_lastAction).join(lineSeparator).trimmed();
     if (seen == expected)
         return {};
     const auto text = [](const QString &lines) { return lines.isEmpty() ? u"none"_s : lines; };
