@@ -71,7 +71,9 @@ void tst_KvxRoutes::queuedSignalsComeWhenItSettles()
          u"at-once report dpiValueChangedCallBack 700 nowait"_s,
          u"expect timeline report dpiValueChangedCallBack(700) | signal dpiValueChanged(700)"_s, u"settle"_s,
          u"expect timeline signal dpiValueChanged(700) | signal isReportRateChangePendingChanged(true) | "
-         "signal reportRateChanged(1000)"_s});
+         "signal reportRateChanged(1000)"_s,
+         // Nothing is left.
+         u"settle"_s, u"expect timeline"_s, u"expect log"_s});
     QCOMPARE(run.errors, QStringList());
     QCOMPARE(run.exitCode, 0);
 }

@@ -329,6 +329,12 @@ void tst_KvxRun::nothingRunsBehindABadLine()
     const KvxRun without = play({u"start"_s});
     QCOMPARE(without.exitCode, 2);
     QCOMPARE(without.errors, QStringList{errorAt(1, u"there is no mouse yet; add one with \"mouse 1\""_s)});
+    // What came can be expected without one, values cannot.
+    const KvxRun removed =
+        play({u"mouse 1"_s, u"remove"_s, u"expect timeline call destroyDevice()"_s,
+              u"wait debug RV418.LogicalDevice: ~LogicalDevice exit"_s, u"expect dpiMin 0"_s});
+    QCOMPARE(removed.exitCode, 2);
+    QCOMPARE(removed.errors, QStringList{errorAt(5, u"there is no mouse yet; add one with \"mouse 1\""_s)});
 }
 
 void tst_KvxRun::unusableFiles_data()

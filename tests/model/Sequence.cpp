@@ -104,8 +104,8 @@ private:
     {
         const QString seen = m_library.take();
         if (seen != m_world.lines.join(u'\n') || !m_values.isEmpty())
-            m_result.deviation =
-                Deviation{operation, m_insideReport, m_world.lines, seen.split(u'\n'), m_values};
+            m_result.deviation = Deviation{operation, m_insideReport, m_world.lines,
+                                           seen.isEmpty() ? QStringList() : seen.split(u'\n'), m_values};
         m_world.lines.clear();
     }
 

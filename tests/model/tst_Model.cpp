@@ -18,6 +18,7 @@
 #include <iterator>
 #include <limits>
 #include <optional>
+#include <random>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -74,6 +75,21 @@ void removeLastVisible(QStringList &lines)
         lines.removeAt(std::distance(last, lines.rend()) - 1);
 }
 
+std::vector<Draw> drawnSequence(std::mt19937 &numbers)
+{
+    constexpr std::size_t length = 40;
+    const auto next = [&] { return static_cast<int>(numbers() % (Draw::largest + 1)); };
+    std::vector<Draw> draws(length);
+    for (Draw &draw : draws) {
+        draw.kind = next();
+        draw.target = next();
+        draw.route = next();
+        for (int &choice : draw.choices)
+            choice = next();
+    }
+    return draws;
+}
+
 KvxRun play(const QString &scenario)
 {
     return runKvx({u"run"_s, u"-"_s, u"--plugin"_s, Bench::builtPluginFile()}, scenario.toUtf8());
@@ -117,6 +133,7 @@ private Q_SLOTS:
     void deviceWithoutReceiverRunsAsAScenario_data();
     void deviceWithoutReceiverRunsAsAScenario();
     void switchedOffLogRunsAsAScenario();
+    void anySequenceRunsAsAScenario();
     void whatWasNeverDrawnIsNamed();
     void libraryAgreesWithTheModel() const;
 
@@ -282,6 +299,33 @@ void tst_Model::switchedOffLogRunsAsAScenario()
     });
     QCOMPARE(playedText(round), QString());
     QVERIFY(scenarioText(*round.shortest).contains(u"\nlog debug off "_s));
+}
+
+void tst_Model::anySequenceRunsAsAScenario()
+{
+    constexpr int sequences = 400;
+    OtherThread otherThread;
+    std::mt19937 numbers(1);
+    int played = 0;
+    for (int sequence = 0; sequence < sequences; ++sequence) {
+        // At any of the first operations the model expects a line that does not come.
+        auto countdown = 3 + numbers() % 20;
+        SequenceResult result =
+            runSequence(drawnSequence(numbers), otherThread, [&](const Operation &, QStringList &lines) {
+                if (--countdown == 0)
+                    lines.append(u"signal [1] nothing()"_s);
+            });
+        if (!result.deviation || scenarioText(result).contains(u"does not show the deviation"_s))
+            continue;
+        ++played;
+        // Played up to there, kvx sees what the library has shown.
+        result.deviation->expectedLines.swap(result.deviation->seenLines);
+        const QString scenario = scenarioText(result);
+        const KvxRun run = play(scenario);
+        QVERIFY2(run.exitCode == 0, qPrintable(scenario + run.errors.join(u'\n')));
+    }
+    QVERIFY2(played >= sequences / 10, qPrintable(QString::number(played)));
+    print(u"%1 sequences played as scenarios"_s.arg(played));
 }
 
 void tst_Model::whatWasNeverDrawnIsNamed()

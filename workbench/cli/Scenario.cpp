@@ -120,10 +120,11 @@ CommandResult Scenario::execute(const QString &line)
 CommandResult Scenario::dispatch(const Command &command, const QStringList &words)
 {
     static const QStringList withoutDevice{
-        u"mouse"_s,  u"use"_s,    u"help"_s, u"quit"_s,   u"answer-delay"_s, u"resend-limit"_s, u"deadline"_s,
-        u"faults"_s, u"device"_s, u"log"_s,  u"settle"_s, u"clear-faults"_s, u"timeline"_s};
+        u"mouse"_s,        u"use"_s,          u"help"_s,     u"quit"_s,   u"answer-delay"_s,
+        u"resend-limit"_s, u"deadline"_s,     u"faults"_s,   u"device"_s, u"log"_s,
+        u"settle"_s,       u"clear-faults"_s, u"timeline"_s, u"expect"_s, u"wait"_s};
     if (!m_workbench.device() && !withoutDevice.contains(command.name))
-        return CommandResult::unusable(u"there is no mouse yet; add one with \"mouse 1\""_s);
+        return withoutAnyDevice();
     static const QStringList withMouse{u"set"_s, u"press"_s, u"release"_s, u"drain"_s, u"sleep"_s, u"wake"_s};
     if (!m_workbench.hasMouse() && withMouse.contains(command.name))
         return CommandResult::unusable(
@@ -169,6 +170,11 @@ CommandResult Scenario::settled()
         return CommandResult::difference(
             u"the mouse does not come to rest in %1 ms"_s.arg(m_workbench.deadline.count()));
     return {};
+}
+
+CommandResult Scenario::withoutAnyDevice()
+{
+    return CommandResult::unusable(u"there is no mouse yet; add one with \"mouse 1\""_s);
 }
 
 CommandResult Scenario::wrongWord(const QString &word, const QString &wanted) const

@@ -122,6 +122,7 @@ private:
                           const std::function<void(HostedDevice &)> &call);
     CommandResult settled();
     CommandResult act(const std::function<QList<MouseMessage>(SimulatedMouse &)> &action);
+    static CommandResult withoutAnyDevice();
     CommandResult wrongWord(const QString &word, const QString &wanted) const;
     QStringList eventLines(quint64 after) const;
     QStringList logLines(quint64 after) const;

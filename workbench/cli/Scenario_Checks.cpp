@@ -62,6 +62,8 @@ CommandResult Scenario::expect(const QStringList &words)
         return expectTimeline(rest);
     if (name == u"log")
         return expectLog(rest);
+    if (!m_workbench.device())
+        return withoutAnyDevice();
     const std::optional<QString> value = deviceValue(*m_workbench.device(), name);
     if (!value)
         return wrongWord(name, u"a value, \"signal\", \"timeline\" or \"log\""_s);
