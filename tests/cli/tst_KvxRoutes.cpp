@@ -30,6 +30,7 @@ private Q_SLOTS:
     void queuedSignalsComeWhenItSettles();
     void reportsComeInsideARequest();
     void devicesNeedNoReceiver();
+    void secondStartIsSurvived();
     void logIsSwitchedOffAndOn();
     void badLines_data();
     void badLines();
@@ -110,6 +111,13 @@ void tst_KvxRoutes::devicesNeedNoReceiver()
         QCOMPARE(refused.errors, QStringList{errorAt(2, u"device 1 has no mouse; see mouse and use"_s)});
         QCOMPARE(refused.exitCode, 2);
     }
+}
+
+void tst_KvxRoutes::secondStartIsSurvived()
+{
+    const KvxRun run = play({u"mouse 1"_s, u"start"_s, u"start"_s, u"mouse 2"_s, u"start"_s, u"use 1"_s});
+    QCOMPARE(run.errors, QStringList());
+    QCOMPARE(run.exitCode, 0);
 }
 
 void tst_KvxRoutes::logIsSwitchedOffAndOn()

@@ -54,6 +54,7 @@ CommandResult Scenario::request(const QString &receiverOperation, bool (Mouse::*
 CommandResult Scenario::start(const QStringList & /*words*/)
 {
     bool isStarted = false;
+    m_workbench.noteStart();
     callDevice([&] { isStarted = m_workbench.device()->start(); });
     if (!isStarted)
         return CommandResult::difference(u"start: expected true, seen false"_s);

@@ -4,12 +4,19 @@
 
 #include <QtCore/QCoreApplication>
 
+#include <algorithm>
 #include <utility>
 
 Workbench::~Workbench()
 {
-    while (device())
+    // A device that was started twice stays registered when it dies, so the others must be gone by then.
+    while (device()) {
+        const auto first = std::find_if(m_devices.cbegin(), m_devices.cend(),
+                                        [](const auto &known) { return known.second.starts < 2; });
+        if (first != m_devices.cend())
+            m_current = first->first;
         removeMouse();
+    }
 }
 
 std::optional<QString> Workbench::load(const QString &pluginFile)
@@ -38,7 +45,7 @@ bool Workbench::createDevice(DeviceId id, IPhysicalDevice *physicalDevice, bool 
     std::unique_ptr<HostedDevice> device = host.createDevice(physicalDevice, id);
     // What is reported by hand reaches every device.
     receiver.attach(id, device->device());
-    m_devices.emplace(id, Entry{std::move(device), hasMouse});
+    m_devices.emplace(id, Entry{std::move(device), hasMouse, 0});
     m_current = id;
     return true;
 }
@@ -72,6 +79,11 @@ bool Workbench::hasMouse() const
 {
     const auto current = m_devices.find(m_current);
     return current != m_devices.end() && current->second.hasMouse;
+}
+
+void Workbench::noteStart()
+{
+    ++m_devices.at(m_current).starts;
 }
 
 void Workbench::setLogSwitches(const LogSwitches &switches)

@@ -55,6 +55,9 @@ public:
     bool hasMouse() const;
     bool hasSeveralDevices() const { return m_devices.size() > 1; }
 
+    /// To be told of each start of the current device.
+    void noteStart();
+
     /// Initializes the factory anew.
     void setLogSwitches(const LogSwitches &switches);
     LogSwitches logSwitches() const { return m_logSwitches; }
@@ -74,6 +77,7 @@ private:
     {
         std::unique_ptr<HostedDevice> device;
         bool hasMouse = false;
+        int starts = 0;
     };
 
     bool createDevice(DeviceId id, IPhysicalDevice *physicalDevice, bool hasMouse);
