@@ -52,6 +52,8 @@ void SimulatedReceiver::detach(DeviceId id)
 {
     const QMutexLocker locker(&m_mutex);
     m_devices.remove(id);
+    if (m_keptReport && m_keptReport->id == id)
+        m_keptReport.reset();
 }
 
 void SimulatedReceiver::addFault(const ReceiverFault &fault)
@@ -108,6 +110,17 @@ bool SimulatedReceiver::act(DeviceId id, const std::function<QList<MouseMessage>
 void SimulatedReceiver::report(DeviceId id, const MouseMessage &message)
 {
     enqueue(Transit::Kind::Report, id, message, std::chrono::milliseconds::zero());
+}
+
+void SimulatedReceiver::reportAtOnce(DeviceId id, const MouseMessage &message)
+{
+    sendReport(id, message);
+}
+
+void SimulatedReceiver::reportInsideRequest(DeviceId id, const MouseMessage &message)
+{
+    const QMutexLocker locker(&m_mutex);
+    m_keptReport = KeptReport{id, message};
 }
 
 bool SimulatedReceiver::isIdle() const

@@ -19,7 +19,7 @@ class ILogicalDeviceGen3Mouse;
 ///
 /// Every call of the plugin is recorded. A request that is accepted reaches the mouse after answerDelay(),
 /// through the event loop of the receiver's thread and never inside the request; the mouse's reports are
-/// delivered there, in the order in which the requests came. Reports for a mouse without an attached device
+/// delivered there, in the order in which the requests came, unless told otherwise. Reports for a mouse without an attached device
 /// are dropped. The DPI range travels by signals that name no mouse: every started device hears them.
 ///
 /// The plugin may call from any thread, and so may everybody else, except where it says otherwise.
@@ -63,6 +63,11 @@ public:
 
     /// A report that no request asked for. Delivered from the event loop; nothing is done to the mouse.
     void report(DeviceId id, const MouseMessage &message);
+    /// The same, delivered on the calling thread before the call returns.
+    void reportAtOnce(DeviceId id, const MouseMessage &message);
+    /// The same, kept back until one of the mice gets a request, and delivered before that is answered, on the
+    /// thread of the request. Takes the place of another one that is kept back.
+    void reportInsideRequest(DeviceId id, const MouseMessage &message);
 
     /// Whether nothing is under way to a mouse or from one.
     bool isIdle() const;
@@ -107,6 +112,11 @@ private:
         DeviceId id = 0;
         MouseMessage message;
     };
+    struct KeptReport
+    {
+        DeviceId id = 0;
+        MouseMessage message;
+    };
     // The report that is being delivered; a request that comes from within is a repetition.
     struct Delivery
     {
@@ -125,6 +135,7 @@ private:
     std::optional<ReceiverFault> takeFault(const QString &operation, DeviceId id);
     void recordFault(const ReceiverFault &fault, DeviceId id);
     void recordUnknownMouse(DeviceId id);
+    void deliverKeptReport();
     void enqueue(Transit::Kind kind, DeviceId id, const MouseMessage &message,
                  std::chrono::milliseconds delay);
     void scheduleDelivery();
@@ -146,6 +157,7 @@ private:
     QHash<DeviceId, QHash<QString, int>>
         m_repetitions;  // by mouse and report: answered by a request so often
     std::optional<Delivery> m_delivery;
+    std::optional<KeptReport> m_keptReport;
 
     QTimer m_timer;  // the receiver's thread only
 };

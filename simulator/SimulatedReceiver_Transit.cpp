@@ -38,6 +38,7 @@ bool SimulatedReceiver::request(const char *operation, DeviceId id, const QJsonA
         recordFault(*fault, id);
 
     const bool isAnswered = countRepetition(id, message.operation);
+    deliverKeptReport();
     if (!isAccepted || !isAnswered || (fault && fault->effect == Effect::Drop))
         return isAccepted;
     std::chrono::milliseconds delay = answerDelay();
@@ -76,6 +77,17 @@ bool SimulatedReceiver::countRepetition(DeviceId id, const QString &operation)
                                  .arg(repetitions),
                              id);
     return false;
+}
+
+void SimulatedReceiver::deliverKeptReport()
+{
+    std::optional<KeptReport> report;
+    {
+        const QMutexLocker locker(&m_mutex);
+        report = std::exchange(m_keptReport, std::nullopt);
+    }
+    if (report)
+        sendReport(report->id, report->message);
 }
 
 std::optional<ReceiverFault> SimulatedReceiver::takeFault(const QString &operation, DeviceId id)

@@ -229,11 +229,19 @@ void tst_KvxRun::failedExpectations_data()
     QTest::newRow("signal")
         << u"expect signal dpiMinChanged(100)"_s
         << u"the next signal: expected dpiMinChanged(100), seen instanceNumberChanged(0)"_s;
-    QTest::newRow("timeline")
-        << u"expect timeline signal nothing() | signal more()"_s
-        << u"the last lines: expected signal nothing() | signal more(), seen "
-           "signal ppidChanged(\"RV418-0001\") | report reportRateChangedCallBack({"
-           "\"currentRate\": 500, \"supportedRates\": [125, 250, 500, 1000], \"unused\": 0})"_s;
+    QTest::newRow("timeline") << u"expect timeline signal nothing() | signal more()"_s
+                              << u"the last lines: expected signal nothing() | signal more(), seen "
+                                 "call stop() | signal stopped(\"this\")"_s;
+    QTest::newRow("no-timeline")
+        << u"expect timeline"_s
+        << u"the last lines: expected none, seen call stop() | signal stopped(\"this\")"_s;
+    QTest::newRow("log") << u"expect log debug one | debug two"_s
+                         << u"the log of the last command: expected debug one | debug two, seen "
+                            "debug RV418.LogicalDevice: stop enter | debug RV418.LogicalDevice: stop exit"_s;
+    QTest::newRow("no-log")
+        << u"expect log"_s
+        << u"the log of the last command: expected none, seen "
+           "debug RV418.LogicalDevice: stop enter | debug RV418.LogicalDevice: stop exit"_s;
     QTest::newRow("wait") << u"wait signal never() 10"_s
                           << u"expected signal never(), seen nothing of it in 10 ms"_s;
 }
@@ -242,8 +250,8 @@ void tst_KvxRun::failedExpectations()
 {
     QFETCH(const QString, line);
     QFETCH(const QString, error);
-    const KvxRun run = play({u"mouse 1"_s, u"start"_s, line});
-    QCOMPARE(run.errors, QStringList{errorAt(3, error)});
+    const KvxRun run = play({u"mouse 1"_s, u"start"_s, u"stop"_s, line});
+    QCOMPARE(run.errors, QStringList{errorAt(4, error)});
     QCOMPARE(run.exitCode, 1);
 }
 
@@ -321,6 +329,12 @@ void tst_KvxRun::nothingRunsBehindABadLine()
     const KvxRun without = play({u"start"_s});
     QCOMPARE(without.exitCode, 2);
     QCOMPARE(without.errors, QStringList{errorAt(1, u"there is no mouse yet; add one with \"mouse 1\""_s)});
+    // What came can be expected without one, values cannot.
+    const KvxRun removed =
+        play({u"mouse 1"_s, u"remove"_s, u"expect timeline call destroyDevice()"_s,
+              u"wait debug RV418.LogicalDevice: ~LogicalDevice exit"_s, u"expect dpiMin 0"_s});
+    QCOMPARE(removed.exitCode, 2);
+    QCOMPARE(removed.errors, QStringList{errorAt(5, u"there is no mouse yet; add one with \"mouse 1\""_s)});
 }
 
 void tst_KvxRun::unusableFiles_data()

@@ -32,6 +32,12 @@ void prepareOnce()
     }
 }
 
+// The command itself, behind the word for the thread that it comes from.
+QString commandOf(const QStringList &words)
+{
+    return words.value(words.value(0) == u"other-thread" ? 1 : 0);
+}
+
 // Which devices were started. The plugin counts a device that is started twice as two and keeps one of them
 // when it is destroyed, so a host must not do that, and neither may a scenario that goes on afterwards.
 class Starts
@@ -40,17 +46,18 @@ public:
     bool isSecond(const QStringList &words) const
     {
         const auto current = m_started.find(m_current);
-        return words.value(0) == u"start" && current != m_started.cend() && current->second;
+        return commandOf(words) == u"start" && current != m_started.cend() && current->second;
     }
 
     void follow(const QStringList &words, const CommandResult &result)
     {
-        const QString command = words.value(0);
+        const QString command = commandOf(words);
         if (result.code == ExitCode::Unusable)
             return;
-        if (command == u"mouse" || command == u"use")
+        const bool isNew = command == u"mouse" || command == u"device";
+        if (isNew || command == u"use")
             m_current = words.value(1).toULongLong();
-        if (command == u"mouse" || command == u"start")
+        if (isNew || command == u"start")
             m_started[m_current] = command == u"start";
         if (command == u"remove") {
             m_started.erase(m_current);

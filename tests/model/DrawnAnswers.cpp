@@ -17,6 +17,26 @@ const Choice<int> &batteryLevels()
     return choice;
 }
 
+// Of those that the device only hands on.
+const Choice<int> &plainValues()
+{
+    static const Choice<int> choice{{31, 1}, {-1, 65536, largest, smallest}};
+    return choice;
+}
+
+const Choice<uint> &firmwareVersions()
+{
+    static const Choice<uint> choice{{258, 7},
+                                     {0, 65536, 2147483647U, 2147483648U, 0xfedcba98U, 4294967295U}};
+    return choice;
+}
+
+const Choice<quintptr> &forwardedResults()
+{
+    static const Choice<quintptr> choice{{77, 1}, {0, 4294967296U, quintptr(1) << 53}};
+    return choice;
+}
+
 // The first word means nothing.
 constexpr quint16 noise = 0x5555;
 
@@ -66,14 +86,18 @@ ReceiverAnswers otherAnswers(ReceiverAnswers answers, const Draw &draw)
         },
         [](ReceiverAnswers &all, const Draw &) { all.hasBatteryLevel = !all.hasBatteryLevel; },
         [](ReceiverAnswers &all, const Draw &) { all.hasReportRateInfo = !all.hasReportRateInfo; },
-        [](ReceiverAnswers &all, const Draw &) { all.firmwareVersion = 0xfedcba98U; },
+        [](ReceiverAnswers &all, const Draw &drawn) {
+            all.firmwareVersion = firmwareVersions().at(drawn.choices[1]);
+        },
         [](ReceiverAnswers &all, const Draw &drawn) {
             all.batteryLevel = drawnBatteryLevel(drawn.choices[1]);
         },
-        [](ReceiverAnswers &all, const Draw &) { all.statusValue = smallest; },
-        [](ReceiverAnswers &all, const Draw &) { all.deviceValue = largest; },
-        [](ReceiverAnswers &all, const Draw &) { all.levelValue = -1; },
-        [](ReceiverAnswers &all, const Draw &) { all.forwardedResult = quintptr(1) << 53; },
+        [](ReceiverAnswers &all, const Draw &drawn) { all.statusValue = plainValues().at(drawn.choices[1]); },
+        [](ReceiverAnswers &all, const Draw &drawn) { all.deviceValue = plainValues().at(drawn.choices[1]); },
+        [](ReceiverAnswers &all, const Draw &drawn) { all.levelValue = plainValues().at(drawn.choices[1]); },
+        [](ReceiverAnswers &all, const Draw &drawn) {
+            all.forwardedResult = forwardedResults().at(drawn.choices[1]);
+        },
     };
     changes.at(static_cast<std::size_t>(draw.choices[0]) % changes.size())(answers, draw);
     return answers;

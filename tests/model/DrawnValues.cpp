@@ -23,7 +23,8 @@ const Choice<int> &rates()
 
 const Choice<int> &slotIndexes()
 {
-    static const Choice<int> choice{{3, 1, 2, 4}, {5, 6, 7, 99, 0, -1, -2, largest, smallest}};
+    static const Choice<int> choice{{3, 1, 2, 4},
+                                    {5, 6, 7, 99, 0, -1, -2, 65535, 65536, 65539, largest, smallest}};
     return choice;
 }
 
@@ -48,6 +49,13 @@ const Choice<int> &maximums()
 const Choice<int> &dpiValues()
 {
     static const Choice<int> choice{{1600, 800, 2400}, {12000, 0, -1, largest, smallest}};
+    return choice;
+}
+
+// For what only has to survive them.
+const Choice<int> &anyNumbers()
+{
+    static const Choice<int> choice{{800, 1, 3}, {0, -1, 255, 65535, 65536, largest, smallest}};
     return choice;
 }
 
@@ -136,6 +144,8 @@ SlotValues drawnSlotValues(const Draw &draw)
     return values;
 }
 
+constexpr std::array<qsizetype, 5> otherTextCounts{6, 4, 0, 1, 1000};
+
 QStringList drawnSlotTexts(const Draw &draw)
 {
     QStringList texts;
@@ -145,12 +155,12 @@ QStringList drawnSlotTexts(const Draw &draw)
     if (const std::optional<std::size_t> slot = otherSlot(draw.choices[1])) {
         texts[static_cast<qsizetype>(*slot)] = otherSlotTexts().at(draw.choices[2]);
         // Now and then of another length as well.
-        if (draw.choices[0] == Draw::largest)
-            texts.append(u"800"_s);
-        else if (draw.choices[0] == Draw::largest - 1)
-            texts.removeLast();
-        else if (draw.choices[0] == Draw::largest - 2)
-            texts.clear();
+        const int fromLargest = (Draw::largest - draw.choices[0]) / 2;
+        if (fromLargest < static_cast<int>(otherTextCounts.size())) {
+            const qsizetype count = otherTextCounts.at(static_cast<std::size_t>(fromLargest));
+            texts = texts.mid(0, count);
+            texts.append(QStringList(count - texts.size(), u"800"_s));
+        }
     }
     return texts;
 }
@@ -185,7 +195,7 @@ int drawnNumber(Kind kind, const Draw &draw)
         static_assert(Draw::largest == 255, "every byte shall come");
         return choice;
     default:
-        return choice;
+        return anyNumbers().at(choice);
     }
 }
 

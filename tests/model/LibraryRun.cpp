@@ -16,7 +16,7 @@ void callWhatDoesNothing(ILogicalDeviceGen3Mouse &device, int number)
 {
     device.setDpiLevel(number);
     device.setDpiValue(number);
-    device.setScrollInversionEnabled(true);
+    device.setScrollInversionEnabled(number > 0);
     device.notify38();
     device.notify42();
     device.notify43();

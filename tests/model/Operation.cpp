@@ -38,7 +38,7 @@ struct Traits
 };
 
 // In the order of the kinds.
-constexpr std::array<Traits, 38> table{{
+constexpr std::array<Traits, kindCount> table{{
     {Kind::CreateDevice, "createLogicalDevice", Argument::None, Use::Host},
     {Kind::DestroyDevice, "destroyDevice", Argument::None, Use::Host},
     {Kind::Initialize, "initialize", Argument::Switches, Use::Host},

@@ -10,6 +10,7 @@
 #include <QtCore/QVariantMap>
 
 #include <array>
+#include <cstddef>
 #include <memory>
 #include <optional>
 
@@ -105,6 +106,9 @@ struct Operation
     ReportRateInfo rateInfo{};
     ReceiverAnswers answers;
 };
+
+constexpr std::size_t kindCount = static_cast<std::size_t>(Operation::Kind::InvokeTimerTimeout) + 1;
+constexpr std::size_t routeCount = static_cast<std::size_t>(Operation::Route::InsideRequest) + 1;
 
 /// The library and the model get the same object.
 using OperationPointer = std::shared_ptr<const Operation>;

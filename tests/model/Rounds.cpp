@@ -99,14 +99,14 @@ QString parameters(uint64_t seed)
         .arg(configured.maxSize);
 }
 
-Round runRound(uint64_t seed, const SpoilExpectation &spoilExpectation)
+Round runRound(uint64_t seed, const SpoilExpectation &spoilExpectation, DrawnCounts *counts)
 {
     Round round;
     OtherThread otherThread;
     // Each failure after the first is one that is shorter or saner, so the last one is what is left.
     const auto property = [&] {
         const std::vector<Draw> draws = *anySequence();
-        SequenceResult result = runSequence(draws, otherThread, spoilExpectation);
+        SequenceResult result = runSequence(draws, otherThread, spoilExpectation, counts);
         if (!round.shortest) {
             ++round.sequences;
             round.operations += static_cast<qint64>(result.operations.size());

@@ -23,5 +23,6 @@ uint64_t configuredSeed();
 /// What RC_PARAMS is to be set to for the same sequences.
 QString parameters(uint64_t seed);
 
-/// The other parameters are those of RC_PARAMS, or RapidCheck's own where the expectation is spoilt. The same seed gives the same sequences.
-Round runRound(uint64_t seed, const SpoilExpectation &spoilExpectation = {});
+/// The other parameters are those of RC_PARAMS, or RapidCheck's own where the expectation is spoilt. The same seed
+/// gives the same sequences. Where counts are given, the operations are counted there.
+Round runRound(uint64_t seed, const SpoilExpectation &spoilExpectation = {}, DrawnCounts *counts = nullptr);

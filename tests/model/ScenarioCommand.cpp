@@ -129,17 +129,30 @@ QString callComment(const Operation &operation)
     return callText(operation) + routeText(operation.route);
 }
 
-QString placeComment(Physical physical)
+QString reportText(const Operation &operation)
 {
-    switch (physical) {
-    case Physical::SecondReceiver:
-        return u"on another receiver"_s;
-    case Physical::NoReceiver:
-        return u"with a physical device that is no receiver"_s;
-    case Physical::Nothing:
-        return u"without a physical device"_s;
-    case Physical::FirstReceiver:
+    Operation shown = operation;
+    // A scenario's numbers are no larger than an int, and it has no word for what the plugin does not read.
+    shown.rateInfo.unused = 0;
+    if (operation.kind == Kind::SetFirmwareVersion)
+        return QString::fromLatin1(operationName(operation.kind)) + u'(' + reportWords(operation) + u')';
+    return callText(shown);
+}
+
+QString routeWords(Operation::Route route)
+{
+    switch (route) {
+    case Operation::Route::OtherThread:
+        return u"other-thread "_s;
+    case Operation::Route::InsideRequest:
+        return u"inside-request "_s;
+    case Operation::Route::Direct:
         break;
     }
-    return u"on the receiver"_s;
+    return {};
+}
+
+QString deviceCommand(Physical physical, const QString &id)
+{
+    return u"device %1 %2"_s.arg(id, physical == Physical::NoReceiver ? u"other"_s : u"none"_s);
 }

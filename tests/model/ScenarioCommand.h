@@ -14,7 +14,12 @@ QList<QPair<QString, QString>> mouseFields(const ReceiverAnswers &answers);
 /// The command that makes the operation on the current mouse; empty where there is none.
 QString scenarioCommand(const Operation &operation);
 
+/// The report as kvx run shows it: "setBatteryLevel(5)".
+QString reportText(const Operation &operation);
+/// The words in front of a command that let it come by the route, with the blank behind them.
+QString routeWords(Operation::Route route);
+
 /// The call, and from where it comes, for operations without a command.
 QString callComment(const Operation &operation);
-/// Where a device is.
-QString placeComment(Physical physical);
+/// The command that makes a device without a mouse.
+QString deviceCommand(Physical physical, const QString &id);

@@ -3,6 +3,7 @@
 #include "ScenarioCommand.h"
 
 #include <algorithm>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -22,7 +23,17 @@ DeviceId idOf(int slot)
     return deviceIds.at(static_cast<std::size_t>(slot));
 }
 
+QString reportLine(const Operation &report)
+{
+    return u"report [%1] %2"_s.arg(QString::number(idOf(report.slot)), reportText(report));
+}
+
 }  // namespace
+
+bool isLogLine(const QString &line)
+{
+    return line.startsWith(u"debug") || line.startsWith(u"warning") || line.startsWith(u"critical");
+}
 
 ScenarioWriter::ScenarioWriter()
 {
@@ -40,25 +51,51 @@ void ScenarioWriter::write(const Operation &operation)
     case Kind::ChangeReceiver:
         return writeReceiver(operation);
     case Kind::Initialize:
-        // What kvx does by itself.
-        if (operation.logSwitches != std::array<bool, 3>{true, true, true})
-            writeWithoutCommand(u"the factory: "_s + callText(operation));
-        return;
+        return writeLogSwitches(operation);
     case Kind::DeliverQueuedCalls:
-        return writeComment(u"the event loop is emptied"_s);
+        m_isQueuePossible = false;
+        return appendCommand(u"settle"_s);
     default:
         break;
     }
     const QString command = scenarioCommand(operation);
     const bool isOneLine = !command.isEmpty() && !command.contains(u'\n');
-    if (!isOneLine || operation.route != Operation::Route::Direct || !isMouse(operation.slot)) {
+    if (isOneLine && placeOf(operation.slot))
+        writeCall(operation, command);
+    else
         writeWithoutCommand(
             u"device %1: %2"_s.arg(QString::number(idOf(operation.slot)), callComment(operation)));
-        return;
-    }
-    use(operation.slot);
+}
+
+void ScenarioWriter::appendCommand(const QString &command)
+{
     m_lines.append(command);
     m_isCommand = true;
+}
+
+// As long as something waits for the event loop, nothing else may let it run.
+void ScenarioWriter::writeCall(const Operation &operation, QString command)
+{
+    const bool isDirect = operation.route == Operation::Route::Direct;
+    if (operation.route == Operation::Route::OtherThread)
+        m_isQueuePossible = true;
+    const bool isUsual = isDirect && !m_isQueuePossible;
+    if (isDirect && m_isQueuePossible && command.startsWith(u"report "))
+        command.prepend(u"at-once "_s);
+    if (!isUsual && !command.endsWith(u" nowait"))
+        command.append(u" nowait"_s);
+    use(operation.slot);
+    appendCommand(routeWords(operation.route) + command);
+}
+
+void ScenarioWriter::writeLogSwitches(const Operation &operation)
+{
+    const auto state = [](bool isOn) { return isOn ? u"on"_s : u"off"_s; };
+    const std::array<bool, 3> &switches = operation.logSwitches;
+    // Once kvx does it by itself.
+    if (std::exchange(m_isInitialized, true))
+        appendCommand(u"log debug %1 warning %2 critical %3"_s.arg(state(switches[0]), state(switches[1]),
+                                                                   state(switches[2])));
 }
 
 void ScenarioWriter::writeComment(const QString &text)
@@ -77,31 +114,25 @@ void ScenarioWriter::writeWithoutCommand(const QString &text)
 void ScenarioWriter::writeCreation(const Operation &operation)
 {
     const QString id = QString::number(idOf(operation.slot));
-    if (operation.physical != Physical::FirstReceiver)
-        writeWithoutCommand(u"device %1 is %2"_s.arg(id, placeComment(operation.physical)));
-    const std::optional<int> receiver = receiverOf(operation.physical);
-    m_receivers.at(static_cast<std::size_t>(operation.slot)) = receiver;
-    if (!receiver)
-        return;
+    m_places.at(static_cast<std::size_t>(operation.slot)) = operation.physical;
+    m_currentSlot = operation.slot;
+    if (!isMouse(operation.slot))
+        return appendCommand(deviceCommand(operation.physical, id));
+    if (operation.physical == Physical::SecondReceiver)
+        writeWithoutCommand(u"device %1 is on another receiver"_s.arg(id));
     QStringList words{u"mouse"_s, id};
     const QList<QPair<QString, QString>> all = mouseFields(answersFor(operation.slot));
     for (const auto &[name, value] : all)
         words.append(name + u'=' + value);
-    m_lines.append(words.join(u' '));
-    m_currentSlot = operation.slot;
+    appendCommand(words.join(u' '));
     writeFaults(operation.slot);
 }
 
 void ScenarioWriter::writeDestruction(const Operation &operation)
 {
-    if (!isMouse(operation.slot)) {
-        writeComment(u"device %1 is destroyed"_s.arg(idOf(operation.slot)));
-        return;
-    }
     use(operation.slot);
-    m_lines.append(u"remove"_s);
-    m_isCommand = true;
-    m_receivers.at(static_cast<std::size_t>(operation.slot)).reset();
+    appendCommand(u"remove"_s);
+    m_places.at(static_cast<std::size_t>(operation.slot)).reset();
     m_currentSlot = -1;
 }
 
@@ -124,7 +155,7 @@ void ScenarioWriter::writeReceiver(const Operation &operation)
     for (int slot = 0; slot < deviceSlotCount; ++slot) {
         if (!isMouse(slot))
             continue;
-        const bool isOnReceiver = m_receivers.at(static_cast<std::size_t>(slot)) == operation.receiver;
+        const bool isOnReceiver = receiverOf(*placeOf(slot)) == operation.receiver;
         for (qsizetype i = 0; isOnReceiver && i < after.size(); ++i) {
             if (after.at(i) == before.at(i))
                 continue;
@@ -139,33 +170,40 @@ void ScenarioWriter::writeReceiver(const Operation &operation)
     }
 }
 
-void ScenarioWriter::expectLines(const Operation &operation, const QStringList &lines)
+void ScenarioWriter::expectLines(const Operation &operation, const Operation *insideReport,
+                                 const QStringList &lines)
 {
+    // What is only kept back leaves no line.
+    if (operation.route == Operation::Route::InsideRequest)
+        return;
+    const bool isOwnReport = isReport(operation.kind) || operation.kind == Kind::MouseEventCallBack;
+    const QString thread = operation.route == Operation::Route::OtherThread ? u" on thread 2"_s : QString();
     QStringList wanted;
+    if (isOwnReport)
+        wanted.append(reportLine(operation) + thread);
     for (const QString &line : lines) {
-        if (line.startsWith(u"debug") || line.startsWith(u"warning") || line.startsWith(u"critical"))
+        // Reports have a line of their own in place of the call's, and the receiver's signals have one, too.
+        const bool isCallOfReport = line.startsWith(u"call") && (isOwnReport || !wanted.isEmpty());
+        if (isLogLine(line) || isCallOfReport)
             continue;
         wanted.append(line);
         const QString request = line.section(u"] "_s, 1).section(u'(', 0, 0);
-        if (line.startsWith(u"receiver") && answeredRequests().contains(request)) {
-            const QString effect = line.endsWith(u"true") ? u"drop"_s : u"refuse"_s;
-            wanted.append(u"verdict "_s + line.section(u' ', 1, 1) + u" fault on "_s + request + u": "_s +
-                          effect);
-        }
+        if (!line.startsWith(u"receiver") || !answeredRequests().contains(request))
+            continue;
+        const QString effect = line.contains(u"-> true"_s) ? u"drop"_s : u"refuse"_s;
+        wanted.append(u"verdict "_s + line.section(u' ', 1, 1) + u" fault on "_s + request + u": "_s +
+                      effect + thread);
+        if (const Operation *report = std::exchange(insideReport, nullptr))
+            wanted.append(reportLine(*report) + thread);
     }
-    if (isReport(operation.kind) || operation.kind == Kind::MouseEventCallBack) {
-        // The receiver's own signals have no line of call here, and the rates come with another first word.
-        const QString own =
-            u"report [%1] %2"_s.arg(QString::number(idOf(operation.slot)), callText(operation));
-        if (!wanted.isEmpty() && wanted.first().startsWith(u"call"))
-            wanted.removeFirst();
-        if (operation.kind != Kind::ReportRateChangedCallBack)
-            wanted.prepend(own);
-    }
-    if (mouseCount() < 2)
+    if (deviceCount() < 2)
         withoutIds(wanted);
-    if (!wanted.isEmpty())
-        m_lines.append(u"expect timeline "_s + wanted.join(u" | "_s));
+    m_lines.append((u"expect timeline "_s + wanted.join(u" | "_s)).trimmed());
+}
+
+void ScenarioWriter::expectLog(const QStringList &lines)
+{
+    m_lines.append((u"expect log "_s + lines.join(u" | "_s)).trimmed());
 }
 
 void ScenarioWriter::expectLogLine(const QString &line)
@@ -178,7 +216,7 @@ void ScenarioWriter::expectValue(DeviceId device, const QString &getter, const Q
 {
     const auto slot =
         static_cast<int>(std::find(deviceIds.cbegin(), deviceIds.cend(), device) - deviceIds.cbegin());
-    if (!isMouse(slot))
+    if (!placeOf(slot))
         return;
     use(slot);
     m_lines.append(u"expect %1 %2"_s.arg(getter, value.isEmpty() ? u"\"\""_s : value));
@@ -197,14 +235,13 @@ void ScenarioWriter::use(int slot)
     m_lines.append(u"use "_s + QString::number(idOf(slot)));
 }
 
-int ScenarioWriter::mouseCount() const
+int ScenarioWriter::deviceCount() const
 {
-    return static_cast<int>(
-        std::count_if(m_receivers.cbegin(), m_receivers.cend(),
-                      [](const std::optional<int> &receiver) { return receiver.has_value(); }));
+    return static_cast<int>(std::count_if(m_places.cbegin(), m_places.cend(),
+                                          [](const auto &place) { return place.has_value(); }));
 }
 
 const ReceiverAnswers &ScenarioWriter::answersFor(int slot) const
 {
-    return m_answers.at(static_cast<std::size_t>(m_receivers.at(static_cast<std::size_t>(slot)).value()));
+    return m_answers.at(static_cast<std::size_t>(receiverOf(placeOf(slot).value()).value()));
 }

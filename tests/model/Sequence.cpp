@@ -1,5 +1,6 @@
 #include "Sequence.h"
 
+#include "DrawnCounts.h"
 #include "HostedDevice.h"
 #include "LibraryRun.h"
 #include "OtherThread.h"
@@ -16,8 +17,8 @@ using Kind = Operation::Kind;
 class Comparison
 {
 public:
-    Comparison(OtherThread &otherThread, const SpoilExpectation &spoilExpectation)
-        : m_library(otherThread), m_spoilExpectation(spoilExpectation)
+    Comparison(OtherThread &otherThread, const SpoilExpectation &spoilExpectation, DrawnCounts *counts)
+        : m_library(otherThread), m_spoilExpectation(spoilExpectation), m_counts(counts)
     {}
 
     const Model::World &world() const { return m_world; }
@@ -30,7 +31,9 @@ public:
             return;
         m_result.operations.push_back(operation);
         m_library.apply(operation);
-        Model::apply(m_world, operation);
+        const std::array<OperationPointer, 2> keptBack = keptBackReports();
+        applyToModel(operation);
+        m_insideReport = madeReport(*operation, keptBack);
         compareValues(*operation);
         if (m_spoilExpectation)
             m_spoilExpectation(*operation, m_world.lines);
@@ -42,11 +45,41 @@ public:
         if (isOver())
             return;
         m_library.unload();
+        m_insideReport = nullptr;
         Model::unload(m_world);
         compareLines(nullptr);
     }
 
 private:
+    std::array<OperationPointer, 2> keptBackReports() const
+    {
+        return {m_world.receivers[0].reportInsideRequest, m_world.receivers[1].reportInsideRequest};
+    }
+
+    OperationPointer madeReport(const Operation &operation,
+                                const std::array<OperationPointer, 2> &keptBack) const
+    {
+        // What is kept back for a device dies with it.
+        if (operation.kind == Kind::DestroyDevice)
+            return nullptr;
+        for (std::size_t index = 0; index < keptBack.size(); ++index) {
+            if (keptBack.at(index) && !m_world.receivers.at(index).reportInsideRequest)
+                return keptBack.at(index);
+        }
+        return nullptr;
+    }
+
+    void applyToModel(const OperationPointer &operation)
+    {
+        if (!m_counts || operation->route == Operation::Route::InsideRequest) {
+            Model::apply(m_world, operation);
+            return;
+        }
+        const Model::World before = m_world;
+        Model::apply(m_world, operation);
+        m_counts->count({*operation, before, m_world});
+    }
+
     // The getters come before the lines, so that a line that one of them writes is seen as well.
     void compareValues(const Operation &operation)
     {
@@ -71,13 +104,16 @@ private:
     {
         const QString seen = m_library.take();
         if (seen != m_world.lines.join(u'\n') || !m_values.isEmpty())
-            m_result.deviation = Deviation{operation, m_world.lines, seen.split(u'\n'), m_values};
+            m_result.deviation = Deviation{operation, m_insideReport, m_world.lines,
+                                           seen.isEmpty() ? QStringList() : seen.split(u'\n'), m_values};
         m_world.lines.clear();
     }
 
     Model::World m_world;
     LibraryRun m_library;
     const SpoilExpectation &m_spoilExpectation;
+    DrawnCounts *m_counts;
+    OperationPointer m_insideReport;
     QList<Deviation::Value> m_values;
     SequenceResult m_result;
 };
@@ -114,9 +150,9 @@ void destroyOthersThanTheTwiceStarted(Comparison &comparison)
 }  // namespace
 
 SequenceResult runSequence(const std::vector<Draw> &draws, OtherThread &otherThread,
-                           const SpoilExpectation &spoilExpectation)
+                           const SpoilExpectation &spoilExpectation, DrawnCounts *counts)
 {
-    Comparison comparison(otherThread, spoilExpectation);
+    Comparison comparison(otherThread, spoilExpectation, counts);
     comparison.make(allSwitchesOn());
     comparison.make(onDevice(Kind::CreateDevice, 0));
     for (const Draw &draw : draws) {

@@ -49,6 +49,14 @@ public:
     static QStringList commandNames();
 
 private:
+    /// From where a call or a report comes.
+    enum class Route {
+        Usual,  ///< a call from the devices' thread, a report from its event loop
+        OtherThread,
+        AtOnce,
+        InsideRequest,
+    };
+
     static const QList<Command> &commands();
     CommandResult dispatch(const Command &command, const QStringList &words);
 
@@ -68,6 +76,18 @@ private:
     CommandResult applySettings(const QStringList &words);
     CommandResult resetSettings(const QStringList &words);
 
+    // Scenario_Host.cpp
+    CommandResult device(const QStringList &words);
+    CommandResult log(const QStringList &words);
+    CommandResult settle(const QStringList &words);
+    CommandResult otherThread(const QStringList &words);
+    CommandResult atOnce(const QStringList &words);
+    CommandResult insideRequest(const QStringList &words);
+    /// Runs the command that the words are, if it is one of the known ones.
+    CommandResult runBy(Route route, const QStringList &known, const QStringList &words);
+    /// Makes the call from where the line says.
+    void callDevice(const std::function<void()> &call);
+
     // Scenario_Mouse.cpp
     CommandResult mouse(const QStringList &words);
     CommandResult use(const QStringList &words);
@@ -79,6 +99,7 @@ private:
     CommandResult sleep(const QStringList &words);
     CommandResult wake(const QStringList &words);
     CommandResult report(const QStringList &words);
+    void sendReport(const MouseMessage &report);
     CommandResult fault(const QStringList &words);
     CommandResult faults(const QStringList &words);
     CommandResult clearFaults(const QStringList &words);
@@ -91,6 +112,7 @@ private:
     CommandResult expect(const QStringList &words);
     CommandResult expectSignal(const QString &expected);
     CommandResult expectTimeline(const QString &expected);
+    CommandResult expectLog(const QString &expected);
     CommandResult wait(const QStringList &words);
     CommandResult deadline(const QStringList &words);
 
@@ -100,15 +122,19 @@ private:
                           const std::function<void(HostedDevice &)> &call);
     CommandResult settled();
     CommandResult act(const std::function<QList<MouseMessage>(SimulatedMouse &)> &action);
+    static CommandResult withoutAnyDevice();
     CommandResult wrongWord(const QString &word, const QString &wanted) const;
     QStringList eventLines(quint64 after) const;
+    QStringList logLines(quint64 after) const;
 
     std::function<void(const QString &)> m_print;
     Workbench m_workbench;
     quint64 m_taken = 0;         // the last entry that takeEntries() gave
     quint64 m_signalCursor = 0;  // the last entry that "expect signal" or "wait" has used
-    // What the line says behind its command.
+    quint64 m_lastAction = 0;    // the last entry before the last command that did something to a device
+    // What the line says behind its command, or in front of it.
     QString m_rest;
     QString m_wantedOutcome;
     bool m_isWaiting = true;
+    Route m_route = Route::Usual;
 };

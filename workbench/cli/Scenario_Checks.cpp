@@ -60,9 +60,13 @@ CommandResult Scenario::expect(const QStringList &words)
         return expectSignal(rest);
     if (name == u"timeline")
         return expectTimeline(rest);
+    if (name == u"log")
+        return expectLog(rest);
+    if (!m_workbench.device())
+        return withoutAnyDevice();
     const std::optional<QString> value = deviceValue(*m_workbench.device(), name);
     if (!value)
-        return wrongWord(name, u"a value, \"signal\" or \"timeline\""_s);
+        return wrongWord(name, u"a value, \"signal\", \"timeline\" or \"log\""_s);
     const QString expected = words.mid(1).join(u' ');
     if (*value != expected)
         return CommandResult::difference(u"%1: expected \"%2\", seen \"%3\""_s.arg(name, expected, *value));
@@ -86,13 +90,24 @@ CommandResult Scenario::expectSignal(const QString &expected)
 
 CommandResult Scenario::expectTimeline(const QString &expected)
 {
-    const QStringList wanted = expected.split(lineSeparator);
-    QStringList seen = eventLines(0);
-    seen = seen.mid(qMax(qsizetype(0), seen.size() - wanted.size()));
+    const QStringList wanted = expected.isEmpty() ? QStringList() : expected.split(lineSeparator);
+    QStringList seen = eventLines(wanted.isEmpty() ? m_lastAction : 0);
+    if (!wanted.isEmpty())
+        seen = seen.mid(qMax(qsizetype(0), seen.size() - wanted.size()));
     if (seen == wanted)
         return {};
+    return CommandResult::difference(u"the last lines: expected %1, seen %2"_s.arg(
+        expected.isEmpty() ? u"none"_s : expected, seen.join(lineSeparator)));
+}
+
+CommandResult Scenario::expectLog(const QString &expected)
+{
+    const QString seen = logLines(m_lastAction).join(lineSeparator).trimmed();
+    if (seen == expected)
+        return {};
+    const auto text = [](const QString &lines) { return lines.isEmpty() ? u"none"_s : lines; };
     return CommandResult::difference(
-        u"the last lines: expected %1, seen %2"_s.arg(expected, seen.join(lineSeparator)));
+        u"the log of the last command: expected %1, seen %2"_s.arg(text(expected), text(seen)));
 }
 
 CommandResult Scenario::wait(const QStringList &words)

@@ -6,13 +6,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-std::optional<DeviceId> deviceIdOf(const QString &word)
-{
-    bool isNumber = false;
-    const DeviceId id = word.toULongLong(&isNumber, 10);
-    return isNumber ? std::optional<DeviceId>(id) : std::nullopt;
-}
-
 // The arguments of a report or an alteration in the form of the timeline: five slot values are one array, the
 // rates behind reportRateChangedCallBack a record, a number a number, anything else a text.
 std::optional<QJsonArray> messageArguments(const QString &operation, const QStringList &words)
@@ -216,8 +209,28 @@ CommandResult Scenario::report(const QStringList &words)
     const std::optional<QJsonArray> arguments = messageArguments(operation, words.mid(1));
     if (!arguments)
         return wrongWord(words.mid(1).join(u' '), u"what %1 reports"_s.arg(operation));
-    m_workbench.receiver.report(m_workbench.currentMouse(), {operation, *arguments});
+    if (operation == u"mouseEventCallBack" && m_route != Route::Usual && m_route != Route::AtOnce)
+        return CommandResult::unusable(
+            u"mouseEventCallBack must come on the device's thread; write \"report\" or \"at-once report\""_s);
+    sendReport({operation, *arguments});
     return settled();
+}
+
+void Scenario::sendReport(const MouseMessage &report)
+{
+    const DeviceId id = m_workbench.currentMouse();
+    switch (m_route) {
+    case Route::Usual:
+        m_workbench.receiver.report(id, report);
+        break;
+    case Route::InsideRequest:
+        m_workbench.receiver.reportInsideRequest(id, report);
+        break;
+    case Route::OtherThread:
+    case Route::AtOnce:
+        callDevice([&] { m_workbench.receiver.reportAtOnce(id, report); });
+        break;
+    }
 }
 
 CommandResult Scenario::fault(const QStringList &words)

@@ -34,7 +34,7 @@ CommandResult Scenario::request(const QString &receiverOperation, bool (Mouse::*
 {
     HostedDevice &device = *m_workbench.device();
     const quint64 before = m_workbench.timeline.lastSequence();
-    call(device);
+    callDevice([&] { call(device); });
     const auto isPending = [&] { return pending && (device.device()->*pending)(); };
     if (!m_isWaiting)
         return {};
@@ -53,14 +53,17 @@ CommandResult Scenario::request(const QString &receiverOperation, bool (Mouse::*
 
 CommandResult Scenario::start(const QStringList & /*words*/)
 {
-    if (!m_workbench.device()->start())
+    bool isStarted = false;
+    m_workbench.noteStart();
+    callDevice([&] { isStarted = m_workbench.device()->start(); });
+    if (!isStarted)
         return CommandResult::difference(u"start: expected true, seen false"_s);
     return settled();
 }
 
 CommandResult Scenario::stop(const QStringList & /*words*/)
 {
-    m_workbench.device()->stop();
+    callDevice([this] { m_workbench.device()->stop(); });
     return settled();
 }
 
@@ -127,7 +130,7 @@ CommandResult Scenario::applySettings(const QStringList &words)
         const std::optional<int> number = numberOf(value);
         settings.insert(word.left(equals), number ? QVariant(*number) : QVariant(value));
     }
-    m_workbench.device()->applySettings(settings);
+    callDevice([&] { m_workbench.device()->applySettings(settings); });
     return settled();
 }
 

@@ -93,3 +93,10 @@ std::optional<int> numberOf(const QString &word)
     const int number = isHexadecimal ? digits.toInt(&isNumber, 16) : word.toInt(&isNumber, 10);
     return isNumber ? std::optional<int>(number) : std::nullopt;
 }
+
+std::optional<DeviceId> deviceIdOf(const QString &word)
+{
+    bool isNumber = false;
+    const DeviceId id = word.toULongLong(&isNumber, 10);
+    return isNumber ? std::optional<DeviceId>(id) : std::nullopt;
+}

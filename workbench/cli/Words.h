@@ -1,5 +1,7 @@
 #pragma once
 
+#include "DeviceId.h"
+
 #include <QtCore/QString>
 #include <QtCore/QStringList>
 
@@ -17,3 +19,6 @@ QString behindFirstWord(const QString &line);
 
 /// A whole number as the interfaces take them: decimal, or hexadecimal after 0x.
 std::optional<int> numberOf(const QString &word);
+
+/// The id of a mouse or device: a whole number, decimal.
+std::optional<DeviceId> deviceIdOf(const QString &word);

@@ -2,6 +2,8 @@
 
 #include "HostedDevice.h"
 #include "LogRecorder.h"
+#include "OtherThread.h"
+#include "PlainPhysicalDevice.h"
 #include "PluginHost.h"
 #include "SimulatedHostServices.h"
 #include "SimulatedReceiver.h"
@@ -9,6 +11,7 @@
 
 #include <QtCore/QString>
 
+#include <array>
 #include <chrono>
 #include <functional>
 #include <map>
@@ -20,11 +23,14 @@
 class Workbench
 {
 public:
+    /// Debug, warning, critical.
+    using LogSwitches = std::array<bool, 3>;
+
     Workbench() = default;
     ~Workbench();
     Q_DISABLE_COPY_MOVE(Workbench)
 
-    /// Loads and initializes the plugin; the reason in one sentence when it cannot be used.
+    /// Loads and initializes the plugin with all log switches on; the reason in one sentence when it cannot be used.
     std::optional<QString> load(const QString &pluginFile);
 
     Timeline timeline;
@@ -35,14 +41,29 @@ public:
 
     /// Adds a mouse and its logical device, not started, and makes it the current one. False when there is one.
     bool addMouse(DeviceId id, const SimulatedMouse &mouse);
+    /// Adds a logical device without a mouse, not started, and makes it the current one: without a physical device, or
+    /// with one that is no receiver. False when there is one with this id.
+    bool addDevice(DeviceId id, bool hasPhysicalDevice);
     /// Makes another mouse the current one. False when there is none with this id.
     bool useMouse(DeviceId id);
-    /// Deletes the logical device of the current mouse and takes the mouse away.
+    /// Deletes the current logical device and takes its mouse away.
     void removeMouse();
-    /// The logical device of the current mouse; null when there is none.
+    /// The current logical device; null when there is none.
     HostedDevice *device() const;
     DeviceId currentMouse() const { return m_current; }
-    bool hasSeveralMice() const { return m_devices.size() > 1; }
+    /// Whether there is a mouse behind the current device.
+    bool hasMouse() const;
+    bool hasSeveralDevices() const { return m_devices.size() > 1; }
+
+    /// To be told of each start of the current device.
+    void noteStart();
+
+    /// Initializes the factory anew.
+    void setLogSwitches(const LogSwitches &switches);
+    LogSwitches logSwitches() const { return m_logSwitches; }
+
+    /// Runs the function on another thread and waits until it has returned; the event loop does not run meanwhile.
+    void runOnOtherThread(const std::function<void()> &function);
 
     /// Runs the event loop until the condition holds or nothing is under way any more; false at the deadline.
     bool settle(const std::function<bool()> &condition = {});
@@ -52,6 +73,18 @@ public:
     std::chrono::milliseconds deadline{10000};
 
 private:
-    std::map<DeviceId, std::unique_ptr<HostedDevice>> m_devices;
+    struct Entry
+    {
+        std::unique_ptr<HostedDevice> device;
+        bool hasMouse = false;
+        int starts = 0;
+    };
+
+    bool createDevice(DeviceId id, IPhysicalDevice *physicalDevice, bool hasMouse);
+
+    PlainPhysicalDevice m_plainDevice{timeline};
+    std::map<DeviceId, Entry> m_devices;
     DeviceId m_current = 0;
+    LogSwitches m_logSwitches{true, true, true};
+    std::optional<OtherThread> m_otherThread;  // from its first use on
 };
