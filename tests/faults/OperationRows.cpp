@@ -74,14 +74,14 @@ Operations gettersOfTheDevice()
     return {
         getter(MOUSE(deviceType), "2"_L1),
         getter(MOUSE(deviceClass), "7"_L1),
-        getter(MOUSE(name), "\"Orvane Tessa Mouse\""_L1),
-        getter(MOUSE(instanceId), "\"random\""_L1),
+        getter(MOUSE(name), R"("Orvane Tessa Mouse")"_L1),
+        getter(MOUSE(instanceId), R"("random")"_L1),
         getter(MOUSE(firmwareVersion), "258"_L1, zero),
-        getter(MOUSE(iid), "\"com.orvane.KVX.Plugin.LogicalDevice.RV418\""_L1),
+        getter(MOUSE(iid), R"("com.orvane.KVX.Plugin.LogicalDevice.RV418")"_L1),
         getter(MOUSE(deviceValue), "32"_L1, zero),
-        getter(MOUSE(modelCode), "\"RV418\""_L1),
-        getter(MOUSE(physicalDevice), "\"physical device\""_L1),
-        getter(MOUSE(deviceImage), "\"0 bytes\""_L1),
+        getter(MOUSE(modelCode), R"("RV418")"_L1),
+        getter(MOUSE(physicalDevice), R"("physical device")"_L1),
+        getter(MOUSE(deviceImage), R"("0 bytes")"_L1),
         getter(MOUSE(hasBatteryLevel), yes, no),
         getter(MOUSE(batteryLevel), "80"_L1, "-1"_L1),
         getter(MOUSE(statusValue), "31"_L1, zero),
@@ -95,7 +95,7 @@ Operations gettersOfTheDevice()
         getter(MOUSE(query33), zero),
         getter(MOUSE(levelValue), "33"_L1, zero),
         getter(MOUSE(query35), no),
-        getter(MOUSE(defaultProfile), "\"51 bytes\""_L1),
+        getter(MOUSE(defaultProfile), R"("51 bytes")"_L1),
     };
 }
 
@@ -118,13 +118,13 @@ Operations gettersOfTheMouse()
         getter(MOUSE(query70), "1"_L1),
         getter(MOUSE(isReportRateSupported), yes),
         getter(MOUSE(reportRate), "500"_L1, zero),
-        getter(MOUSE(reportRateValues), "[\"125\", \"250\", \"500\", \"1000\"]"_L1, none),
+        getter(MOUSE(reportRateValues), R"(["125", "250", "500", "1000"])"_L1, none),
         getter(MOUSE(isReportRateChangePending), no),
         getter(MOUSE(isScrollInversionEnabled), no),
         getter(MOUSE(query88), no),
         getter(MOUSE(query89), no),
         getter(MOUSE(query91), no),
-        getter("ppid", &ILogicalDeviceGen3::ppid, "\"\""_L1),
+        getter("ppid", &ILogicalDeviceGen3::ppid, R"("")"_L1),
     };
 }
 

@@ -69,9 +69,9 @@ void tst_LifecycleMemory::everyByteIsCounted()
     void *block = std::malloc(1000);
     const long small = outstandingBytes() - before;
     // More than the heap can add without a word.
-    block = std::realloc(block, 100000);
+    void *moved = std::realloc(block, 100000);
     const long large = outstandingBytes() - before;
-    std::free(block);
+    std::free(moved);
     QVERIFY(small >= 1000 && small < 1100);
     QVERIFY(large >= 100000 && large < 105000);
     QCOMPARE(outstandingBytes(), before);

@@ -112,7 +112,7 @@ QStringList refusedStep(const StorySeen &accepted, const ReceiverCall &call)
 std::size_t settledStep(const StorySeen &story, const ReceiverCall &call)
 {
     std::size_t step = call.step;
-    while (step < story.steps.size() && !(story.steps[step].kind == call.kind && story.steps[step].settles))
+    while (step < story.steps.size() && (story.steps[step].kind != call.kind || !story.steps[step].settles))
         ++step;
     return step;
 }
