@@ -18,6 +18,19 @@ struct Draw
     std::array<int, 3> choices{};
 };
 
+/// A draw of what next() gives, numbers of 0 to Draw::largest.
+template <typename Next>
+Draw drawn(Next &&next)
+{
+    Draw draw;
+    draw.kind = next();
+    draw.target = next();
+    draw.route = next();
+    for (int &choice : draw.choices)
+        choice = next();
+    return draw;
+}
+
 /// The draws that a sequence can be made simpler with, the simplest first.
 std::vector<Draw> simplerDraws(const Draw &draw);
 

@@ -73,13 +73,8 @@ rc::Gen<std::vector<Draw>> anySequence()
         rc::Random numbers(random);
         const auto next = [&] { return static_cast<int>(numbers.next() % (Draw::largest + 1)); };
         std::vector<Draw> draws(numbers.next() % (static_cast<uint64_t>(size) * drawsPerSize + 1));
-        for (Draw &draw : draws) {
-            draw.kind = next();
-            draw.target = next();
-            draw.route = next();
-            for (int &choice : draw.choices)
-                choice = next();
-        }
+        for (Draw &draw : draws)
+            draw = drawn(next);
         return rc::shrinkable::shrinkRecur(draws, &simplerSequences);
     };
 }

@@ -81,13 +81,8 @@ std::vector<Draw> drawnSequence(std::mt19937 &numbers)
     constexpr std::size_t length = 40;
     const auto next = [&] { return static_cast<int>(numbers() % (Draw::largest + 1)); };
     std::vector<Draw> draws(length);
-    for (Draw &draw : draws) {
-        draw.kind = next();
-        draw.target = next();
-        draw.route = next();
-        for (int &choice : draw.choices)
-            choice = next();
-    }
+    for (Draw &draw : draws)
+        draw = drawn(next);
     return draws;
 }
 
