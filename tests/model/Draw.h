@@ -20,7 +20,7 @@ struct Draw
 
 /// A draw of what next() gives, numbers of 0 to Draw::largest.
 template <typename Next>
-Draw drawn(Next &&next)
+Draw drawn(const Next &next)
 {
     Draw draw;
     draw.kind = next();
