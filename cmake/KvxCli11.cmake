@@ -10,4 +10,6 @@ else()
     file(CREATE_LINK ${KVX_CLI11_FOLDER}/CLI ${folder}/CLI SYMBOLIC)
     add_library(CLI11::CLI11 INTERFACE IMPORTED)
     target_include_directories(CLI11::CLI11 SYSTEM INTERFACE ${folder})
+    # The libc++ of windows/ has no <filesystem>.
+    target_compile_definitions(CLI11::CLI11 INTERFACE CLI11_HAS_FILESYSTEM=0)
 endif()

@@ -3,9 +3,28 @@
 #include "IPhysicalDeviceDongle.h"
 #include "LogicalDevice.h"
 
+#include <QtCore/QMetaType>
+
+namespace {
+
+// Qt's own code writes the map: it keeps its entries in a std::map, which has the layout of the standard library that the
+// host and its Qt were built with. Ours may be another one.
+struct LoggedMap
+{
+    const QVariantMap &map;
+};
+
+QDebug operator<<(QDebug debug, const LoggedMap &logged)
+{
+    QMetaType(QMetaType::QVariantMap).debugStream(debug, &logged.map);
+    return debug;
+}
+
+}  // namespace
+
 void LogicalDevice::applySettings(const QVariantMap &settings)
 {
-    deviceDebug() << "applySettings :" << settings;
+    deviceDebug() << "applySettings :" << LoggedMap{settings};
 }
 
 void LogicalDevice::resetSettings()

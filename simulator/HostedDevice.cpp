@@ -1,5 +1,6 @@
 #include "HostedDevice.h"
 
+#include "HostMap.h"
 #include "Timeline.h"
 #include "TimelineValue.h"
 
@@ -65,7 +66,7 @@ void HostedDevice::setBatteryLevel(int newBatteryLevel)
 void HostedDevice::applySettings(const QVariantMap &settings)
 {
     recordCall("applySettings", {timelineValue(settings)});
-    m_device->applySettings(settings);
+    m_device->applySettings(HostMap(settings).map());
 }
 
 void HostedDevice::resetSettings()

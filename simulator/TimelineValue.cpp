@@ -60,7 +60,10 @@ QJsonValue timelineValue(const QList<int> &values)
 
 QJsonValue timelineValue(const QVariantMap &values)
 {
-    return QJsonObject::fromVariantMap(values);
+    QJsonObject object;
+    for (auto value = values.cbegin(); value != values.cend(); ++value)
+        object.insert(value.key(), QJsonValue::fromVariant(*value));
+    return object;
 }
 
 QJsonValue timelineValue(const quint16 *values)

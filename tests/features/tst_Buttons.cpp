@@ -198,30 +198,29 @@ void tst_Buttons::imageComesFromTheHostsResources()
 
 void tst_Buttons::buttonsAreDisabled_data()
 {
-    QTest::addColumn<QList<int>>("ids");
     QTest::addColumn<QString>("text");
     QTest::addColumn<int>("mask");
-    QTest::newRow("first") << QList<int>{1} << u"1"_s << 0x01;
-    QTest::newRow("last") << QList<int>{5} << u"5"_s << 0x10;
-    QTest::newRow("odd-ones") << QList<int>{1, 3, 5} << u"1, 3, 5"_s << 0x15;
-    QTest::newRow("all") << QList<int>{5, 4, 3, 2, 1} << u"5, 4, 3, 2, 1"_s << 0x1f;
-    QTest::newRow("twice-and-unknown") << QList<int>{2, 2, 7} << u"2, 2, 7"_s << 0x02;
-    QTest::newRow("none") << QList<int>() << QString() << 0;
-    QTest::newRow("only-unknown") << QList<int>{0, 6, 8, -1, 128} << u"0, 6, 8, -1, 128"_s << 0;
-    QTest::newRow("smart-pointer-bit-is-no-button") << QList<int>{8} << u"8"_s << 0;
-    QTest::newRow("extremes") << QList<int>{std::numeric_limits<int>::min(), std::numeric_limits<int>::max(),
-                                            4}
-                              << u"-2147483648, 2147483647, 4"_s << 0x08;
-    QTest::newRow("word-multiples") << QList<int>{33, 257, 65537} << u"33, 257, 65537"_s << 0;
+    QTest::newRow("first") << u"1"_s << 0x01;
+    QTest::newRow("last") << u"5"_s << 0x10;
+    QTest::newRow("odd-ones") << u"1, 3, 5"_s << 0x15;
+    QTest::newRow("all") << u"5, 4, 3, 2, 1"_s << 0x1f;
+    QTest::newRow("twice-and-unknown") << u"2, 2, 7"_s << 0x02;
+    QTest::newRow("none") << QString() << 0;
+    QTest::newRow("only-unknown") << u"0, 6, 8, -1, 128"_s << 0;
+    QTest::newRow("smart-pointer-bit-is-no-button") << u"8"_s << 0;
+    QTest::newRow("extremes") << u"-2147483648, 2147483647, 4"_s << 0x08;
+    QTest::newRow("word-multiples") << u"33, 257, 65537"_s << 0;
 }
 
 void tst_Buttons::buttonsAreDisabled()
 {
-    QFETCH(const QList<int>, ids);
     QFETCH(const QString, text);
     QFETCH(const int, mask);
     Bench bench;
     HostedDevice &device = bench.started();
+    QList<int> ids;
+    for (const QString &id : text.split(u", "_s, Qt::SkipEmptyParts))
+        ids.append(id.toInt());
     device.disbaleButtonsOrKeys(ids);
     QCOMPARE(bench.take(), timelineText(disableCall(text, mask)));
 }

@@ -3,13 +3,12 @@
 
 #include "FuzzTarget.h"
 
-#include <algorithm>
+#include <QtCore/QDir>
+#include <QtCore/QFile>
+
 #include <charconv>
 #include <cstdio>
 #include <cstring>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <vector>
 
 namespace {
@@ -18,20 +17,13 @@ using Bytes = std::vector<std::uint8_t>;
 
 constexpr int badUsage = 2;
 
-std::vector<std::filesystem::path> filesOf(const std::filesystem::path &folder)
+Bytes bytesOf(const QString &path)
 {
-    std::vector<std::filesystem::path> files;
-    std::error_code problem;
-    for (const auto &entry : std::filesystem::directory_iterator(folder, problem))
-        files.push_back(entry.path());
-    std::sort(files.begin(), files.end());
-    return files;
-}
-
-Bytes bytesOf(const std::filesystem::path &file)
-{
-    std::ifstream stream(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    const QByteArray content = file.readAll();
+    return {content.begin(), content.end()};
 }
 
 // In memory of just its size, so that a sanitizer sees each access behind its end.
@@ -71,17 +63,18 @@ int main(int argc, char **argv)
         std::fprintf(stderr, "give a folder of inputs, and at how many places to change each of them\n");
         return badUsage;
     }
-    const std::vector<std::filesystem::path> files = filesOf(argv[1]);
-    if (files.empty()) {
+    const QDir folder(QString::fromLocal8Bit(argv[1]));
+    const QStringList files = folder.entryList(QDir::Files, QDir::Name);
+    if (files.isEmpty()) {
         std::fprintf(stderr, "\"%s\" holds no input; give a folder that does\n", argv[1]);
         return badUsage;
     }
     std::size_t count = 0;
-    for (const std::filesystem::path &file : files) {
+    for (const QString &file : files) {
         // Before it is read: the last one named is the one that broke something.
-        std::printf("%s\n", file.filename().string().c_str());
+        std::printf("%s\n", qPrintable(file));
         std::fflush(stdout);
-        count += feedVariants(bytesOf(file), positions);
+        count += feedVariants(bytesOf(folder.filePath(file)), positions);
     }
     std::printf("%zu inputs\n", count);
     return 0;

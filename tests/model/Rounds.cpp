@@ -120,7 +120,7 @@ Round runRound(uint64_t seed, const SpoilExpectation &spoilExpectation, DrawnCou
     if (!result.is<rc::detail::SuccessResult>() && !round.shortest) {
         std::ostringstream text;
         rc::detail::printResultMessage(result, text);
-        round.problem = QString::fromStdString(text.str());
+        round.problem = QString::fromUtf8(text.str());
     }
     return round;
 }

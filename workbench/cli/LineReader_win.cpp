@@ -14,7 +14,7 @@ LineReader::~LineReader() = default;
 std::optional<QString> LineReader::readLine(const QString &prompt)
 {
     if (_isatty(_fileno(stdin)) != 0)
-        std::cout << prompt.toStdString() << std::flush;
+        std::cout << prompt.toUtf8().constData() << std::flush;
     std::string line;
-    return std::getline(std::cin, line) ? std::optional<QString>(QString::fromStdString(line)) : std::nullopt;
+    return std::getline(std::cin, line) ? std::optional<QString>(QString::fromUtf8(line)) : std::nullopt;
 }

@@ -23,7 +23,7 @@ std::vector<std::string> reversedArguments()
     const QStringList words = QCoreApplication::arguments().mid(1);
     std::vector<std::string> reversed;
     for (auto word = words.crbegin(); word != words.crend(); ++word)
-        reversed.push_back(word->toStdString());
+        reversed.emplace_back(word->toUtf8().constData());
     return reversed;
 }
 
@@ -75,18 +75,18 @@ int parseAndRun()
     }
 
     if (session->parsed()) {
-        sessionOptions.pluginFile = QString::fromStdString(pluginFile);
+        sessionOptions.pluginFile = QString::fromUtf8(pluginFile);
         return static_cast<int>(runSession(sessionOptions));
     }
     if (run->parsed()) {
-        runOptions.file = QString::fromStdString(scenarioFile);
-        runOptions.pluginFile = QString::fromStdString(pluginFile);
+        runOptions.file = QString::fromUtf8(scenarioFile);
+        runOptions.pluginFile = QString::fromUtf8(pluginFile);
         return static_cast<int>(runScenario(runOptions));
     }
     if (shell->parsed())
-        return static_cast<int>(runShell(QString::fromStdString(pluginFile)));
+        return static_cast<int>(runShell(QString::fromUtf8(pluginFile)));
     if (inspect->parsed())
-        return static_cast<int>(runInspect(QString::fromStdString(inspectedFile)));
+        return static_cast<int>(runInspect(QString::fromUtf8(inspectedFile)));
     std::cerr << app.help();
     return static_cast<int>(ExitCode::Unusable);
 }

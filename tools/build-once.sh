@@ -1,14 +1,15 @@
-# Sourced by the scripts that build a Qt of their own, after common.sh. The script says what it builds:
+# Sourced, after common.sh, by the scripts that build what a preset needs and no package has. The script says what it
+# builds:
 #
-#   qtName          what it is called in messages, for example "Qt for Windows"
-#   qtVerb          the call of ./dev that needs it
+#   name            what it is called in messages, for example "Qt for ThreadSanitizer"
+#   verb            the call of ./dev that needs it
 #   cache           the folder that holds the finished ones, each named by its key
-#   toolchain       the packages that make the libraries what they are beside the source
-#   keyFiles        files that take part in it
-#   configure       a function that configures build/ for source/, to be installed to the prefix /qt
+#   packages        the installed packages that take part in it
+#   keyFiles        the files that take part in it
+#   make            a function that leaves it in $building/made; what it calls is in keyFunctions
 #   minutes         how long that takes, for the user
 #
-# and calls provide_qt. The source is that of the very Qt that the toolbox builds with, so all have one version.
+# and calls provide, which builds it unless it is there, and prints its folder.
 # shellcheck shell=bash
 # shellcheck disable=SC2154 # the variables are the script's
 
@@ -17,27 +18,32 @@ cannot() {
     exit 3
 }
 
-source_version() {
+# The source package of an installed one, as apt takes it: NAME=VERSION.
+source_of() {
     # shellcheck disable=SC2016 # dpkg-query is the one to fill it in
-    dpkg-query --show --showformat '${source:Version}' qt6-base-dev
+    dpkg-query --show --showformat '${source:Package}=${source:Version}' "$1"
 }
 
 check_installed() {
     local package
-    for package in qt6-base-dev "${toolchain[@]}"; do
+    for package in "${packages[@]}"; do
         dpkg-query --show "$package" >/dev/null 2>&1 ||
-            cannot "the package $package is not installed here; the toolbox has it: $qtVerb"
+            cannot "the package $package is not installed here; the toolbox has it: $verb"
     done
 }
 
-# A hash of all that decides what is built: the source, the compiler with its headers, and the recipe.
+# A hash of all that decides what is built.
 key() {
     {
-        source_version
-        dpkg-query --show "${toolchain[@]}"
-        declare -f fetch_source configure make_qt
+        dpkg-query --show "${packages[@]}"
+        declare -f make fetch_sources "${keyFunctions[@]}"
         ((${#keyFiles[@]} == 0)) || cat -- "${keyFiles[@]}"
     } | sha256sum | cut -c1-16
+}
+
+# step TEXT: what is said when one of the next commands fails.
+step() {
+    failing=$1
 }
 
 # run COMMAND...: shows the command; its output goes to the log.
@@ -54,7 +60,7 @@ run_with_progress() {
         printf '%s\n' "$line" >>"$log"
         if [[ $line =~ ^\[\ *([0-9]*)[0-9]%\] ]]; then
             tenth=${BASH_REMATCH[1]:-0}
-            ((tenth == last)) || say "$qtName: $tenth""0 % built"
+            ((tenth == last)) || say "$name: $tenth""0 % built"
             last=$tenth
         fi
     done
@@ -71,22 +77,20 @@ apt() {
         -o APT::Sandbox::User=root -o Acquire::Retries=2 -o APT::Update::Error-Mode=any "$@"
 }
 
-fetch_source() {
-    local version
-    version=$(source_version)
-    mkdir -- "$building/fetched"
-    cd -- "$building/fetched"
-    apt update || return 1
-    apt source --download-only "qt6-base=$version" || return 1
-    run sh -c 'exec dpkg-source --no-check --extract ./*.dsc ../source'
-}
-
-make_qt() {
-    fetch_source || return 4
-    cd -- "$building"
-    configure && run_with_progress cmake --build build || return 5
-    # strip would write the present time into the libraries.
-    run env SOURCE_DATE_EPOCH=0 "DESTDIR=$building/installed" cmake --install build --strip || return 5
+# fetch_sources [--tar-only] PACKAGE...: leaves the files of the source packages in $building/fetched, or only what
+# their authors published, without Debian's changes.
+fetch_sources() {
+    local sources=() package only=()
+    if [[ $1 == --tar-only ]]; then
+        only=("$1")
+        shift
+    fi
+    for package in "$@"; do
+        sources+=("$(source_of "$package")")
+    done
+    step "the source of ${sources[*]} could not be fetched"
+    mkdir -- "$building/fetched" && cd -- "$building/fetched" && apt update &&
+        apt source --download-only "${only[@]}" "${sources[@]}"
 }
 
 # The line of the log that tells why, for the one sentence that the user gets: the nearest to the cause first.
@@ -97,28 +101,23 @@ reason() {
         printf 'No space left on device\n'
         return
     fi 2>/dev/null
-    for sign in 'No space left on device' 'Killed' '^E: ' '(^|[^a-z])error: ' 'CMake Error' '^FAILED: '; do
+    for sign in 'No space left on device' 'Killed' '^(E|ERROR): ' '(^|[^a-z])error: ' 'CMake Error' '^FAILED: '; do
         grep -m 1 -E -- "$sign" "$log" && return
     done
     tail -n 1 -- "$log"
 }
 
 build() {
-    local code=0 why
+    local why
     trap 'rm -rf -- "$building"' EXIT
     if ! mkdir -- "$building" || ! : >"$log"; then
-        cannot "$qtName cannot be built: $cache cannot be written to"
+        cannot "$name cannot be built: $cache cannot be written to"
     fi
-    (set -e; make_qt) || code=$?
-    if ((code == 4)); then
+    if ! make; then
         why=$(reason)
-        cannot "the source of qt6-base $(source_version) could not be fetched and unpacked (${why:-no reason given}; all output: $log)"
-    elif ((code)); then
-        why=$(reason)
-        cannot "$qtName could not be built (${why:-no reason given}; all output: $log)"
+        cannot "$failing (${why:-no reason given}; all output: $log)"
     fi
-    mv -T -- "$building/installed/qt" "$folder" ||
-        cannot "$qtName was built and could not be put into $folder"
+    mv -T -- "$building/made" "$folder" || cannot "$name was built and could not be put into $folder"
     rm -f -- "$log"
 }
 
@@ -136,23 +135,22 @@ remove_stale() {
     done
 }
 
-# Prints the folder of the Qt, which is built unless it is there.
-provide_qt() {
+provide() {
     check_installed
     folder=$cache/$(key)
     building=$folder.building
     log=$folder.log
     if [[ ! -d $folder ]]; then
         if ! mkdir -p -- "$cache" || ! exec 9>>"$folder.lock"; then
-            cannot "$qtName cannot be built: $cache cannot be written to"
+            cannot "$name cannot be built: $cache cannot be written to"
         fi
         if ! flock -n 9; then
-            say "waiting for another build of $qtName"
+            say "waiting for another build of $name"
             flock 9
         fi
         if [[ ! -d $folder ]]; then
             remove_stale
-            say "building $qtName, once: about $minutes minutes on 2 cores"
+            say "building $name, once: about $minutes minutes on 2 cores"
             build
         fi
     fi

@@ -1,0 +1,19 @@
+#include "HostMap.h"
+
+#include <QtCore/QDataStream>
+#include <QtCore/QMetaType>
+
+HostMap::HostMap(const QVariantMap &values)
+{
+    // The stream carries the map as it carries a variant that holds one: type, not null, entries.
+    QByteArray bytes;
+    QDataStream writer(&bytes, QDataStream::WriteOnly);
+    writer << quint32(QMetaType::QVariantMap) << qint8(0) << values;
+    QDataStream reader(bytes);
+    reader >> m_map;
+}
+
+const QVariantMap &HostMap::map() const
+{
+    return *static_cast<const QVariantMap *>(m_map.constData());
+}

@@ -1,0 +1,42 @@
+# Qt 6 as Visual Studio built it: DLLs from the wheel, headers and tools of the same version from Debian's packages.
+# Has what this project uses of Qt's own package: Qt6::Core, Qt6::Test, and moc and rcc, which run on the build machine.
+file(STRINGS ${KVX_WINDOWS_LIBRARIES}/include/QtCore/qconfig.h Qt6_VERSION REGEX "^#define QT_VERSION_STR ")
+string(REGEX REPLACE ".*\"(([0-9]+)[.]([0-9]+)[.].*)\"" "\\1;\\2;\\3" Qt6_VERSION "${Qt6_VERSION}")
+list(POP_BACK Qt6_VERSION Qt6_VERSION_MINOR)
+list(POP_BACK Qt6_VERSION Qt6_VERSION_MAJOR)
+foreach(component IN ITEMS Core ${Qt6_FIND_COMPONENTS})
+    set(Qt6${component}_FOUND ON)
+    set(Qt6${component}_VERSION ${Qt6_VERSION})
+    set(Qt6${component}_VERSION_MAJOR ${Qt6_VERSION_MAJOR})
+    set(Qt6${component}_VERSION_MINOR ${Qt6_VERSION_MINOR})
+    if(TARGET Qt6::${component})
+        continue()
+    endif()
+    set(dll ${KVX_WINDOWS_LIBRARIES}/qt-${Qt6_VERSION}/Qt6${component}.dll)
+    set(importLibrary ${KVX_WINDOWS_LIBRARIES}/lib/Qt6${component}.lib)
+    if(NOT EXISTS ${dll} OR NOT EXISTS ${importLibrary})
+        set(Qt6${component}_FOUND OFF)
+        set(Qt6_FOUND OFF)
+        set(Qt6_NOT_FOUND_MESSAGE "${KVX_WINDOWS_LIBRARIES} has no Qt6${component}.dll of Qt ${Qt6_VERSION}")
+        continue()
+    endif()
+    add_library(Qt6::${component} SHARED IMPORTED)
+    string(TOUPPER ${component} macro)
+    set_target_properties(Qt6::${component} PROPERTIES
+        IMPORTED_LOCATION ${dll}
+        IMPORTED_IMPLIB ${importLibrary}
+        INTERFACE_INCLUDE_DIRECTORIES
+            "${KVX_WINDOWS_LIBRARIES}/include;${KVX_WINDOWS_LIBRARIES}/include/Qt${component}"
+        INTERFACE_COMPILE_DEFINITIONS "QT_${macro}_LIB;$<$<NOT:$<CONFIG:Debug>>:QT_NO_DEBUG>")
+    if(NOT component STREQUAL "Core")
+        set_target_properties(Qt6::${component} PROPERTIES INTERFACE_LINK_LIBRARIES Qt6::Core)
+    endif()
+endforeach()
+foreach(tool IN ITEMS moc rcc)
+    if(NOT TARGET Qt6::${tool})
+        find_program(KVX_QT_${tool} ${tool} PATHS /usr/lib/qt6/libexec NO_DEFAULT_PATH NO_CMAKE_FIND_ROOT_PATH REQUIRED)
+        mark_as_advanced(KVX_QT_${tool})
+        add_executable(Qt6::${tool} IMPORTED)
+        set_target_properties(Qt6::${tool} PROPERTIES IMPORTED_LOCATION ${KVX_QT_${tool}})
+    endif()
+endforeach()
