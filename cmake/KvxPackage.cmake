@@ -1,5 +1,5 @@
 # What ./dev package makes of a build: the library with kvx beside it, the interfaces as a CMake package, scenarios to
-# try. For Windows with the libraries that kvx needs to start.
+# try. For Windows a second package has Qt's Core as well, for machines without Qt.
 include(CMakePackageConfigHelpers)
 
 set(packageFolder lib/cmake/KvxInterfaces)
@@ -19,22 +19,19 @@ install(FILES ${PROJECT_BINARY_DIR}/KvxInterfacesConfig.cmake ${PROJECT_BINARY_D
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples DESTINATION . FILES_MATCHING PATTERN *.kvx)
 install(FILES ${PROJECT_SOURCE_DIR}/CHANGELOG.md DESTINATION .)
 
+# kvx_write_package_readme(FILE): README.md of a package; qtNote says what must be installed for it.
+function(kvx_write_package_readme file)
+    configure_file(${PROJECT_SOURCE_DIR}/cmake/PackageReadme.md.in ${file} @ONLY)
+endfunction()
+
+set(packageFiles ${PROJECT_BINARY_DIR}/package-files)
 if(WIN32)
     set(system windows)
     set(archiveSuffix .zip)
-    set(qtNote "Qt and the compiler's runtime lie in bin/.")
     set(kvxCommand "bin\\kvx.exe")
-    install(FILES $<TARGET_FILE:Qt6::Core> DESTINATION bin)
-    # Debug information makes them ten times as large. Visual Studio's runtime is installed by its own installer.
-    foreach(dll IN LISTS KVX_RUNTIME_DLLS)
-        cmake_path(GET dll FILENAME name)
-        file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/package-files)
-        # strip writes the present time into the header otherwise.
-        set(stripped ${PROJECT_BINARY_DIR}/package-files/${name})
-        execute_process(COMMAND ${CMAKE_COMMAND} -E env SOURCE_DATE_EPOCH=0 ${CMAKE_STRIP} -o ${stripped} ${dll}
-            COMMAND_ERROR_IS_FATAL ANY)
-        install(FILES ${stripped} DESTINATION bin)
-    endforeach()
+    set(needed "Qt 6.8 for Visual Studio (MSVC 2022 64-bit) must be installed and its bin folder be in PATH")
+    set(runtime "Microsoft's redistributable C++ runtime for Visual Studio 2022 (x64)")
+    set(qtNote "${needed}, and ${runtime} must be installed.")
     install(FILES ${PROJECT_SOURCE_DIR}/cmake/THIRD-PARTY.md DESTINATION .)
 else()
     set(system linux)
@@ -42,16 +39,24 @@ else()
     set(qtNote "Qt 6.8 or newer must be installed (Debian: libqt6core6t64), for kvx also libedit (libedit2).")
     set(kvxCommand bin/kvx)
 endif()
-configure_file(${CMAKE_CURRENT_LIST_DIR}/PackageReadme.md.in ${PROJECT_BINARY_DIR}/package-files/README.md @ONLY)
-install(FILES ${PROJECT_BINARY_DIR}/package-files/README.md DESTINATION .)
+kvx_write_package_readme(${packageFiles}/README.md)
+install(FILES ${packageFiles}/README.md DESTINATION .)
+if(WIN32 AND CMAKE_CROSSCOMPILING)
+    set(qtNote "Qt's Core is in bin/; ${runtime} must be installed.")
+    kvx_write_package_readme(${packageFiles}/with-qt/README.md)
+    # Qt's license refers to the text of the other one.
+    set(qtFiles $<TARGET_FILE:Qt6::Core>)
+    set(qtLicenses ${KVX_WINDOWS_LIBRARIES}/qt-${Qt6Core_VERSION}/LICENSE /usr/share/common-licenses/GPL-3)
+endif()
 
 # CPack's own archives have the files in the order of the file system, and their owners: other bytes on each machine.
 find_program(KVX_PYTHON NAMES python3 python REQUIRED)
 mark_as_advanced(KVX_PYTHON)
-configure_file(${CMAKE_CURRENT_LIST_DIR}/KvxPackScript.cmake.in ${PROJECT_BINARY_DIR}/package-files/pack.cmake @ONLY)
+configure_file(${CMAKE_CURRENT_LIST_DIR}/KvxPackScript.cmake.in ${packageFiles}/pack.cmake.in @ONLY)
+file(GENERATE OUTPUT ${packageFiles}/pack.cmake INPUT ${packageFiles}/pack.cmake.in)
 set(CPACK_GENERATOR External)
 set(CPACK_EXTERNAL_ENABLE_STAGING ON)
-set(CPACK_EXTERNAL_PACKAGE_SCRIPT ${PROJECT_BINARY_DIR}/package-files/pack.cmake)
+set(CPACK_EXTERNAL_PACKAGE_SCRIPT ${packageFiles}/pack.cmake)
 set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
 set(KVX_PACKAGE_NAME ${PROJECT_NAME}-${PROJECT_VERSION}-${system}-x86_64)
 set(CPACK_PACKAGE_FILE_NAME ${KVX_PACKAGE_NAME})

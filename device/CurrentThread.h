@@ -4,18 +4,6 @@
 
 // As QThread::currentThread(), for less: each thread asks Qt once and keeps the answer, since it stays the
 // QThread that it is for as long as Qt knows it. Inline, because most of the cost would be the call.
-
-#ifdef __MINGW32__
-
-// MinGW's thread-local variables stay behind when their library is unloaded, once for each time that it is
-// loaded.
-inline const QThread *currentThread()
-{
-    return QThread::currentThread();
-}
-
-#else
-
 inline const QThread *currentThread()
 {
     static thread_local const QThread *known = nullptr;
@@ -23,5 +11,3 @@ inline const QThread *currentThread()
         known = QThread::currentThread();
     return known;
 }
-
-#endif

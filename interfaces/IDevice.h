@@ -17,9 +17,9 @@
 class KVX_INTERFACE IDevice
 {
 public:
-    /// The kind of device; 2 for a mouse.
+    /// 2.
     virtual int deviceType() const = 0;
-    /// The class of device within its kind; 7 for this family.
+    /// 7.
     virtual int deviceClass() const = 0;
     /// Passes all arguments to IPhysicalDevice::forwardedCall() and returns its answer, on the calling
     /// thread. The physical device must not be null.
@@ -28,7 +28,7 @@ public:
     virtual QString name() const = 0;
     /// A random identity, made with the object and different for each.
     virtual QUuid instanceId() const = 0;
-    /// The firmware version read by start() or set since; 0 before.
+    /// The firmware version: what start() read or setFirmwareVersion() set, whichever came last; 0 before.
     virtual uint firmwareVersion() const = 0;
     /// The IID of the plugin that made the device.
     virtual QString iid() const = 0;

@@ -19,7 +19,8 @@ public:
     virtual bool initialize(IHostServices *hostServices, bool debugEnabled, bool warningEnabled,
                             bool criticalEnabled) = 0;
 
-    /// Deletes a device that this plugin created. Null and devices of another plugin are left alone.
+    /// Deletes a device that this plugin created. Null and devices of any other class are left alone. The class is
+    /// compared by its name, so a device of another plugin with a class of the same name must not be passed.
     /// To be called on the device's thread, and not from a slot directly connected to instanceNumberChanged.
     /// The other started devices are renumbered and announce it.
     virtual void destroyDevice(IDevice *device) = 0;

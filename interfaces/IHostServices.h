@@ -24,7 +24,8 @@ public:
 
     /// Press (isPressed) or release the Ctrl key of the host's keyboard, for a smart-pointer key.
     /// Called on the device's thread. A press is followed by a release with the key, or when a timer of
-    /// 25 ms has run out, whichever comes first; not when the device is deleted before.
+    /// 25 ms has run out, whichever comes first; not when the device is deleted before. A report that still has
+    /// the key held after the timer has run out leads to another press.
     virtual void setCtrlKeyPressed(bool isPressed) = 0;
 
     virtual ~IHostServices() {}

@@ -67,7 +67,9 @@ public:
     /// kept: the host relies on the spelling.
     virtual void disbaleButtonsOrKeys(QList<int> buttonOrKeys) = 0;
     /// A report of the diverted buttons: bits 0 to 4 are buttons 1 to 5 held down, bit 7 is the smart-pointer
-    /// key held down, bits 5 and 6 are ignored. Calls IHostServices for each change since the last report.
+    /// key held down, bits 5 and 6 are ignored. Calls IHostServices::buttonEvent() for each button that changed
+    /// since the last report, and setCtrlKeyPressed() when the smart-pointer key changed. A smart-pointer key that
+    /// is still held in a report after the 25 ms of its tap presses Ctrl again.
     /// To be called on the device's thread, after IDevicePlugin::initialize() with a service object.
     virtual void mouseEventCallBack(quint8 mouseEvent) = 0;
     /// Does nothing, like the next two.

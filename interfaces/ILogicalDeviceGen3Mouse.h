@@ -9,11 +9,12 @@ struct ReportRateInfo;
 /// A request (set...) goes to the receiver at once and stays pending until the mouse confirms it. There is
 /// no time-out. A request that the receiver refuses ends, and ends an earlier one that was still pending: a
 /// warning, and the flag is false. A further accepted request replaces the pending one, but for the report
-/// rate. A confirmation of something else makes the device send the pending request again, without limit,
-/// unless it confirms what is in force already; slot values are sent again even then. With nothing pending
-/// a confirmation is taken as the mouse's own report, but for slot values. Operations that end in Confirmed
-/// or CallBack are the mouse's reports: the host's physical-device side calls them. Without a bound
-/// receiver a request sends nothing and writes a warning.
+/// rate; the flag is true already, so it is not signalled. A confirmation of something else makes the device
+/// send the pending request again, without limit. There are two exceptions: a confirmation of the active slot
+/// or DPI button in force, and one of the rate that reportRate() answers, which is the one requested last.
+/// With nothing pending a confirmation is taken as the mouse's own report, but for slot values. Operations
+/// that end in Confirmed or CallBack are the mouse's reports: the host's physical-device side calls them.
+/// Without a bound receiver a request sends nothing and writes a warning.
 class KVX_INTERFACE ILogicalDeviceGen3Mouse : public ILogicalDevice
 {
 public:
@@ -91,14 +92,17 @@ public:
     virtual void reportRateConfirmed(int rate) = 0;
     /// The mouse reports its list of rates and the rate in force. info is valid during the call only and
     /// must not be null. When the rate in force is not listed, 125 Hz is requested if it is listed and a
-    /// receiver is bound, else the first listed rate; an empty list only gives a warning. Emits
-    /// reportRateValuesChanged, then what reportRateConfirmed() or setReportRate() emit.
+    /// receiver is bound, else the first listed rate. An empty list empties reportRateValues() and gives a
+    /// warning. Emits reportRateValuesChanged when the list changed, then what reportRateConfirmed() or
+    /// setReportRate() emit.
     virtual void reportRateChangedCallBack(const ReportRateInfo *info) = 0;
     /// The mouse answers a request for the active slot. An index below 1 is ignored.
-    /// Emits isActiveDpiSlotIndexChangePendingChanged, then activeDpiSlotIndexChanged and dpiValueChanged.
+    /// Emits isActiveDpiSlotIndexChangePendingChanged, then activeDpiSlotIndexChanged and dpiValueChanged; the
+    /// last is emitted on the calling thread, so off the device's thread it comes first.
     virtual void activeDpiSlotIndexConfirmed(int index) = 0;
     /// The mouse reports its active slot unasked; the same index again is ignored. At a change the DPI
-    /// becomes the value of that slot, if known. Emits activeDpiSlotIndexChanged and dpiValueChanged.
+    /// becomes the value of that slot, if known. Emits activeDpiSlotIndexChanged and dpiValueChanged, off the
+    /// device's thread in the other order.
     virtual void activeDpiSlotIndexChangedCallBack(int index) = 0;
     /// The mouse answers a request for slot values with what it took; ignored when none is pending. Any value
     /// agrees with a requested 0. values: five DPI values in slot order, valid during the call only.
@@ -130,7 +134,8 @@ public:
     /// Signal: the DPI changed. Emitted on the thread of the report.
     /// kept: the host relies on the parameter's name, here and in reportRateChanged.
     virtual void dpiValueChanged(int newDPILevel) = 0;
-    /// Signal: the lowest DPI changed.
+    /// Signal: the lowest DPI changed. Carries the reported value. Emitted on the thread that runs the private slot
+    /// onDpiMinChanged(int): the device's, unless somebody calls the slot directly. The same holds for the next.
     virtual void dpiMinChanged(int newValue) = 0;
     /// Signal: the highest DPI changed.
     virtual void dpiMaxChanged(int newValue) = 0;

@@ -101,10 +101,11 @@ reason() {
         printf 'No space left on device\n'
         return
     fi 2>/dev/null
-    for sign in 'No space left on device' 'Killed' '^(E|ERROR): ' '(^|[^a-z])error: ' 'CMake Error' '^FAILED: '; do
-        grep -m 1 -E -- "$sign" "$log" && return
+    for sign in 'No space left on device' 'Killed' '(^|: )(E|ERROR): ' '(^|[^a-z])error: ' 'CMake Error' '^FAILED: '; do
+        grep -a -m 1 -E -- "$sign" "$log" && return
     done
-    tail -n 1 -- "$log"
+    # The last line with text.
+    grep -a . -- "$log" | tail -n 1 || true
 }
 
 build() {

@@ -29,7 +29,7 @@ set(Qt6_DIR ${CMAKE_CURRENT_LIST_DIR}/Qt6 CACHE PATH "Qt for Windows, in CMake's
 set(wine /usr/include/wine/wine)
 set(llvm /usr/lib/llvm-19)
 set(cFolders ${CMAKE_CURRENT_LIST_DIR}/include ${llvm}/lib/clang/19/include ${wine}/msvcrt ${wine}/windows)
-list(TRANSFORM cFolders PREPEND "-imsvc ")
+list(TRANSFORM cFolders REPLACE "(.+)" "-imsvc \"\\1\"")
 list(JOIN cFolders " " cFolders)
 
 # WINE_UNICODE_NATIVE makes WCHAR a wchar_t. Stack cookies need start-up code that windows/runtime/ leaves out.

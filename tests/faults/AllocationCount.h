@@ -1,7 +1,6 @@
 #pragma once
 
-/// Blocks of the C heap that are allocated and not freed, in the whole process, Qt and the loaded libraries included:
-/// the program has allocation functions of its own, which count and call those of the C library.
+/// Blocks of the C heap that are allocated and not freed, in the whole process, Qt and the loaded libraries included.
 /// Exact while no other thread is running.
 long outstandingBlocks();
 

@@ -57,9 +57,11 @@ shift
 exec "$@"
 """
 
-# FAILING is a part of the command line that shall fail; FAILED_LOG is then ctest's list of failed tests.
+# FAILING is a part of the command line that shall fail, with the output FAILING_SAYS; FAILED_LOG is then ctest's list
+# of failed tests.
 FAKE_TOOL = r"""
 if [[ -n ${FAILING:-} && "${0##*/} $*" == *"$FAILING"* ]]; then
+    printf '%b' "${FAILING_SAYS:-}" >&2
     if [[ -n ${FAILED_LOG:-} ]]; then
         mkdir -p "$FAILED_LOG_FOLDER"
         cp "$FAILED_LOG" "$FAILED_LOG_FOLDER/LastTestsFailed.log"

@@ -201,7 +201,7 @@ class DryRun(SandboxTest):
         self.assert_prints(
             [
                 "$ tools/tsan-qt-build",
-                "$ cmake --preset tsan -DCMAKE_PREFIX_PATH=QT_FOLDER",
+                "$ cmake --preset tsan -DCMAKE_PREFIX_PATH=FOLDER",
                 "$ cmake --build --preset tsan",
                 "$ ctest --preset tsan -R tst_Threads",
             ],
@@ -277,15 +277,15 @@ class Commands(SandboxTest):
 
 
 class WindowsTest(SandboxTest):
-    """Qt for Windows is made by tools/windows-qt-build, whose place a script takes here."""
+    """Its libraries are made by tools/windows-libraries, whose place a script takes here."""
 
     def setUp(self):
         super().setUp()
-        self.qt_build_answers("/cache/windows-qt/new")
+        self.script_answers("/cache/windows/new")
         self.build = self.sandbox.checkout / "build" / "windows"
 
-    def qt_build_answers(self, answer, code=0):
-        script = self.sandbox.checkout / "tools" / "windows-qt-build"
+    def script_answers(self, answer, code=0):
+        script = self.sandbox.checkout / "tools" / "windows-libraries"
         script.write_text(
             f"#!/bin/bash\n{CALL_LOG}echo working >&2\nprintf '%s' '{answer}'\nexit {code}\n", encoding="utf-8"
         )
@@ -293,7 +293,8 @@ class WindowsTest(SandboxTest):
     def configured_with(self, folder):
         self.build.mkdir(parents=True)
         (self.build / "CMakeCache.txt").write_text(
-            f"//What we ship\nCMAKE_BUILD_TYPE:STRING=Release\nKVX_WINDOWS_QT:UNINITIALIZED={folder}\n", encoding="utf-8"
+            f"//What we ship\nCMAKE_BUILD_TYPE:STRING=Release\nKVX_WINDOWS_LIBRARIES:UNINITIALIZED={folder}\n",
+            encoding="utf-8",
         )
 
     def configuring_words(self):
@@ -305,58 +306,58 @@ class WindowsTest(SandboxTest):
 
 
 class Windows(WindowsTest):
-    def test_dry_run_builds_no_qt(self):
+    def test_dry_run_builds_no_libraries(self):
         process = self.dev("--dry-run", "build", "windows")
         self.assertEqual((process.err, process.returncode), ("", 0))
         self.assertEqual(
             process.out.splitlines()[-3:],
             [
-                "$ tools/windows-qt-build",
-                "$ cmake --preset windows -DKVX_WINDOWS_QT=QT_FOLDER",
+                "$ tools/windows-libraries",
+                "$ cmake --preset windows -DKVX_WINDOWS_LIBRARIES=FOLDER",
                 "$ cmake --build --preset windows",
             ],
         )
-        self.assertEqual(self.sandbox.called("windows-qt-build") + self.sandbox.called("cmake"), [])
+        self.assertEqual(self.sandbox.called("windows-libraries") + self.sandbox.called("cmake"), [])
 
-    def test_dry_run_does_not_claim_another_qt(self):
-        self.configured_with("/cache/windows-qt/new")
+    def test_dry_run_does_not_claim_other_libraries(self):
+        self.configured_with("/cache/windows/new")
         process = self.dev("--dry-run", "build", "windows")
         self.assertNotIn("--fresh", process.out)
 
-    def test_qt_is_built_first_and_reaches_cmake(self):
+    def test_libraries_are_built_first_and_reach_cmake(self):
         process = self.dev("build", "windows")
         self.assertEqual((process.out, process.returncode), ("", 0), process.err)
         self.assertIn("working", process.err.splitlines())
-        self.assertIn("-DKVX_WINDOWS_QT=/cache/windows-qt/new", self.configuring_words())
+        self.assertIn("-DKVX_WINDOWS_LIBRARIES=/cache/windows/new", self.configuring_words())
         programs = [call.split()[0] for call in self.sandbox.called()]
-        self.assertEqual(programs.count("windows-qt-build"), 1)
-        self.assertLess(programs.index("windows-qt-build"), programs.index("cmake"))
+        self.assertEqual(programs.count("windows-libraries"), 1)
+        self.assertLess(programs.index("windows-libraries"), programs.index("cmake"))
         self.assertEqual(self.sandbox.called("cmake")[-1], "cmake --build --preset windows")
 
     def test_first_build_has_no_cache_to_forget(self):
         self.dev("build", "windows")
         self.assertNotIn("--fresh", self.configuring_words())
 
-    def test_cache_of_the_same_qt_is_kept(self):
-        self.configured_with("/cache/windows-qt/new")
+    def test_cache_of_the_same_libraries_is_kept(self):
+        self.configured_with("/cache/windows/new")
         self.dev("build", "windows")
         self.assertNotIn("--fresh", self.configuring_words())
 
-    def test_cache_of_another_qt_is_forgotten(self):
-        self.configured_with("/cache/windows-qt/old")
+    def test_cache_of_other_libraries_is_forgotten(self):
+        self.configured_with("/cache/windows/old")
         self.dev("build", "windows")
         self.assertIn("--fresh", self.configuring_words())
-        self.assertIn("-DKVX_WINDOWS_QT=/cache/windows-qt/new", self.configuring_words())
+        self.assertIn("-DKVX_WINDOWS_LIBRARIES=/cache/windows/new", self.configuring_words())
 
-    def test_other_presets_need_no_qt_for_windows(self):
+    def test_other_presets_need_no_libraries_for_windows(self):
         self.assertEqual(self.dev("build").returncode, 0)
-        self.assertEqual(self.sandbox.called("windows-qt-build"), [])
+        self.assertEqual(self.sandbox.called("windows-libraries"), [])
 
-    def test_reason_of_a_failed_qt_is_one_line(self):
-        reason = "the source of qt6-base 6.8.2 could not be fetched (E: no network)"
-        for answer, said in {reason: reason, "": "tools/windows-qt-build failed"}.items():
+    def test_reason_of_failed_libraries_is_one_line(self):
+        reason = "Qt for Windows, good==1, could not be fetched (ERROR: no network)"
+        for answer, said in {reason: reason, "": "tools/windows-libraries failed"}.items():
             with self.subTest(answer=answer):
-                self.qt_build_answers(answer, 3)
+                self.script_answers(answer, 3)
                 process = self.dev("build", "windows")
                 lines = process.err.splitlines()
                 self.assertEqual([line for line in lines if line.startswith("./dev: ")][-1], f"./dev: {said}")

@@ -131,6 +131,67 @@ class Interrupted(SandboxTest):
         self.assertEqual(left, [f"{key}.lock", f"{key}.log"])
 
 
+class Registries(SandboxTest):
+    """How the machine reaches package registries holds in the toolbox."""
+
+    CERTIFICATES = "/etc/ssl/certs/ca-certificates.crt"
+
+    def setUp(self):
+        super().setUp()
+        self.toolbox = self.sandbox.base / "a toolbox"
+        for folder in ("etc/ssl/certs", "usr/bin"):
+            (self.toolbox / folder).mkdir(parents=True)
+        self.sandbox.fake("bwrap", 'printf "%s\\n" "$@"\n')
+
+    def enter(self, **changes):
+        """The variables inside, and by its place each file and folder from outside, after the option that binds it."""
+        process = self.sandbox.run_script("tools/toolbox-enter", str(self.toolbox), "true", **changes)
+        self.assertEqual((process.err, process.returncode), ("", 0))
+        words = process.out.splitlines()
+        triples = list(zip(words, words[1:], words[2:]))
+        binds = {inside: (option, outside) for option, outside, inside in triples if option.startswith("--ro-bind")}
+        return {name: value for option, name, value in triples if option == "--setenv"}, binds
+
+    def test_variables_of_pip_and_proxies_pass(self):
+        passed = {name: f"value of {name}" for name in ("PIP_INDEX_URL", "PIP_CERT", "PIP_FIND_LINKS")}
+        for name in ("http_proxy", "https_proxy", "no_proxy"):
+            passed |= {name: "in lower case", name.upper(): "in upper case"}
+        variables, _ = self.enter(**passed, PYTHONPATH="/odd", CXXFLAGS="-O9")
+        self.assertEqual(variables, variables | passed)
+        self.assertEqual({"PYTHONPATH", "CXXFLAGS"} & set(variables), set())
+
+    def test_settings_of_pip(self):
+        named = self.sandbox.base / "named.conf"
+        own = self.sandbox.base / ".config/pip/pip.conf"
+        for path, changes in (
+            (self.sandbox.base / ".pip/pip.conf", {}),
+            (own, {}),
+            (self.sandbox.base / "settings/pip/pip.conf", {"XDG_CONFIG_HOME": str(self.sandbox.base / "settings")}),
+            (named, {"PIP_CONFIG_FILE": str(named)}),
+        ):
+            with self.subTest(path=path):
+                path.parent.mkdir(parents=True, exist_ok=True)
+                path.write_text("", encoding="utf-8")
+                variables, binds = self.enter(**changes)
+                self.assertEqual(binds["/pip.conf"], ("--ro-bind", str(path)))
+                self.assertEqual(variables["PIP_CONFIG_FILE"], "/pip.conf")
+
+    def test_machine_has_none(self):
+        for changes in ({}, {"HOME": None}):
+            variables, binds = self.enter(**changes)
+            # The machine that the test runs on may have this one.
+            found = ("--ro-bind", "/etc/pip.conf") if os.path.isfile("/etc/pip.conf") else None
+            self.assertEqual(binds.get("/pip.conf"), found)
+            self.assertEqual([name for name in variables if name.startswith("PIP_")], ["PIP_CONFIG_FILE"] if found else [])
+            self.assertEqual([name for name in variables if name.lower().endswith("_proxy")], [])
+
+    def test_certificates(self):
+        self.assertNotIn(self.CERTIFICATES, self.enter()[1], "there is no place for them")
+        (self.toolbox / self.CERTIFICATES[1:]).touch()
+        # Where the machine has none, bwrap passes over them.
+        self.assertEqual(self.enter()[1][self.CERTIFICATES], ("--ro-bind-try", self.CERTIFICATES))
+
+
 class FallingBack(SandboxTest):
     def assert_falls_back(self, reason, **changes):
         process = self.dev("build", **changes)

@@ -22,8 +22,7 @@ case $1 in
         exit "${VERSION_CODE:-0}"
         ;;
     wineboot)
-        mkdir "$WINEPREFIX" || exit 9
-        touch "$WINEPREFIX/half"
+        mkdir -p "$WINEPREFIX/drive_c/windows" && mkdir "$WINEPREFIX/drive_c/windows/${SYSTEM:-system32}" || exit 9
         if [[ -n ${WINEBOOT_GATE:-} ]]; then
             read -r _ <"$WINEBOOT_GATE"
         fi
@@ -111,7 +110,7 @@ class Programs(WineRunTest):
     def test_options_after_the_program_are_its_own(self):
         program = self.program('printf "<%s>" "$@"')
         for words in (
-            ["--deadline", "1", "--dlls", "x"],
+            ["--deadline", "1", "--dlls", "x", "--runtime", "y"],
             ["--show=file", "--help"],
             ["--unknown", "-h"],
             ["--", "--deadline", "1"],
@@ -158,7 +157,7 @@ class Prefix(WineRunTest):
 
     def assert_whole(self, prefix):
         """Made to the end, and that waited for."""
-        self.assertEqual(sorted(entry.name for entry in prefix.iterdir()), ["half", "system.reg", "written"])
+        self.assertEqual(sorted(entry.name for entry in prefix.iterdir()), ["drive_c", "system.reg", "written"])
 
     def test_is_made_once(self):
         self.greet()
@@ -225,6 +224,43 @@ class Prefix(WineRunTest):
         self.assertEqual(self.left(), [])
 
 
+class Runtime(WineRunTest):
+    def setUp(self):
+        super().setUp()
+        self.runtime = self.sandbox.base / "the runtime"
+        self.runtime.mkdir()
+        (self.runtime / "ORDER.txt").write_text("no DLL", encoding="utf-8")
+        self.lister = self.program('cd "$WINEPREFIX/drive_c/windows/system32"; echo "$(echo *):$(cat *):$WINEDLLOVERRIDES"')
+
+    def run_with(self, dlls, **changes):
+        for file in self.runtime.glob("*.dll"):
+            file.unlink()
+        for name, content in dlls.items():
+            (self.runtime / f"{name}.dll").write_text(content, encoding="utf-8")
+        return self.wine_run("--runtime", str(self.runtime), self.lister, **changes)
+
+    def test_each_content_is_installed_in_a_folder_of_its_own(self):
+        overrides = "mscoree,mshtml,winemenubuilder.exe="
+        contents = ({"a": "1", "b": "2"}, {"a": "1", "b": "3"}, {"a": "1", "c": "2"}, {"a": "1"})
+        for number, dlls in enumerate((*contents, *contents)):
+            process = self.run_with(dlls)
+            said = f"{' '.join(f'{name}.dll' for name in dlls)}:{''.join(dlls.values())}:{overrides};{','.join(dlls)}=n\n"
+            self.assertEqual((process.out, process.err, process.returncode), (said, "", 0))
+            self.assertEqual(len(self.left()), min(number + 1, len(contents)))
+        without = self.wine_run(self.program('echo "$WINEDLLOVERRIDES:$WINEPREFIX"'))
+        self.assertEqual(without.out, f"{overrides}:{self.prefix}\n")
+
+    def test_folder_without_the_whole_runtime_is_not_used(self):
+        process = self.run_with({"a": "1"}, SYSTEM="another")
+        self.assert_one_line(process, 125, "system32/a.dll")
+        self.assertEqual(self.left(), [])
+
+    def test_folder_without_dlls(self):
+        self.assert_one_line(self.run_with({}), 125, f"{self.runtime} has no DLLs to install")
+        self.assert_one_line(self.wine_run("--runtime", "missing", self.lister), 125, "missing has no DLLs to install")
+        self.assertEqual(self.sandbox.called("wine"), [])
+
+
 class Refusals(WineRunTest):
     def test_missing_program(self):
         for missing in (self.sandbox.base / "build" / "kvx.exe", self.sandbox.base):
@@ -242,6 +278,7 @@ class Refusals(WineRunTest):
             ("--deadline", "nan", program): "nan",
             ("--unknown", program): "--unknown",
             ("--show",): "--show",
+            ("--runtime",): "--runtime",
         }.items():
             with self.subTest(words=words):
                 process = self.wine_run(*words)
@@ -253,7 +290,7 @@ class Refusals(WineRunTest):
     def test_help(self):
         process = self.wine_run("--help")
         self.assertEqual((process.err, process.returncode), ("", 0))
-        for option in ("--dlls", "--deadline", "--show"):
+        for option in ("--runtime", "--dlls", "--deadline", "--show"):
             self.assertIn(option, process.out)
 
     def test_wine_is_not_installed(self):

@@ -1,0 +1,187 @@
+"""tools/windows-libraries: from packages for Python with a tiny Qt to the folder that programs are linked to.
+
+pip and unpack-qt-wheel are the real ones. The DLLs hold a version and nothing else.
+"""
+
+import hashlib
+import os
+import re
+import shutil
+import subprocess
+import sys
+import tempfile
+import zipfile
+from pathlib import Path
+
+from sandbox import FAKE_TOOL, REPOSITORY
+from test_build_once import BuildOnceTest
+
+HEADERS = Path(f"/usr/include/{os.uname().machine}-linux-gnu/qt6/QtCore/qconfig.h")
+VERSION = re.search(r'QT_VERSION_STR "(.*)"', HEADERS.read_text(encoding="utf-8"))[1]
+RUNTIME = ["msvcp140.dll", "msvcp140_1.dll", "msvcp140_2.dll", "vcruntime140.dll", "vcruntime140_1.dll"]
+
+FAKE_PYTHON = FAKE_TOOL + f"""
+if [[ $2 == pip && -n ${{PIP_GATE:-}} ]]; then
+    read -r _ <"$PIP_GATE"
+fi
+exec {sys.executable} "$@"
+"""
+
+FAKE_APT_GET = FAKE_TOOL + r"""
+if [[ " $* " == *" source "* ]]; then
+    mkdir -p llvm/{libcxx,compiler-rt/lib/builtins,clang}/src rapidcheck
+    touch llvm/{libcxx,compiler-rt/lib/builtins,clang}/src/a.cpp rapidcheck/CMakeLists.txt
+    tar -cJf llvm-19.orig.tar.xz llvm
+    tar -czf rapidcheck_1.orig.tar.gz -C rapidcheck .
+fi
+"""
+
+FAKES = {
+    "python3": FAKE_PYTHON,
+    "apt-get": FAKE_APT_GET,
+    "cmake": FAKE_TOOL + "[[ $1 != --install ]] || find llvm rapidcheck -type f >made/lib/sources\n",
+    "cp": f'{FAKE_TOOL}exec {shutil.which("cp")} "$@"\n',
+    "tar": f'{FAKE_TOOL}exec {shutil.which("tar")} "$@"\n',
+    "import-library": FAKE_TOOL + 'touch "$4/$(basename "$3" .dll).lib"\n',
+}
+
+
+def make_dll(folder, version):
+    (folder / "version.rc").write_text(f"1 VERSIONINFO\nFILEVERSION {version.replace('.', ',')},0\nBEGIN\nEND\n", "utf-8")
+    for command in (
+        ["llvm-rc-19", "/FO", "version.res", "version.rc"],
+        ["lld-link-19", "/machine:x64", "/dll", "/noentry", "/out:version.dll", "version.res"],
+    ):
+        subprocess.run(command, cwd=folder, check=True)
+    return (folder / "version.dll").read_bytes()
+
+
+class WindowsLibraries(BuildOnceTest):
+    script = "tools/windows-libraries"
+
+    @classmethod
+    def setUpClass(cls):
+        with tempfile.TemporaryDirectory() as folder:
+            cls.dll, cls.other_dll = (make_dll(Path(folder), version) for version in (VERSION, "6.0.1"))
+
+    def setUp(self):
+        super().setUp()
+        self.folders = self.sandbox.cache / "windows"
+        self.wheels = self.sandbox.base / "wheels"
+        self.wheels.mkdir()
+        self.variables = {"PIP_NO_INDEX": "1", "PIP_FIND_LINKS": str(self.wheels)}
+        shutil.copytree(REPOSITORY / "windows", self.sandbox.checkout / "windows")
+        for name, body in FAKES.items():
+            self.sandbox.fake(name, body)
+        shutil.copy(self.sandbox.fakes / "import-library", self.sandbox.checkout / "tools")
+        self.good = self.wheel("good", self.dll)
+        self.list(self.good)
+
+    def wheel(self, name, qt, runtime=()):
+        """Makes a package for Python; returns its line for the list."""
+        with zipfile.ZipFile(self.wheels / f"{name}-1-py3-none-win_amd64.whl", "w") as archive:
+            archive.writestr(f"{name}-1.dist-info/METADATA", f"Metadata-Version: 2.1\nName: {name}\nVersion: 1\n")
+            archive.writestr(f"{name}-1.dist-info/WHEEL", "Wheel-Version: 1.0\nTag: py3-none-win_amd64\n")
+            archive.writestr(f"{name}-1.dist-info/LICENSE", "free")
+            for file in [*(["Qt6Core.dll", "Qt6Test.dll", "Qt6Other.dll"] if qt else []), *runtime]:
+                archive.writestr(f"qt/bin/{file}", qt)
+        return self.line(name)
+
+    def line(self, name):
+        content = (self.wheels / f"{name}-1-py3-none-win_amd64.whl").read_bytes()
+        return f"{name}==1 --hash=sha256:{hashlib.sha256(content).hexdigest()}"
+
+    def list(self, *lines):
+        path = self.sandbox.checkout / "windows" / "qt-wheels.txt"
+        path.write_text("\n".join(("# why", "", *lines)) + "\n", encoding="utf-8")
+
+    def test_holds_what_programs_are_linked_to_and_run_with(self):
+        self.list(self.good, "# another", self.wheel("other", self.other_dll, RUNTIME))
+        folder = self.assert_provided(self.provide())
+        self.assertEqual(sorted(self.folders.iterdir()), [folder, folder.with_suffix(".lock")])
+        linked = ["kernel32", "ucrtbase", "vcruntime140", "msvcp140", "Qt6Core", "Qt6Test"]
+        qt = ["LICENSE", "Qt6Core.dll", "Qt6Test.dll"]
+        self.assertEqual(
+            {part.name: sorted(file.name for file in part.iterdir()) for part in folder.iterdir()},
+            {
+                "include": ["QtCore", "QtTest"],
+                "lib": sorted(["sources", *(f"{name}.lib" for name in linked)]),
+                "microsoft-runtime": RUNTIME,
+                f"qt-{VERSION}": qt,
+                "qt-6.0.1": qt,
+            },
+        )
+        self.assertNotIn("qt-6.0.1", " ".join(self.sandbox.called("import-library")))
+        self.assertEqual(
+            sorted((folder / "lib/sources").read_text(encoding="utf-8").split()),
+            ["llvm/compiler-rt/lib/builtins/src/a.cpp", "llvm/libcxx/src/a.cpp", "rapidcheck/CMakeLists.txt"],
+        )
+        features = (folder / "include/QtCore/qtcore-config.h").read_text(encoding="utf-8")
+        for feature in ("clock_monotonic -1", "glib -1", "inotify -1", "cpp_winrt 1"):
+            self.assertIn(f"#define QT_FEATURE_{feature}\n", features)
+
+    def test_another_file_makes_another_folder(self):
+        folder = self.assert_provided(self.provide())
+        windows = "CMakeLists.txt toolchain.cmake qt-wheels.txt standard-names.txt include/stdlib.h runtime/TypeInfo.cpp"
+        files = [f"windows/{name}" for name in windows.split()] + ["windows/Qt6/Qt6Config.cmake"]
+        files += ["tools/import-library", "tools/unpack-qt-wheel", "cmake/KvxWarnings.cmake"]
+        for number, file in enumerate(files, start=1):
+            with self.subTest(file=file):
+                self.append(file)
+                # The log that stays is named after the folder.
+                self.assertEqual(self.provide(FAILING=" -m pip ").returncode, 3)
+                self.assertEqual(len(list(self.folders.glob("*.log"))), number)
+        self.assertEqual(self.left(), [folder])
+
+    def test_package_that_cannot_be_fetched_or_used(self):
+        (self.wheels / "letter-1-py3-none-win_amd64.whl").write_text("Dear reader", encoding="utf-8")
+        changed = self.wheel("changed", self.dll)
+        self.wheel("changed", self.other_dll)
+        no_network = {"PIP_NO_INDEX": None, "PIP_FIND_LINKS": None, "PIP_INDEX_URL": "http://127.0.0.1:1/"}
+        for line, step, part, variables in (
+            (self.good, "fetched", "ERROR: Could not find a version that satisfies the requirement good==1", no_network),
+            (changed, "fetched", "ERROR: THESE PACKAGES DO NOT MATCH THE HASHES", {}),
+            ("good==1", "fetched", "ERROR: Hashes are required", {}),
+            (self.line("letter"), "fetched", "ERROR: ", {}),
+            (self.wheel("empty", ""), "unpacked", "ERROR: empty-1-py3-none-win_amd64.whl cannot be unpacked: it has no "
+             "Qt6Core.dll and no Qt6Test.dll", {}),
+            (self.wheel("text", "MZ"), "unpacked", "its Qt6Core.dll is no DLL with a version", {}),
+        ):
+            with self.subTest(line=line):
+                shutil.rmtree(self.folders, ignore_errors=True)
+                self.list(line, self.good)
+                process = self.provide(**variables)
+                why = next(line for line in self.log().read_text(encoding="utf-8").splitlines() if "ERROR: " in line)
+                self.assertIn(part, why)
+                self.assert_fails(process, f"Qt for Windows, {line.split()[0]}, could not be {step}", why)
+
+    def test_first_package_has_the_version_of_the_headers(self):
+        for lines, found in {(self.wheel("other", self.other_dll), self.good): "6.0.1", (): "missing"}.items():
+            self.list(*lines)
+            self.assert_cannot(
+                self.provide(),
+                f"the headers of Qt are {VERSION} and Qt6Core.dll is {found}: "
+                "name a package with the headers' version first in windows/qt-wheels.txt",
+            )
+            self.assertEqual(self.left(), [])
+
+    def test_disk_is_full(self):
+        built = "libc++, RapidCheck and the runtime could not be built"
+        why = "write: No space left on device"
+        for failing, step in {
+            " -m pip ": "Qt for Windows, good==1, could not be fetched",
+            "unpack-qt-wheel": "Qt for Windows, good==1, could not be unpacked",
+            "cp -R": "the headers of Qt could not be copied",
+            "kernel32.dll": "the import libraries could not be made",
+            " source ": "the source of installed installed could not be fetched",
+            "tar -xf": "the sources of libc++ and RapidCheck could not be unpacked",
+            "cmake -S": built,
+            "cmake --build": built,
+            "cmake --install": built,
+        }.items():
+            with self.subTest(failing=failing):
+                self.assert_fails(self.provide(FAILING=failing, FAILING_SAYS=f"error: odd\n{why}\n"), step, why)
+                self.assertIn(failing, self.sandbox.called()[-1])
+
+    def test_killed_while_fetching(self):
+        self.assert_killed_call_is_made_good("PIP_GATE")
