@@ -7,8 +7,8 @@
 
 namespace {
 
-// Qt's own code writes the map: it keeps its entries in a std::map, which has the layout of the standard library that the
-// host and its Qt were built with. Ours may be another one.
+// Qt's own code writes the map: it keeps its entries in a std::map, which has the layout of the standard
+// library that the host and its Qt were built with. Ours may be another one.
 struct LoggedMap
 {
     const QVariantMap &map;

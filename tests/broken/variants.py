@@ -23,6 +23,7 @@ KEYS = {
     "test": "test",
     "by": "by",
     "says": "says",
+    "raw-host": "raw_host",
     "without": "without",
     "reason": "reason",
 }
@@ -40,6 +41,7 @@ class Variant:
     file: str = ""
     by: str = "fail"
     says: str = ""
+    raw_host: str = ""
     old: str = ""
     new: str = ""
     compile: list = field(default_factory=list)
@@ -78,6 +80,8 @@ class Variant:
             return f"by is one of {', '.join(WAYS)}"
         if not self.function and not self.says:
             return "test is program::function, or a check and what it says"
+        if self.category == "slot order" and self.file.startswith("interfaces/") and not self.raw_host:
+            return "a fault in an interface's table has a raw-host"
         if not (self.old or self.options is not None or self.link_options):
             return "there is no fault"
         if self.old and not self.file:

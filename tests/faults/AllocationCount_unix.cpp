@@ -6,7 +6,8 @@
 #include <cstdlib>
 #include <malloc.h>
 
-// The program has allocation functions of its own, which count and call those of the C library. These are under the names that it keeps for programs with functions of their own.
+// The program has allocation functions of its own, which count and call those of the C library. These are
+// under the names that it keeps for programs with functions of their own.
 extern "C" {
 void *__libc_malloc(std::size_t size);
 void *__libc_calloc(std::size_t count, std::size_t size);

@@ -5,9 +5,9 @@
 
 #include <windows.h>
 
-// The C runtime takes all blocks from Windows. Its imported functions for that are replaced by ones that count, whoever
-// in the process calls malloc() and whenever it was loaded. Walking the heap would not do: Wine shows many small blocks
-// as one.
+// The C runtime takes all blocks from Windows. Its imported functions for that are replaced by ones that
+// count, whoever in the process calls malloc() and whenever it was loaded. Walking the heap would not do:
+// Wine shows many small blocks as one.
 
 namespace {
 

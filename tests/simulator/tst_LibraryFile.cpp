@@ -259,15 +259,16 @@ void tst_LibraryFile::anyBytesAreSurvived()
     const int interesting = static_cast<int>(qMin<qsizetype>(bytes.size(), 4096));
     std::mt19937 random(seed);
     // At most the bound less one, the same on every system.
-    const auto number = [&random](int bound) { return static_cast<int>(random() % static_cast<uint>(bound)); };
+    const auto number = [&random](int bound) {
+        return static_cast<int>(random() % static_cast<uint>(bound));
+    };
     int soundCount = 0;
     for (int round = 0; round < rounds; ++round) {
         QByteArray damaged = bytes;
         for (int change = 1 + number(8); change > 0; --change) {
             const int offset = 4 + number(interesting - 4);
             const bool isFromEnd = number(2) == 1;
-            damaged[isFromEnd ? damaged.size() - offset : qsizetype{offset}] =
-                static_cast<char>(number(256));
+            damaged[isFromEnd ? damaged.size() - offset : qsizetype{offset}] = static_cast<char>(number(256));
         }
         const LibraryFile library = readLibraryFile(damaged);
         soundCount += library.defect.isEmpty() ? 1 : 0;

@@ -56,8 +56,7 @@ std::optional<QString> LineReader::readLine(const QString &prompt)
 {
     if (isatty(STDIN_FILENO) == 0) {
         std::string line;
-        return std::getline(std::cin, line) ? std::optional<QString>(QString::fromUtf8(line))
-                                            : std::nullopt;
+        return std::getline(std::cin, line) ? std::optional<QString>(QString::fromUtf8(line)) : std::nullopt;
     }
     const std::unique_ptr<char, Free> line(readline(prompt.toUtf8().constData()));
     if (!line)
