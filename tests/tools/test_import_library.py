@@ -13,9 +13,11 @@ TOOL = Path(__file__).resolve().parents[2] / "tools" / "import-library"
 
 EXPORTS = """
 namespace std { struct Text; }
+template <typename Key> struct QMap;
 __declspec(dllexport) void plain() {}
 __declspec(dllexport) void listed(std::Text *) {}
 __declspec(dllexport) void unlisted(std::Text *) {}
+__declspec(dllexport) void mapped(QMap<int> *) {}
 """
 LISTED = "?listed@@YAXPEAUText@std@@@Z"
 ALIASES = f"# four words of comment\n\n?alias@@YAXXZ {LISTED}\n?another@@YAXXZ ?ofAnotherDll@@YAXXZ\n"

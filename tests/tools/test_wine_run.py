@@ -336,6 +336,7 @@ class Show(WineRunTest):
         self.file.write_text("of an earlier run\n", encoding="utf-8")
         process = self.wine_run("--show", str(self.file), self.program("exit 0"))
         self.assertEqual((process.out, process.err), ("", f"wine-run: the program wrote no {self.file}\n"))
+        self.assertEqual(process.returncode, 125)
 
     def test_file_is_shown_after_the_deadline(self):
         written = self.program('echo "so far" >"$1"; exec sleep 1000')

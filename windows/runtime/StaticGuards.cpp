@@ -1,8 +1,10 @@
-// Local static variables are initialized by the first thread that comes to them; the others wait. A guard is 0 before
-// that, -1 meanwhile, and then the number of the initialization, counted from the smallest int in the whole module. Each
-// thread remembers the last number that it knows of, so that it asks here once for what is new to it.
+// Local static variables are initialized by the first thread that comes to them; the others wait. A guard is
+// 0 before that, -1 meanwhile, and then the number of the initialization, counted from the smallest int in
+// the whole module. Each thread remembers the last number that it knows of, so that it asks here once for
+// what is new to it.
 
 #include <climits>
+
 #include <windows.h>
 
 namespace {
@@ -14,7 +16,7 @@ SRWLOCK guardsLock = SRWLOCK_INIT;
 CONDITION_VARIABLE guardChanged = CONDITION_VARIABLE_INIT;
 int lastNumber = INT_MIN;
 
-} // namespace
+}  // namespace
 
 extern "C" {
 
@@ -51,4 +53,4 @@ void __cdecl _Init_thread_abort(int *guard) noexcept
     WakeAllConditionVariable(&guardChanged);
 }
 
-} // extern "C"
+}  // extern "C"

@@ -1,9 +1,11 @@
-// Thread-local variables. Windows gives each thread a copy of the module's template, the section .tls; what is dynamic
-// about them, constructors and destructors, the module does itself when Windows says that a thread begins or ends.
+// Thread-local variables. Windows gives each thread a copy of the module's template, the section .tls; what
+// is dynamic about them, constructors and destructors, the module does itself when Windows says that a thread
+// begins or ends.
 
 #include "Initializers.h"
 
 #include <corecrt_startup.h>
+
 #include <windows.h>
 
 #pragma section(".tls", long, read, write)
@@ -15,10 +17,12 @@
 #pragma section(".CRT$XLZ", long, read)
 #pragma section(".rdata$T", long, read)
 
+extern "C" void NTAPI __dyn_tls_init(void *module, DWORD reason, void *reserved);
+
 namespace {
 
-// One object whose destructor the thread still has to run. On the heap of the process, which is there for longer than
-// the C runtime's.
+// One object whose destructor the thread still has to run. On the heap of the process, which is there for
+// longer than the C runtime's.
 struct PendingDestructor
 {
     _PVFV destroy;
@@ -27,21 +31,13 @@ struct PendingDestructor
 
 thread_local PendingDestructor *pendingDestructors = nullptr;
 
-void NTAPI onThread(void * /*module*/, DWORD reason, void * /*reserved*/)
-{
-    if (reason == DLL_THREAD_ATTACH)
-        initializeThread();
-    else if (reason == DLL_THREAD_DETACH)
-        endThread();
-}
-
 __declspec(allocate(".CRT$XDA")) const _PVFV firstThreadInitializer = nullptr;
 __declspec(allocate(".CRT$XDZ")) const _PVFV lastThreadInitializer = nullptr;
 __declspec(allocate(".CRT$XLA")) const PIMAGE_TLS_CALLBACK firstCallback = nullptr;
-[[gnu::used]] __declspec(allocate(".CRT$XLC")) const PIMAGE_TLS_CALLBACK callback = onThread;
+[[gnu::used]] __declspec(allocate(".CRT$XLC")) const PIMAGE_TLS_CALLBACK callback = __dyn_tls_init;
 [[gnu::used]] __declspec(allocate(".CRT$XLZ")) const PIMAGE_TLS_CALLBACK lastCallback = nullptr;
 
-} // namespace
+}  // namespace
 
 extern "C" {
 
@@ -60,6 +56,16 @@ __declspec(allocate(".rdata$T")) const IMAGE_TLS_DIRECTORY64 _tls_used = {
     0,
 };
 
+// Windows calls it when a thread begins or ends. An object that has a thread-local variable with an
+// initializer makes the linker look for it by this name.
+void NTAPI __dyn_tls_init(void * /*module*/, DWORD reason, void * /*reserved*/)
+{
+    if (reason == DLL_THREAD_ATTACH)
+        initializeThread();
+    else if (reason == DLL_THREAD_DETACH)
+        endThread();
+}
+
 // Whether the thread's initializers ran. The compiler asks before it touches a variable that needs them.
 thread_local bool __tls_guard = false;
 
@@ -72,7 +78,8 @@ void __dyn_tls_on_demand_init() noexcept
 // The compiler calls it for each thread-local object that it has constructed.
 int __tlregdtor(_PVFV destroy)
 {
-    auto *pending = static_cast<PendingDestructor *>(HeapAlloc(GetProcessHeap(), 0, sizeof(PendingDestructor)));
+    auto *pending =
+        static_cast<PendingDestructor *>(HeapAlloc(GetProcessHeap(), 0, sizeof(PendingDestructor)));
     if (!pending)
         return -1;
     *pending = {destroy, pendingDestructors};
@@ -80,9 +87,9 @@ int __tlregdtor(_PVFV destroy)
     return 0;
 }
 
-} // extern "C"
+}  // extern "C"
 
-void initializeThread()
+void initializeThread() noexcept
 {
     if (__tls_guard)
         return;
@@ -93,7 +100,7 @@ void initializeThread()
     }
 }
 
-void endThread()
+void endThread() noexcept
 {
     // A destructor may construct another object.
     while (PendingDestructor *pending = pendingDestructors) {

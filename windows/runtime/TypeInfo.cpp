@@ -1,11 +1,11 @@
-// Each type's description begins with the address of type_info's table of virtual functions. Nothing calls them: the
-// runtime reads the descriptions itself, and no program makes or deletes one.
+// Each type's description begins with the address of type_info's table of virtual functions. Nothing calls
+// them: the runtime reads the descriptions itself, and no program makes or deletes one.
 
 namespace {
 
 void neverCalled() {}
 
-} // namespace
+}  // namespace
 
 extern "C" {
 
@@ -16,4 +16,4 @@ void (*const typeInfoTable[1])() = {neverCalled};
 extern const int _fltused;
 const int _fltused = 0;
 
-} // extern "C"
+}  // extern "C"
