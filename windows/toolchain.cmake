@@ -46,5 +46,6 @@ set(linking "/nodefaultlib /Brepro \"/libpath:${KVX_WINDOWS_LIBRARIES}/lib\"")
 set(CMAKE_EXE_LINKER_FLAGS_INIT "${linking}")
 set(CMAKE_SHARED_LINKER_FLAGS_INIT "${linking}")
 set(CMAKE_MODULE_LINKER_FLAGS_INIT "${linking}")
-set(CMAKE_C_STANDARD_LIBRARIES "kvx_runtime.lib VCRUNTIME140.lib ucrtbase.lib KERNEL32.lib")
-set(CMAKE_CXX_STANDARD_LIBRARIES "libc++.lib MSVCP140.lib ${CMAKE_C_STANDARD_LIBRARIES}")
+# For C as well: the runtime ends a program by std::terminate().
+set(CMAKE_CXX_STANDARD_LIBRARIES "kvx_runtime.lib libc++.lib MSVCP140.lib VCRUNTIME140.lib ucrtbase.lib KERNEL32.lib")
+set(CMAKE_C_STANDARD_LIBRARIES "${CMAKE_CXX_STANDARD_LIBRARIES}")
