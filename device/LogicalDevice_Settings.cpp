@@ -7,8 +7,8 @@
 
 namespace {
 
-// Qt's own code writes the map: it keeps its entries in a std::map, which has the layout of the standard
-// library that the host and its Qt were built with. Ours may be another one.
+// Qt's own code writes the map, because its std::map has the layout of the C++ library of the host and its
+// Qt, which may differ from ours.
 struct LoggedMap
 {
     const QVariantMap &map;

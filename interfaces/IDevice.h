@@ -17,9 +17,9 @@
 class KVX_INTERFACE IDevice
 {
 public:
-    /// 2.
+    /// The kind of device: always 2. The host defines what the numbers mean.
     virtual int deviceType() const = 0;
-    /// 7.
+    /// The class of the device: always 7. The host defines what the numbers mean.
     virtual int deviceClass() const = 0;
     /// Passes all arguments to IPhysicalDevice::forwardedCall() and returns its answer, on the calling
     /// thread. The physical device must not be null.

@@ -9,9 +9,10 @@ struct ReportRateInfo;
 /// A request (set...) goes to the receiver at once and stays pending until the mouse confirms it. There is
 /// no time-out. A request that the receiver refuses ends, and ends an earlier one that was still pending: a
 /// warning, and the flag is false. A further accepted request replaces the pending one, but for the report
-/// rate; the flag is true already, so it is not signalled. A confirmation of something else makes the device
-/// send the pending request again, without limit. There are two exceptions: a confirmation of the active slot
-/// or DPI button in force, and one of the rate that reportRate() answers, which is the one requested last.
+/// rate; the flag is true already, so it is not signalled. A confirmation of another value sends the pending
+/// request again, without limit. It does nothing when it confirms the active slot or DPI button in force or
+/// the rate that reportRate() answers, which is the one requested last, when it has a slot index or button
+/// below 1, or when the pending number is negative. A requested slot value of 0 agrees with any value.
 /// With nothing pending a confirmation is taken as the mouse's own report, but for slot values. Operations
 /// that end in Confirmed or CallBack are the mouse's reports: the host's physical-device side calls them.
 /// Without a bound receiver a request sends nothing and writes a warning.
@@ -97,12 +98,13 @@ public:
     /// setReportRate() emit.
     virtual void reportRateChangedCallBack(const ReportRateInfo *info) = 0;
     /// The mouse answers a request for the active slot. An index below 1 is ignored.
-    /// Emits isActiveDpiSlotIndexChangePendingChanged, then activeDpiSlotIndexChanged and dpiValueChanged; the
-    /// last is emitted on the calling thread, so off the device's thread it comes first.
+    /// Emits isActiveDpiSlotIndexChangePendingChanged, then activeDpiSlotIndexChanged and dpiValueChanged. Off
+    /// the device's thread the first two are queued and dpiValueChanged is emitted at once, so it normally comes
+    /// first.
     virtual void activeDpiSlotIndexConfirmed(int index) = 0;
     /// The mouse reports its active slot unasked; the same index again is ignored. At a change the DPI
     /// becomes the value of that slot, if known. Emits activeDpiSlotIndexChanged and dpiValueChanged, off the
-    /// device's thread in the other order.
+    /// device's thread as activeDpiSlotIndexConfirmed() does.
     virtual void activeDpiSlotIndexChangedCallBack(int index) = 0;
     /// The mouse answers a request for slot values with what it took; ignored when none is pending. Any value
     /// agrees with a requested 0. values: five DPI values in slot order, valid during the call only.

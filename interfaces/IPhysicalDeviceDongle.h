@@ -15,9 +15,10 @@ struct ReportRateInfo;
 /// request should be confirmed only after its operation has returned, from the event loop: a confirmation
 /// from inside it comes before the device knows that the request was accepted. With no earlier request
 /// pending, slot values are then dropped, the active slot and the DPI button are taken for an unasked report
-/// and the request stays pending; only the report rate is confirmed. With an earlier one pending, the
-/// confirmation is compared with that one, and a difference sends the earlier one again. The operations named
-/// reservedN are never called by a device plugin; they keep the others at their places in the table.
+/// and the request stays pending; only the report rate is confirmed. With an earlier request pending, the
+/// confirmation is compared with the earlier one: another active slot, DPI button or slot value sends the
+/// earlier request again, and the new report rate does nothing. A device plugin never calls the operations
+/// named reservedN; they keep the others at their places in the table.
 class KVX_INTERFACE IPhysicalDeviceDongle
 {
 public:

@@ -11,6 +11,7 @@ HostMap::HostMap(const QVariantMap &values)
     writer << quint32(QMetaType::QVariantMap) << qint8(0) << values;
     QDataStream reader(bytes);
     reader >> m_map;
+    Q_ASSERT(m_map.typeId() == QMetaType::QVariantMap);
 }
 
 const QVariantMap &HostMap::map() const

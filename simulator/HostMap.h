@@ -2,8 +2,8 @@
 
 #include <QtCore/QVariantMap>
 
-/// A map as a host has it, put together by Qt's own code. A QVariantMap keeps its entries in a std::map, so its layout is
-/// that of the standard library of whoever fills it; in a Windows build that is another one than the host's and Qt's.
+/// A map as a host passes it. A QVariantMap stores a std::map, whose layout depends on the C++ library. In a
+/// Windows build ours differs from Qt's and the host's, so Qt's code builds this map.
 class HostMap
 {
 public:

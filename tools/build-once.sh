@@ -4,8 +4,8 @@
 #   name            what it is called in messages, for example "Qt for ThreadSanitizer"
 #   verb            the call of ./dev that needs it
 #   cache           the folder that holds the finished ones, each named by its key
-#   packages        the installed packages that take part in it
-#   keyFiles        the files that take part in it
+#   packages        the installed packages that decide what is built
+#   keyFiles        the files that decide what is built
 #   make            a function that leaves it in $building/made; what it calls is in keyFunctions
 #   minutes         how long that takes, for the user
 #

@@ -219,7 +219,8 @@ void tst_Buttons::buttonsAreDisabled()
     Bench bench;
     HostedDevice &device = bench.started();
     QList<int> ids;
-    for (const QString &id : text.split(u", "_s, Qt::SkipEmptyParts))
+    const QStringList texts = text.split(u", "_s, Qt::SkipEmptyParts);
+    for (const QString &id : texts)
         ids.append(id.toInt());
     device.disbaleButtonsOrKeys(ids);
     QCOMPARE(bench.take(), timelineText(disableCall(text, mask)));

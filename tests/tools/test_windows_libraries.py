@@ -74,7 +74,7 @@ class WindowsLibraries(BuildOnceTest):
         for name, body in FAKES.items():
             self.sandbox.fake(name, body)
         shutil.copy(self.sandbox.fakes / "import-library", self.sandbox.checkout / "tools")
-        self.good = self.wheel("good", self.dll)
+        self.good = self.wheel("good", self.dll, RUNTIME)
         self.list(self.good)
 
     def wheel(self, name, qt, runtime=()):
@@ -96,7 +96,7 @@ class WindowsLibraries(BuildOnceTest):
         path.write_text("\n".join(("# why", "", *lines)) + "\n", encoding="utf-8")
 
     def test_holds_what_programs_are_linked_to_and_run_with(self):
-        self.list(self.good, "# another", self.wheel("other", self.other_dll, RUNTIME))
+        self.list(self.wheel("no_runtime", self.dll), "# another", self.wheel("other", self.other_dll, RUNTIME))
         folder = self.assert_provided(self.provide())
         self.assertEqual(sorted(self.folders.iterdir()), [folder, folder.with_suffix(".lock")])
         linked = ["kernel32", "ucrtbase", "vcruntime140", "msvcp140", "Qt6Core", "Qt6Test"]
@@ -119,6 +119,10 @@ class WindowsLibraries(BuildOnceTest):
         features = (folder / "include/QtCore/qtcore-config.h").read_text(encoding="utf-8")
         for feature in ("clock_monotonic -1", "glib -1", "inotify -1", "cpp_winrt 1"):
             self.assertIn(f"#define QT_FEATURE_{feature}\n", features)
+
+    def test_no_package_has_the_runtime(self):
+        self.list(self.wheel("no_runtime", self.dll))
+        self.assert_cannot(self.provide(), "no package in windows/qt-wheels.txt has microsoft-runtime")
 
     def test_another_file_makes_another_folder(self):
         folder = self.assert_provided(self.provide())

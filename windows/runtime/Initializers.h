@@ -1,11 +1,11 @@
 #pragma once
 
-/// Runs the module's static initializers, those of C first. Answers false when one of C's reports that it
-/// failed, and lets an exception out of one of C++'s pass; the rest do not run then. runExitFunctions() ends
-/// what was constructed.
+/// Runs the module's static initializers, those of C first. Returns false when a C initializer fails. An
+/// exception from a C++ initializer propagates. In both cases the remaining initializers do not run; call
+/// runExitFunctions() to destroy what was constructed.
 bool runInitializers();
 
-/// Runs what atexit() was given in this module, the last first; destructors of static objects are among it.
+/// Runs this module's atexit() functions in reverse order, with the destructors of static objects.
 void runExitFunctions() noexcept;
 
 /// Runs the initializers of the calling thread's thread-local variables, unless they have run.

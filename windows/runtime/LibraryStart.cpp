@@ -4,8 +4,7 @@
 
 namespace {
 
-// An exception must not go on into Windows' loader. It refuses the library, as an initializer does that
-// reports a failure.
+// An exception must not reach Windows' loader; the library is refused, as when an initializer fails.
 bool start() noexcept
 {
     try {
@@ -20,9 +19,9 @@ bool start() noexcept
 
 }  // namespace
 
-// Windows calls it when it loads the library, where FALSE refuses that, and when it unloads it: at the end of
-// the process, too, and right after a refusal, when only a part of the library has been initialized. Threads
-// that begin and end are ThreadLocals.cpp's matter.
+// Windows calls it when it loads the library (FALSE refuses it) and when it unloads it. It is also called at
+// the end of the process and right after a refusal, when the library is only partly initialized.
+// ThreadLocals.cpp handles the start and end of threads.
 extern "C" BOOL WINAPI _DllMainCRTStartup(HINSTANCE /*module*/, DWORD reason, void * /*reserved*/)
 {
     if (reason == DLL_PROCESS_ATTACH)

@@ -17,8 +17,8 @@ namespace {
 template <typename Value>
 using List = std::initializer_list<Value>;
 
-// The list comes by address, as all does that has more than eight bytes; a constructor answers the object's
-// address.
+// The list is passed by address, as is any argument larger than eight bytes. A constructor returns the
+// object's address.
 QJsonArray *constructArray(QJsonArray *array, const List<QJsonValue> &values)
 {
     QJsonArray made;

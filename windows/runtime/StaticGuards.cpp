@@ -1,7 +1,7 @@
 // Local static variables are initialized by the first thread that comes to them; the others wait. A guard is
 // 0 before that, -1 meanwhile, and then the number of the initialization, counted from the smallest int in
-// the whole module. Each thread remembers the last number that it knows of, so that it asks here once for
-// what is new to it.
+// the whole module. Each thread keeps the last number that it has seen and calls these functions only for a
+// newer guard.
 
 #include <climits>
 

@@ -1,6 +1,5 @@
-// Thread-local variables. Windows gives each thread a copy of the module's template, the section .tls; what
-// is dynamic about them, constructors and destructors, the module does itself when Windows says that a thread
-// begins or ends.
+// Thread-local variables. Windows gives each thread a copy of the module's template, the section .tls. The
+// module itself runs constructors and destructors when Windows reports that a thread starts or ends.
 
 #include "Initializers.h"
 
