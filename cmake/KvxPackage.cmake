@@ -17,7 +17,7 @@ write_basic_package_version_file(${PROJECT_BINARY_DIR}/KvxInterfacesConfigVersio
 install(FILES ${PROJECT_BINARY_DIR}/KvxInterfacesConfig.cmake ${PROJECT_BINARY_DIR}/KvxInterfacesConfigVersion.cmake
     DESTINATION ${packageFolder})
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples DESTINATION . FILES_MATCHING PATTERN *.kvx)
-install(FILES ${PROJECT_SOURCE_DIR}/CHANGELOG.md DESTINATION .)
+install(FILES ${PROJECT_SOURCE_DIR}/CHANGELOG.md ${PROJECT_SOURCE_DIR}/cmake/THIRD-PARTY.md DESTINATION .)
 
 # kvx_write_package_readme(FILE): README.md of a package; qtNote says what must be installed for it.
 function(kvx_write_package_readme file)
@@ -32,7 +32,6 @@ if(WIN32)
     set(needed "Qt 6.8 for Visual Studio (MSVC 2022 64-bit) must be installed and its bin folder be in PATH")
     set(runtime "Microsoft's redistributable C++ runtime for Visual Studio 2022 (x64)")
     set(qtNote "${needed}, and ${runtime} must be installed.")
-    install(FILES ${PROJECT_SOURCE_DIR}/cmake/THIRD-PARTY.md DESTINATION .)
 else()
     set(system linux)
     set(archiveSuffix .tar.gz)

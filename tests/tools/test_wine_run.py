@@ -332,6 +332,12 @@ class Show(WineRunTest):
         self.assertEqual((process.out, process.returncode), ("", 3))
         self.assertEqual(process.err, f"wine-run: the program wrote no {self.file}\n")
 
+    def test_what_lives_on_does_not_hold_the_output(self):
+        # As Wine's server, which the first program starts.
+        process = self.wine_run(self.program("sleep 1000 & echo $!"))
+        os.kill(int(process.out), signal.SIGKILL)
+        self.assertEqual((process.err, process.returncode), ("", 0))
+
     def test_old_file_is_not_shown(self):
         self.file.write_text("of an earlier run\n", encoding="utf-8")
         process = self.wine_run("--show", str(self.file), self.program("exit 0"))

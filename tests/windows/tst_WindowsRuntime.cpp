@@ -218,7 +218,7 @@ void tst_WindowsRuntime::loadingAThousandTimesLeavesNothing()
     QVERIFY(before > 0);
     // Wine keeps 31 small blocks in one, so one that is left behind by each round makes 32. Windows' own
     // threads may have work to do meanwhile.
-    constexpr int allowed = 6;
+    constexpr int allowed = 24;
     QCOMPARE_LT(ProcessMemory::heapBlocks(), before + allowed);
 }
 

@@ -15,8 +15,10 @@ void happened(const char *format, ...)
 {
     const size_t used = strlen(events);
     const char *separator = used ? "; " : "";
-    if (used + sizeof("; ") >= sizeof(events))
+    if (used + sizeof("; ") >= sizeof(events)) {
+        deviation("more events than are kept");
         return;
+    }
     strcat(events, separator);
     va_list arguments;
     va_start(arguments, format);

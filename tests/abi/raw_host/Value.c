@@ -1,5 +1,7 @@
 #include "Value.h"
 
+#include "Timeline.h"
+
 #include <inttypes.h>
 #include <stdarg.h>
 #include <stdio.h>
@@ -41,8 +43,10 @@ void nameWord(uint64_t word, const char *name)
     int index = 0;
     while (index < nameCount && names[index].word != word)
         ++index;
-    if (index == mostNames)
+    if (index == mostNames) {
+        deviation("more named objects than are kept");
         return;
+    }
     names[index].word = word;
     names[index].name = name;
     if (index == nameCount)
