@@ -1,6 +1,5 @@
 #pragma once
 
-#include "LogLine.h"
 #include "LogSwitches.h"
 
 #include <QtCore/QLoggingCategory>
@@ -8,13 +7,13 @@
 Q_DECLARE_LOGGING_CATEGORY(deviceLog)
 Q_DECLARE_LOGGING_CATEGORY(pluginLog)
 
-// The switch is asked first: while it is off no category is created and no operand is evaluated.
-// Macros, so that file and line are the caller's; a loop, so that they stand in an unbraced if.
-#define GATED_LOG(enabled, type, category)                                                                   \
-    for (bool gatedLogOnce = (enabled); Q_UNLIKELY(gatedLogOnce); gatedLogOnce = false)                      \
-    LogLine<type>{category, QT_MESSAGELOG_FILE, QT_MESSAGELOG_LINE, QT_MESSAGELOG_FUNC} <<= LogOperands<>()
+// The switch is asked first: while it is off, no category is created and no operand is evaluated.
+// Macros, because file and line must be the caller's; a loop, because it is safe in an unbraced if.
+#define GATED_LOG(enabled, line)                                                                             \
+    for (bool gatedLogOnce = (enabled); gatedLogOnce; gatedLogOnce = false)                                  \
+    line
 
-#define deviceDebug() GATED_LOG(debugLogEnabled(), QtDebugMsg, deviceLog)
-#define deviceWarning() GATED_LOG(warningLogEnabled(), QtWarningMsg, deviceLog)
-#define deviceCritical() GATED_LOG(criticalLogEnabled(), QtCriticalMsg, deviceLog)
-#define pluginDebug() GATED_LOG(debugLogEnabled(), QtDebugMsg, pluginLog)
+#define deviceDebug() GATED_LOG(debugLogEnabled(), qCDebug(deviceLog))
+#define deviceWarning() GATED_LOG(warningLogEnabled(), qCWarning(deviceLog))
+#define deviceCritical() GATED_LOG(criticalLogEnabled(), qCCritical(deviceLog))
+#define pluginDebug() GATED_LOG(debugLogEnabled(), qCDebug(pluginLog))

@@ -1,8 +1,31 @@
 #include "LogSwitches.h"
 
-LogSwitches logSwitches;
+namespace {
+
+bool isDebugEnabled = false;
+bool isWarningEnabled = false;
+bool isCriticalEnabled = false;
+
+}  // namespace
+
+bool debugLogEnabled()
+{
+    return isDebugEnabled;
+}
+
+bool warningLogEnabled()
+{
+    return isWarningEnabled;
+}
+
+bool criticalLogEnabled()
+{
+    return isCriticalEnabled;
+}
 
 void setLogSwitches(bool debugEnabled, bool warningEnabled, bool criticalEnabled)
 {
-    logSwitches = {debugEnabled, warningEnabled, criticalEnabled};
+    isDebugEnabled = debugEnabled;
+    isWarningEnabled = warningEnabled;
+    isCriticalEnabled = criticalEnabled;
 }

@@ -1,35 +1,11 @@
 #pragma once
 
-#include <QtCore/QtGlobal>
+// Three process-wide switches. Each log line asks the one of its severity before it asks Qt's category
+// filter. All are off until IDevicePlugin::initialize() sets them. They have no lock: the host sets them
+// before it creates devices.
 
-// Three process-wide switches, asked before every log line of their severity and before Qt's own category
-// filter. Plain bytes, all off until IDevicePlugin::initialize(); the host sets them before it creates
-// devices.
-
-struct LogSwitches
-{
-    bool debugEnabled = false;
-    bool warningEnabled = false;
-    bool criticalEnabled = false;
-};
-
-// Hidden, so that a reader knows its address without looking it up.
-extern Q_DECL_HIDDEN LogSwitches logSwitches;
-
-// Inline, because every operation asks: a call would cost more than a mouse report that changes nothing.
-inline bool debugLogEnabled()
-{
-    return logSwitches.debugEnabled;
-}
-
-inline bool warningLogEnabled()
-{
-    return logSwitches.warningEnabled;
-}
-
-inline bool criticalLogEnabled()
-{
-    return logSwitches.criticalEnabled;
-}
+bool debugLogEnabled();
+bool warningLogEnabled();
+bool criticalLogEnabled();
 
 void setLogSwitches(bool debugEnabled, bool warningEnabled, bool criticalEnabled);

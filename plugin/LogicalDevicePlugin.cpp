@@ -26,6 +26,4 @@ ILogicalDevice *LogicalDevicePlugin::createLogicalDevice(IPhysicalDevice *physic
     return new LogicalDevice(physicalDevice, id, this);
 }
 
-// Here and not in a file of automoc's, because the compile option that keeps the metadata free of processor
-// requirements is set for this file.
 #include "moc_LogicalDevicePlugin.cpp"  // NOLINT(bugprone-suspicious-include)

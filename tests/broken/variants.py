@@ -46,7 +46,7 @@ class Variant:
     new: str = ""
     compile: list = field(default_factory=list)
     moc: str = ""
-    options: list | None = None
+    options: list = field(default_factory=list)
     link_options: list = field(default_factory=list)
     without: list = field(default_factory=list)
     reason: str = ""
@@ -64,7 +64,10 @@ class Variant:
     def sources(self):
         """The sources that are compiled anew, in the product's folder."""
         is_source = Path(self.file).suffix == ".cpp"
-        return self.compile or ([self.file] if is_source else [])
+        sources = self.compile or ([self.file] if is_source else [])
+        # The source of a class includes its meta-object code.
+        source_of_moc = self.moc.replace(".h", ".cpp")
+        return sources + [source_of_moc] * (self.moc != "" and source_of_moc not in sources)
 
     def changed(self, source):
         """The text of the product's file with the fault in it."""
@@ -82,7 +85,7 @@ class Variant:
             return "test is program::function, or a check and what it says"
         if self.category == "slot order" and self.file.startswith("interfaces/") and not self.raw_host:
             return "a fault in an interface's table has a raw-host"
-        if not (self.old or self.options is not None or self.link_options):
+        if not (self.old or self.options or self.link_options):
             return "there is no fault"
         if self.old and not self.file:
             return "from is a text of a file"

@@ -35,7 +35,7 @@ expression = 'deviceDebug'
 reason = "The macro's."
 
 [[files]]
-file = "device/Thing_win.cpp"
+file = "plugin/Thing_win.cpp"
 reason = "Not here."
 """
 
@@ -52,8 +52,8 @@ class CodeCoverageTest(unittest.TestCase):
         self.addCleanup(folder.cleanup)
         self.base = Path(os.path.realpath(folder.name))
         self.build = self.base / "build"
-        self.write("device/Thing.cpp", SOURCE)
-        self.write("device/Thing_win.cpp", SOURCE)
+        self.write("plugin/Thing.cpp", SOURCE)
+        self.write("plugin/Thing_win.cpp", SOURCE)
         self.write("tests/coverage/unreached.toml", LIST)
         self.write("build/plugin/objects/Thing.cpp.gcda", "")
         self.write("bin/gcovr", FAKE_GCOVR)
@@ -67,12 +67,12 @@ class CodeCoverageTest(unittest.TestCase):
         path.write_text(text, encoding="utf-8")
 
     def count(self, *lines):
-        self.write("counted.json", json.dumps({"files": [{"file": "device/Thing.cpp", "lines": list(lines)}]}))
+        self.write("counted.json", json.dumps({"files": [{"file": "plugin/Thing.cpp", "lines": list(lines)}]}))
 
     def leave_out(self, kind, text, more=""):
         self.write(
             "tests/coverage/unreached.toml",
-            f"{LIST}[[{kind}]]\nfile = \"device/Thing.cpp\"\ntexts = ['{text}']\n{more}reason = \"So it is.\"\n",
+            f"{LIST}[[{kind}]]\nfile = \"plugin/Thing.cpp\"\ntexts = ['{text}']\n{more}reason = \"So it is.\"\n",
         )
 
     def judge(self, **changes):
@@ -105,7 +105,7 @@ class Counts(CodeCoverageTest):
             out.splitlines(),
             [
                 "file                                          lines    of           branches    of",
-                "device/Thing.cpp                                  5     5   100.0 %        2     2   100.0 %",
+                "plugin/Thing.cpp                                  5     5   100.0 %        2     2   100.0 %",
                 "all                                               5     5   100.0 %        2     2   100.0 %",
                 f"the same with the sources: {self.build}/coverage/index.html",
             ],
@@ -119,12 +119,12 @@ class Counts(CodeCoverageTest):
 
     def test_line(self):
         self.count(line(3, 2, 1, 1), line(4, 0), line(5, 1, 1, 0), line(6, 1))
-        out = self.assert_problems("device/Thing.cpp:4: never reached: return twice();")
+        out = self.assert_problems("plugin/Thing.cpp:4: never reached: return twice();")
         self.assertIn("all                                               3     4    75.0 %        2     2   100.0 %", out)
 
     def test_branch(self):
         self.count(line(3, 2, 2, 0, 0), line(5, 1, 1, 0))
-        self.assert_problems("device/Thing.cpp:3: 2 of 3 branches never taken: if (limit == 5)")
+        self.assert_problems("plugin/Thing.cpp:3: 2 of 3 branches never taken: if (limit == 5)")
 
     def test_line_that_is_no_code(self):
         self.count(line(5, 1, 1, 0), line(7, 0) | {"gcovr/noncode": True})
@@ -145,28 +145,28 @@ class LeftOut(CodeCoverageTest):
 
     def test_branches_and_lines(self):
         self.leave_out("branches", "if (limit == 5)")
-        self.assert_problems("device/Thing.cpp:4: never reached: return twice();")
+        self.assert_problems("plugin/Thing.cpp:4: never reached: return twice();")
         self.leave_out("lines", "return twice();", "at = 1\n")
-        self.assert_problems("device/Thing.cpp:3: 1 of 2 branches never taken: if (limit == 5)")
+        self.assert_problems("plugin/Thing.cpp:3: 1 of 2 branches never taken: if (limit == 5)")
 
     def test_text_that_is_gone(self):
         self.count(line(5, 1, 1, 0))
         self.leave_out("lines", "return thrice();")
-        self.assert_list_problem("device/Thing.cpp has no line 'return thrice();' any more")
+        self.assert_list_problem("plugin/Thing.cpp has no line 'return thrice();' any more")
 
     def test_text_that_stands_there_twice(self):
         self.count(line(5, 1, 1, 0))
         self.leave_out("lines", "return twice();")
-        self.assert_list_problem("'return twice();' stands in device/Thing.cpp 2 times; say which with at = 1 and so on")
+        self.assert_list_problem("'return twice();' stands in plugin/Thing.cpp 2 times; say which with at = 1 and so on")
         self.leave_out("lines", "return twice();", "at = 3\n")
-        self.assert_list_problem("device/Thing.cpp has no 'return twice();' number 3")
+        self.assert_list_problem("plugin/Thing.cpp has no 'return twice();' number 3")
 
     def test_what_is_reached_after_all(self):
         self.count(line(3, 2, 1, 1), line(5, 1, 1, 0), line(6, 1))
         self.leave_out("branches", "if (limit == 5)")
-        self.assert_list_problem("device/Thing.cpp:3: nothing is left to be reached in 'if (limit == 5)'")
+        self.assert_list_problem("plugin/Thing.cpp:3: nothing is left to be reached in 'if (limit == 5)'")
         self.leave_out("lines", "return twice();", "at = 2\n")
-        self.assert_list_problem("device/Thing.cpp:6: nothing is left to be reached in 'return twice();'")
+        self.assert_list_problem("plugin/Thing.cpp:6: nothing is left to be reached in 'return twice();'")
 
     def test_pattern_that_matches_nothing(self):
         self.count(line(6, 1))
@@ -175,7 +175,7 @@ class LeftOut(CodeCoverageTest):
     def test_file_that_is_counted_or_gone(self):
         (self.base / "device" / "Thing_win.cpp").unlink()
         self.count(line(5, 1, 1, 0))
-        self.assert_list_problem("device/Thing_win.cpp is counted, or is not there any more")
+        self.assert_list_problem("plugin/Thing_win.cpp is counted, or is not there any more")
 
 
 class BadInput(CodeCoverageTest):

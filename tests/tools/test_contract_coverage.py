@@ -86,7 +86,7 @@ class ContractCoverageTest(unittest.TestCase):
         self.write("tests/features/tst_MetaObject.cpp", METHODS)
         self.write("plugin/GatedLog.h", PLUGIN_HEADER)
         self.write("plugin/Plugin.cpp", PLUGIN)
-        self.write("device/Device.cpp", DEVICE)
+        self.write("plugin/Device.cpp", DEVICE)
         self.write("tests/coverage/unseen.toml", UNSEEN)
         self.write_timelines(WHOLE)
 
@@ -163,11 +163,11 @@ class Seen(ContractCoverageTest):
             )
 
     def test_new_log_line(self):
-        self.write("device/New.cpp", 'void f()\n{\n    deviceWarning() << "new (text)";\n}\n')
+        self.write("plugin/New.cpp", 'void f()\n{\n    deviceWarning() << "new (text)";\n}\n')
         self.assert_problems("log text never seen: warning LogicalDevice: new (text)")
 
     def test_longer_text_does_not_stand_for_its_beginning(self):
-        self.write("device/New.cpp", 'void f()\n{\n    deviceDebug() << "rate :" << rate;\n}\n')
+        self.write("plugin/New.cpp", 'void f()\n{\n    deviceDebug() << "rate :" << rate;\n}\n')
         self.assert_problems("log text never seen: debug LogicalDevice: rate : *")
 
     def test_what_nothing_tells_of(self):
@@ -241,13 +241,13 @@ class BadInput(ContractCoverageTest):
         self.assertEqual(self.judge().returncode, 2)
 
     def test_log_line_that_begins_with_a_value(self):
-        self.write("device/New.cpp", "void f()\n{\n    deviceDebug() << rate;\n}\n")
-        self.assert_refused(f"{self.base}/device/New.cpp: the log line '<< rate' does not begin with a literal text")
+        self.write("plugin/New.cpp", "void f()\n{\n    deviceDebug() << rate;\n}\n")
+        self.assert_refused(f"{self.base}/plugin/New.cpp: the log line '<< rate' does not begin with a literal text")
 
     def test_log_line_that_cannot_be_read(self):
-        self.write("device/New.cpp", 'void f()\n{\n    deviceDebug().nospace() << "text";\n    deviceDebug()\n')
+        self.write("plugin/New.cpp", 'void f()\n{\n    deviceDebug().nospace() << "text";\n    deviceDebug()\n')
         self.assert_refused(
-            f"{self.base}/device/New.cpp: one of its log lines cannot be read; write it as deviceDebug() << ...;"
+            f"{self.base}/plugin/New.cpp: one of its log lines cannot be read; write it as deviceDebug() << ...;"
         )
 
     def test_usage(self):

@@ -162,7 +162,7 @@ class Report(unittest.TestCase):
 
     def report(self, outcomes, explained="", same=False):
         self.tool.EXPLAINED.write_text(explained, encoding="utf-8")
-        file = Path("device/Thing.cpp")
+        file = Path("plugin/Thing.cpp")
         mutants = [self.tool.Mutant(file, line, f"change {0 if same else line}", "") for line in range(len(outcomes))]
         said, complained = io.StringIO(), io.StringIO()
         with contextlib.redirect_stdout(said), contextlib.redirect_stderr(complained):
@@ -187,20 +187,20 @@ class Report(unittest.TestCase):
         )
 
     def test_each_survivor_needs_a_line(self):
-        line = "device/Thing.cpp: change 0\n"
+        line = "plugin/Thing.cpp: change 0\n"
         survived = ["survived", "survived"]
         self.assertEqual(self.report(survived, line, same=True)[0], 1)
         self.assertEqual(self.report(survived, 2 * line, same=True)[0], 0)
         self.assertEqual(self.report(["survived", "killed"], 2 * line, same=True)[0], 1)
 
     def test_explanation_of_what_is_killed(self):
-        code, _, complaint = self.report(["killed"], "device/Thing.cpp: change 0\n")
+        code, _, complaint = self.report(["killed"], "plugin/Thing.cpp: change 0\n")
         self.assertEqual(
-            (code, complaint), (1, "mutate: explained.txt explains what does not survive: device/Thing.cpp: change 0\n")
+            (code, complaint), (1, "mutate: explained.txt explains what does not survive: plugin/Thing.cpp: change 0\n")
         )
 
     def test_explanations_of_files_that_were_not_changed_stay(self):
-        self.assertEqual(self.report(["killed"], "device/Other.cpp: change 0\n")[0], 0)
+        self.assertEqual(self.report(["killed"], "plugin/Other.cpp: change 0\n")[0], 0)
 
 
 class Usage(unittest.TestCase):
@@ -210,7 +210,7 @@ class Usage(unittest.TestCase):
         )
 
     def test_lists_the_mutants_of_a_file(self):
-        process = self.run_tool("--list", "device/LogicalDevice_DpiButton.cpp")
+        process = self.run_tool("--list", "plugin/LogicalDevice_DpiButton.cpp")
         self.assertEqual(process.returncode, 0)
         self.assertIn("remove  setDpiButtonIdChangePending(isAccepted);", process.stdout)
 
@@ -218,7 +218,7 @@ class Usage(unittest.TestCase):
         process = self.run_tool("README.md")
         self.assertEqual(process.returncode, 2)
         self.assertEqual(
-            process.stderr, 'mutate: "README.md" is no file of the product; name files in device/ or plugin/\n'
+            process.stderr, 'mutate: "README.md" is no file of the product; name files in plugin/\n'
         )
 
     def test_list_may_be_cut_short(self):

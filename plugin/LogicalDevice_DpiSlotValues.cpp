@@ -3,45 +3,24 @@
 #include "LogicalDevice.h"
 
 #include <algorithm>
-#include <array>
-#include <optional>
 #include <utility>
 
 namespace {
 
 constexpr int dpiSlotCount = 5;
 
-// In digits; more could be too large for a uint.
-constexpr int longestPlainNumber = 9;
-
 // A requested 0 leaves the value of its slot to the mouse.
 constexpr quint16 anyDpi = 0;
 // Sent whatever the range, like 0, but confirmed like any other value.
 constexpr quint16 unrangedDpi = 65535;
 
-// What Qt reads as a decimal number. The few plain digits of a DPI value are read here, in a fraction of the
-// time.
-std::optional<uint> parseNumber(const QString &text)
-{
-    uint value = 0;
-    bool isPlain = !text.isEmpty() && text.size() <= longestPlainNumber;
-    for (qsizetype index = 0; isPlain && index < text.size(); ++index) {
-        const uint digit = text.at(index).unicode() - uint(u'0');
-        isPlain = digit <= 9;
-        value = value * 10 + digit;
-    }
-    if (!isPlain)
-        value = text.toUInt(&isPlain, 10);
-    return isPlain ? std::optional(value) : std::nullopt;
-}
-
 quint16 parseSlotValue(const QString &text, int dpiMin, int dpiMax)
 {
-    const std::optional<uint> number = parseNumber(text);
+    bool isNumber = false;
     // The low 16 bits only, so "65536" is a silent 0: kept, the host relies on it.
-    const auto value = static_cast<quint16>(number.value_or(0));
+    const auto value = static_cast<quint16>(text.toUInt(&isNumber, 10));
     const bool isInRange = value >= dpiMin && value <= dpiMax;
-    if (number && (value == anyDpi || value == unrangedDpi || isInRange))
+    if (isNumber && (value == anyDpi || value == unrangedDpi || isInRange))
         return value;
     deviceWarning() << "Ignoring slot value : " << text;
     return anyDpi;
@@ -87,14 +66,12 @@ void LogicalDevice::setDpiSlotValues(QStringList values)
 void LogicalDevice::sendDpiSlotValues(QList<quint16> values)
 {
     deviceDebug() << "Setting dpi slot values : " << values;
-    std::array<quint16, dpiSlotCount> slotValues{};
-    std::copy_n(values.cbegin(), dpiSlotCount, slotValues.begin());
     if (!m_dongle) {
         deviceWarning() << "Unknown IPhysicalDevice interface";
         return;
     }
     const bool isAccepted =
-        m_dongle->setDpiSlotValues(m_deviceId, slotValues.data(), m_dpiButtonId, m_activeDpiSlotIndex);
+        m_dongle->setDpiSlotValues(m_deviceId, values.constData(), m_dpiButtonId, m_activeDpiSlotIndex);
     if (isAccepted) {
         m_pendingDpiSlotValues = std::move(values);
     } else {
@@ -139,6 +116,6 @@ void LogicalDevice::onDpiSlotValuesChanged(QList<quint16> values)
 
 void LogicalDevice::setDpiSlotValuesChangePending(bool isPending)
 {
-    setPendingFlag<&LogicalDevice::m_isDpiSlotValuesChangePending,
-                   &LogicalDevice::isDpiSlotValuesChangePendingChanged>(isPending);
+    setPendingFlag(&LogicalDevice::m_isDpiSlotValuesChangePending,
+                   &LogicalDevice::isDpiSlotValuesChangePendingChanged, isPending);
 }

@@ -77,47 +77,47 @@ void LogicalDevice::reportRateConfirmed(int rate)
 void LogicalDevice::reportRateChangedCallBack(const ReportRateInfo *info)
 {
     QStringList rates;
-    bool isCurrentRateListed = false;
-    bool isPreferredRateListed = false;
-    for (const quint16 rate : info->supportedRates) {
-        if (rate == 0)
-            break;
-        deviceDebug() << "got supported report rate : " << rate;
-        rates.append(QString::number(rate, 10));
-        isCurrentRateListed |= rate == info->currentRate;
-        isPreferredRateListed |= m_dongle && rate == preferredFallbackRate;
-    }
+    const ListedRates listed = listReportRates(*info, &rates, false);
     if (rates != m_reportRateValues) {
         m_reportRateValues = rates;
         emitOnOwnThread([this] { Q_EMIT reportRateValuesChanged(m_reportRateValues); });
     }
-    if (isCurrentRateListed)
+    if (listed.hasCurrent)
         reportRateConfirmed(info->currentRate);
     else
-        requestFallbackReportRate(*info, isPreferredRateListed);
+        requestFallbackReportRate(*info, listed.hasPreferred);
 }
 
 void LogicalDevice::initReportRate(const ReportRateInfo &info)
 {
-    bool isCurrentRateListed = false;
-    bool isPreferredRateListed = false;
+    // Not cleared first, so a second start appends the rates again: kept, the host relies on it.
+    const ListedRates listed = listReportRates(info, &m_reportRateValues, true);
+    if (listed.hasCurrent)
+        return;
+    deviceWarning() << "current report rate not found in list : " << info.currentRate;
+    requestFallbackReportRate(info, listed.hasPreferred);
+}
+
+// Appends the rates of the record up to its first 0.
+LogicalDevice::ListedRates LogicalDevice::listReportRates(const ReportRateInfo &info, QStringList *rates,
+                                                          bool takeCurrentRate)
+{
+    ListedRates listed;
     for (const quint16 rate : info.supportedRates) {
         if (rate == 0)
             break;
         deviceDebug() << "got supported report rate : " << rate;
-        // Not cleared first, so a second start appends the rates again: kept, the host relies on it.
-        m_reportRateValues.append(QString::number(rate, 10));
-        if (rate == info.currentRate) {
+        rates->append(QString::number(rate, 10));
+        listed.hasPreferred |= m_dongle && rate == preferredFallbackRate;
+        if (rate != info.currentRate)
+            continue;
+        listed.hasCurrent = true;
+        if (takeCurrentRate) {
             deviceDebug() << "got current report rate : " << info.currentRate;
             m_reportRate = info.currentRate;
-            isCurrentRateListed = true;
         }
-        isPreferredRateListed |= m_dongle && rate == preferredFallbackRate;
     }
-    if (isCurrentRateListed)
-        return;
-    deviceWarning() << "current report rate not found in list : " << info.currentRate;
-    requestFallbackReportRate(info, isPreferredRateListed);
+    return listed;
 }
 
 void LogicalDevice::requestFallbackReportRate(const ReportRateInfo &info, bool isPreferredRateListed)
@@ -132,8 +132,8 @@ void LogicalDevice::requestFallbackReportRate(const ReportRateInfo &info, bool i
 
 void LogicalDevice::setReportRateChangePending(bool pending)
 {
-    setPendingFlag<&LogicalDevice::m_isReportRateChangePending,
-                   &LogicalDevice::isReportRateChangePendingChanged>(pending);
+    setPendingFlag(&LogicalDevice::m_isReportRateChangePending,
+                   &LogicalDevice::isReportRateChangePendingChanged, pending);
 }
 
 void LogicalDevice::emitReportRateChanged()

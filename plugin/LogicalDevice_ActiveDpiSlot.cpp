@@ -65,6 +65,6 @@ void LogicalDevice::onActiveDpiSlotIndexChanged(int index)
 
 void LogicalDevice::setActiveDpiSlotIndexChangePending(bool isPending)
 {
-    setPendingFlag<&LogicalDevice::m_isActiveDpiSlotIndexChangePending,
-                   &LogicalDevice::isActiveDpiSlotIndexChangePendingChanged>(isPending);
+    setPendingFlag(&LogicalDevice::m_isActiveDpiSlotIndexChangePending,
+                   &LogicalDevice::isActiveDpiSlotIndexChangePendingChanged, isPending);
 }

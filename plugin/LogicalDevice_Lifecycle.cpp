@@ -41,8 +41,9 @@ void LogicalDevice::bindDongle()
         m_batteryLevel = m_dongle->getBatteryLevel(m_deviceId);
     m_deviceValue = m_dongle->getDeviceValue(m_deviceId);
 
-    // By signature, because the receiver's class is the host's own. Connected before the state is requested,
-    // so that no answer is missed.
+    // By signature, because the receiver's class is the host's own; the texts are passed as they stand,
+    // blanks included, because a receiver sees them before Qt normalises them: kept, the host relies on it.
+    // Connected before the state is requested, so that no answer is missed.
     connect(dynamic_cast<QObject *>(m_dongle), "2dpiMinChanged( int )", this, "1onDpiMinChanged( int )");
     connect(dynamic_cast<QObject *>(m_dongle), "2dpiMaxChanged( int )", this, "1onDpiMaxChanged( int )");
 

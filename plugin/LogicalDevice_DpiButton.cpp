@@ -77,6 +77,6 @@ void LogicalDevice::onDpiButtonIdChanged(int buttonId)
 
 void LogicalDevice::setDpiButtonIdChangePending(bool isPending)
 {
-    setPendingFlag<&LogicalDevice::m_isDpiButtonIdChangePending,
-                   &LogicalDevice::isDpiButtonIdChangePendingChanged>(isPending);
+    setPendingFlag(&LogicalDevice::m_isDpiButtonIdChangePending,
+                   &LogicalDevice::isDpiButtonIdChangePendingChanged, isPending);
 }

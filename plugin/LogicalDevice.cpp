@@ -6,13 +6,7 @@
 #include "LogicalDevicePlugin.h"
 #include "PluginIid.h"
 
-#include <chrono>
-
-namespace {
-
-constexpr std::chrono::milliseconds ctrlReleaseDelay{25};
-
-}  // namespace
+#include <QtCore/QThread>
 
 LogicalDevice::LogicalDevice(IPhysicalDevice *physicalDevice, DeviceId deviceId, LogicalDevicePlugin *owner)
     : QObject(owner)
@@ -23,7 +17,7 @@ LogicalDevice::LogicalDevice(IPhysicalDevice *physicalDevice, DeviceId deviceId,
     m_ownerPlugin = owner;
     m_instanceId = QUuid::createUuid();
     m_name = tr("Orvane Tessa Mouse");
-    m_smartPointerCtrReleaseTimer.setInterval(ctrlReleaseDelay);
+    m_smartPointerCtrReleaseTimer.setInterval(smartPointerCtrReleaseDelay);
     connect(&m_smartPointerCtrReleaseTimer, &QTimer::timeout, this,
             &LogicalDevice::onSmartPointerCtrReleaseTimerTimeout);
     deviceDebug() << "LogicalDevice exit";
@@ -84,3 +78,19 @@ quintptr LogicalDevice::query26(quintptr /*argument1*/, quintptr argument2, quin
         return 0;
     return m_dongle->forwardedOperation(m_deviceId, argument2, argument3);
 }
+
+bool LogicalDevice::isOnOwnThread() const
+{
+    return QThread::currentThread() == thread();
+}
+
+void LogicalDevice::setPendingFlag(bool LogicalDevice::*flag, void (LogicalDevice::*changed)(bool),
+                                   bool isPending)
+{
+    if (this->*flag == isPending)
+        return;
+    this->*flag = isPending;
+    emitOnOwnThread([this, flag, changed] { Q_EMIT(this->*changed)(this->*flag); });
+}
+
+#include "moc_LogicalDevice.cpp"  // NOLINT(bugprone-suspicious-include)

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "CurrentThread.h"
+#include "ButtonBits.h"
 #include "DeviceId.h"
 #include "ILogicalDeviceGen3.h"
 #include "ILogicalDeviceGen3Mouse.h"
@@ -10,6 +10,7 @@
 #include <QtCore/QTimer>
 
 #include <bitset>
+#include <chrono>
 #include <utility>
 
 class IHostServices;
@@ -192,9 +193,8 @@ private Q_SLOTS:
     void onPPIDChanged(QString ppid);
 
 private:
-    // Emits now on the device's thread, else queues the emission there. The closure holds the object only and
-    // reads the member when it runs, so two quick changes from elsewhere deliver the later value twice:
-    // kept, the host relies on it.
+    // Emits now on the device's thread, else queues the emission there. The closure reads the member when it
+    // runs, so two quick changes from elsewhere deliver the later value twice: kept, the host relies on it.
     template <typename Emission>
     void emitOnOwnThread(Emission emission)
     {
@@ -204,18 +204,10 @@ private:
             QMetaObject::invokeMethod(this, std::move(emission), Qt::QueuedConnection);
     }
 
-    bool isOnOwnThread() const { return currentThread() == thread(); }
+    bool isOnOwnThread() const;
 
-    // Stores a pending flag; emits its signal by the rule above when that changes it. Flag and signal are
-    // template arguments because the closure holds the object only.
-    template <bool LogicalDevice::*flag, void (LogicalDevice::*changed)(bool)>
-    void setPendingFlag(bool isPending)
-    {
-        if (this->*flag == isPending)
-            return;
-        this->*flag = isPending;
-        emitOnOwnThread([this] { Q_EMIT(this->*changed)(this->*flag); });
-    }
+    // Stores a pending flag and, when that changes it, emits its signal on the device's thread.
+    void setPendingFlag(bool LogicalDevice::*flag, void (LogicalDevice::*changed)(bool), bool isPending);
 
     void bindDongle();
     void registerInstance(bool add);
@@ -230,6 +222,12 @@ private:
     void onDpiButtonIdChanged(int buttonId);
     void setDpiButtonIdChangePending(bool isPending);
 
+    struct ListedRates
+    {
+        bool hasCurrent = false;
+        bool hasPreferred = false;
+    };
+    ListedRates listReportRates(const ReportRateInfo &info, QStringList *rates, bool takeCurrentRate);
     void initReportRate(const ReportRateInfo &info);
     void requestFallbackReportRate(const ReportRateInfo &info, bool isPreferredRateListed);
     void setReportRateChangePending(bool pending);
@@ -238,9 +236,11 @@ private:
     void resetDisabledButtonsOrKeysMask();
     bool sendDisabledButtonsOrKeysMask();
 
-    uint heldButtonsOrKeys() const;
-    void takeMouseEvent(uint mouseEvent);
+    // The host sees a tap of Ctrl: released with the smart-pointer key or after this time, whichever is
+    // first.
+    static constexpr std::chrono::milliseconds smartPointerCtrReleaseDelay{25};
     void updateSmartPointerKey(IHostServices *hostServices, bool isDown);
+    void updateButtons(IHostServices *hostServices, std::bitset<lastButton> isDown);
 
     LogicalDevicePlugin *m_ownerPlugin =
         nullptr;  // also the parent, on its thread; never null once constructed
@@ -254,7 +254,7 @@ private:
     int m_hasBatteryLevel = 0;  // 0 or 1
     int m_batteryLevel = -1;    // percent; -1 while not known
     quint8 m_disabledButtonsOrKeysMask = 0;
-    std::bitset<5> m_isButtonPressed;  // bit n - 1 is button n
+    std::bitset<lastButton> m_isButtonPressed;  // bit n - 1 is button n
     int m_statusValue = 0;
     IPhysicalDeviceDongle *m_dongle = nullptr;  // m_physicalDevice as a receiver, once bound
     int m_deviceValue = 0;
