@@ -182,14 +182,14 @@ QStringList Timeline::lines(Style style) const
     return linesOf(entries(), style);
 }
 
-QString Timeline::take(Style style)
+QStringList Timeline::take(Style style)
 {
     QList<TimelineEntry> taken;
     {
         const QMutexLocker locker(&m_mutex);
         taken.swap(m_entries);
     }
-    return linesOf(taken, style).join(u'\n');
+    return linesOf(taken, style);
 }
 
 QString Timeline::line(const TimelineEntry &entry, Style style)

@@ -71,8 +71,8 @@ public:
 
     /// Every entry as a readable line.
     QStringList lines(Style style = Style::Plain) const;
-    /// The lines since the last call, joined by line feeds, and forgets the entries: what a test compares.
-    QString take(Style style = Style::Plain);
+    /// The lines since the last call, and forgets the entries: what a test compares.
+    QStringList take(Style style = Style::Plain);
 
     static QString line(const TimelineEntry &entry, Style style);
     /// {"schemaVersion":1}: the first line of a JSON record.

@@ -1,5 +1,5 @@
-#include "Bench.h"
 #include "Kvx.h"
+#include "PluginFixture.h"
 #include "ThisSystem.h"
 
 #include <QtCore/QFile>
@@ -24,14 +24,14 @@ private Q_SLOTS:
 
 void tst_KvxInspect::builtPluginLoadsHere()
 {
-    const KvxRun run = runKvx({u"inspect"_s, Bench::builtPluginFile()});
+    const KvxRun run = runKvx({u"inspect"_s, PluginFixture::builtPluginFile()});
     QCOMPARE(run.errors, QStringList());
     QCOMPARE(run.exitCode, 0);
     const auto field = [&](const QString &name) {
         const QStringList lines = run.output.filter(QRegularExpression(u'^' + name + u" "_s));
         return lines.size() == 1 ? lines.first().mid(16) : u"%1 lines"_s.arg(lines.size());
     };
-    QCOMPARE(field(u"file"_s), QFileInfo(Bench::builtPluginFile()).absoluteFilePath());
+    QCOMPARE(field(u"file"_s), QFileInfo(PluginFixture::builtPluginFile()).absoluteFilePath());
     QCOMPARE(field(u"format"_s), ThisSystem::name + u" library, 64-bit x86-64"_s);
     QCOMPARE(field(u"IID"_s), u"com.orvane.KVX.Plugin.LogicalDevice.RV418"_s);
     QCOMPARE(field(u"class"_s), u"LogicalDevicePlugin"_s);
@@ -67,7 +67,7 @@ void tst_KvxInspect::unusableFile_data()
 {
     QTest::addColumn<QByteArray>("bytes");
     QTest::addColumn<QString>("cause");
-    QFile plugin(Bench::builtPluginFile());
+    QFile plugin(PluginFixture::builtPluginFile());
     QVERIFY(plugin.open(QFile::ReadOnly));
     const QByteArray whole = plugin.readAll();
     QTest::newRow("empty") << QByteArray() << u"is empty"_s;

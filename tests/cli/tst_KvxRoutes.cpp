@@ -1,5 +1,5 @@
-#include "Bench.h"
 #include "Kvx.h"
+#include "PluginFixture.h"
 
 #include <QtTest/QTest>
 
@@ -10,7 +10,8 @@ namespace {
 // A scenario of these lines, run.
 KvxRun play(const QStringList &lines)
 {
-    return runKvx({u"run"_s, u"--plugin"_s, Bench::builtPluginFile(), u"-"_s}, lines.join(u'\n').toUtf8());
+    return runKvx({u"run"_s, u"--plugin"_s, PluginFixture::builtPluginFile(), u"-"_s},
+                  lines.join(u'\n').toUtf8());
 }
 
 QString errorAt(int line, const QString &text)

@@ -1,5 +1,5 @@
-#include "Bench.h"
 #include "Kvx.h"
+#include "PluginFixture.h"
 
 #include <QtCore/QDir>
 #include <QtCore/QFile>
@@ -15,13 +15,13 @@ namespace {
 
 KvxRun runFile(const QString &file, const QStringList &options = {})
 {
-    return runKvx(QStringList{u"run"_s, u"--plugin"_s, Bench::builtPluginFile()} + options +
+    return runKvx(QStringList{u"run"_s, u"--plugin"_s, PluginFixture::builtPluginFile()} + options +
                   QStringList{file});
 }
 
 KvxRun runShell(const QByteArray &input)
 {
-    return runKvx({u"shell"_s, u"--plugin"_s, Bench::builtPluginFile()}, input);
+    return runKvx({u"shell"_s, u"--plugin"_s, PluginFixture::builtPluginFile()}, input);
 }
 
 // What the page of examples shows of a scenario.
@@ -161,7 +161,7 @@ void tst_KvxRun::jsonHoldsTheTimelineOnly()
 
 void tst_KvxRun::standardInputIsAFileToo()
 {
-    const KvxRun run = runKvx({u"run"_s, u"--plugin"_s, Bench::builtPluginFile(), u"-"_s},
+    const KvxRun run = runKvx({u"run"_s, u"--plugin"_s, PluginFixture::builtPluginFile(), u"-"_s},
                               "mouse 1\nstart\nexpect reportRate 1\n");
     QCOMPARE(run.exitCode, 1);
     QCOMPARE(run.errors, QStringList{u"kvx: -:3: reportRate: expected \"1\", seen \"500\""_s});
@@ -342,7 +342,7 @@ void tst_KvxRun::unusableFiles_data()
     QTest::addColumn<QString>("file");
     QTest::newRow("missing") << u"/nowhere/at/all.kvx"_s;
     QTest::newRow("folder") << QStringLiteral(KVX_EXAMPLES);
-    QTest::newRow("binary") << Bench::builtPluginFile();
+    QTest::newRow("binary") << PluginFixture::builtPluginFile();
 }
 
 void tst_KvxRun::unusableFiles()

@@ -1,5 +1,5 @@
-#include "Bench.h"
 #include "Kvx.h"
+#include "PluginFixture.h"
 
 #include <QtCore/QDir>
 #include <QtCore/QFile>
@@ -32,7 +32,7 @@ private Q_SLOTS:
 
 void tst_KvxSession::sessionPasses()
 {
-    const KvxRun run = runKvx({u"session"_s, u"--plugin"_s, Bench::builtPluginFile()});
+    const KvxRun run = runKvx({u"session"_s, u"--plugin"_s, PluginFixture::builtPluginFile()});
     QCOMPARE(run.errors, QStringList());
     QCOMPARE(run.exitCode, 0);
     QVERIFY(QRegularExpression(u"^session: all \\d+ checks passed$"_s).match(run.output.last()).hasMatch());
@@ -51,7 +51,7 @@ void tst_KvxSession::sessionPasses()
 
 void tst_KvxSession::jsonHoldsTheTimelineOnly()
 {
-    const KvxRun run = runKvx({u"session"_s, u"--json"_s, u"--plugin"_s, Bench::builtPluginFile()});
+    const KvxRun run = runKvx({u"session"_s, u"--json"_s, u"--plugin"_s, PluginFixture::builtPluginFile()});
     QCOMPARE(run.errors, QStringList());
     QCOMPARE(run.exitCode, 0);
     QCOMPARE(run.output.value(0), u"{\"schemaVersion\":1}"_s);
@@ -75,7 +75,7 @@ void tst_KvxSession::defaultPluginLiesBesideTheProgram()
 
     const QString library =
         u"com.orvane.KVX.Plugin.LogicalDevice.RV418"_s + QStringLiteral(KVX_LIBRARY_SUFFIX);
-    QVERIFY(QFile::copy(Bench::builtPluginFile(), folder.filePath(library)));
+    QVERIFY(QFile::copy(PluginFixture::builtPluginFile(), folder.filePath(library)));
     QCOMPARE(runProgram(program, {u"session"_s}).exitCode, 0);
 }
 
@@ -84,8 +84,9 @@ void tst_KvxSession::pathMayHoldAnyLetters()
     const QTemporaryDir folder;
     const QString name = u"Geräte Ωμέγα"_s;
     QVERIFY(QDir(folder.path()).mkdir(name));
-    const QString library = folder.filePath(name + u'/' + QFileInfo(Bench::builtPluginFile()).fileName());
-    QVERIFY(QFile::copy(Bench::builtPluginFile(), library));
+    const QString library =
+        folder.filePath(name + u'/' + QFileInfo(PluginFixture::builtPluginFile()).fileName());
+    QVERIFY(QFile::copy(PluginFixture::builtPluginFile(), library));
     const KvxRun run = runKvx({u"session"_s, u"--plugin"_s, library});
     QCOMPARE(run.errors, QStringList());
     QCOMPARE(run.exitCode, 0);
@@ -102,7 +103,7 @@ void tst_KvxSession::differenceIsTold()
     // Under another file name the plugin does not find its own library, and start answers false.
     const QTemporaryDir folder;
     const QString renamed = folder.filePath(u"renamed"_s + QStringLiteral(KVX_LIBRARY_SUFFIX));
-    QVERIFY(QFile::copy(Bench::builtPluginFile(), renamed));
+    QVERIFY(QFile::copy(PluginFixture::builtPluginFile(), renamed));
     const KvxRun run = runKvx({u"session"_s, u"--plugin"_s, renamed});
     QCOMPARE(run.exitCode, 1);
     QCOMPARE(run.errors.value(0),

@@ -1,7 +1,7 @@
 #include "LibraryRound.h"
 
-#include "Bench.h"
 #include "ILogicalDevicePlugin.h"
+#include "PluginFixture.h"
 #include "ProcessState.h"
 #include "StepThread.h"
 
@@ -62,20 +62,20 @@ void queueCalls(HostedDevice &device, StepThread &otherThread, int value)
     });
 }
 
-int deliveredSignals(Bench &bench)
+int deliveredSignals(PluginFixture &fixture)
 {
-    bench.timeline.clear();
+    fixture.timeline.clear();
     QCoreApplication::sendPostedEvents();
-    return static_cast<int>(bench.timeline.entries().size());
+    return static_cast<int>(fixture.timeline.entries().size());
 }
 
 }  // namespace
 
-void useOnce(Bench &bench, HostedDevice &device)
+void useOnce(PluginFixture &fixture, HostedDevice &device)
 {
     constexpr quint16 values[5] = {200, 300, 400, 500, 600};
-    Q_EMIT bench.receiver.dpiMinChanged(100);
-    Q_EMIT bench.receiver.dpiMaxChanged(8000);
+    Q_EMIT fixture.receiver.dpiMinChanged(100);
+    Q_EMIT fixture.receiver.dpiMaxChanged(8000);
     device.setDpiSlotValues({u"200"_s, u"300"_s, u"400"_s, u"500"_s, u"600"_s});
     device.dpiSlotValuesConfirmed(values);
     device.setActiveDpiSlotIndex(3);
@@ -96,28 +96,28 @@ QString liveOnce(StepThread &otherThread)
 {
     Life life;
     {
-        Bench bench;
+        PluginFixture fixture;
         life.hasProfileWhileLoaded = hasProfile();
         // Kept when the device is gone, and so are the recorders of its signals.
-        const std::unique_ptr<HostedDevice> first = bench.host.createDevice(&bench.receiver, 1);
+        const std::unique_ptr<HostedDevice> first = fixture.host.createDevice(&fixture.receiver, 1);
         first->start();
         life.loneNumber = first->device()->instanceNumber();
         // Nobody destroys this one.
-        const std::unique_ptr<HostedDevice> second = bench.host.createDevice(&bench.receiver, 2);
+        const std::unique_ptr<HostedDevice> second = fixture.host.createDevice(&fixture.receiver, 2);
         second->start();
         life.firstNumber = first->device()->instanceNumber();
         life.secondNumber = second->device()->instanceNumber();
-        useOnce(bench, *first);
+        useOnce(fixture, *first);
         queueCalls(*first, otherThread, 250);
-        life.delivered = deliveredSignals(bench);
+        life.delivered = deliveredSignals(fixture);
         queueCalls(*first, otherThread, 125);
-        bench.host.factory()->destroyDevice(first->device());
-        life.deliveredLate = deliveredSignals(bench);
+        fixture.host.factory()->destroyDevice(first->device());
+        life.deliveredLate = deliveredSignals(fixture);
         queueCalls(*second, otherThread, 125);
-        life.isUnloaded = bench.host.unload();
-        life.deliveredLate += deliveredSignals(bench);
+        life.isUnloaded = fixture.host.unload();
+        life.deliveredLate += deliveredSignals(fixture);
     }
-    life.isInProcess = isLibraryInProcess(QFileInfo(Bench::builtPluginFile()).fileName());
+    life.isInProcess = isLibraryInProcess(QFileInfo(PluginFixture::builtPluginFile()).fileName());
     life.hasProfileAfterwards = hasProfile();
     return text(life);
 }

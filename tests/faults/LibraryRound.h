@@ -2,7 +2,7 @@
 
 #include <QtCore/QString>
 
-class Bench;
+class PluginFixture;
 class HostedDevice;
 class StepThread;
 
@@ -15,7 +15,7 @@ QString liveOnce(StepThread &otherThread);
 QString wholeLife();
 
 /// What a host does with a device and its mouse: each kind of request, confirmed or not, and each kind of report.
-void useOnce(Bench &bench, HostedDevice &device);
+void useOnce(PluginFixture &fixture, HostedDevice &device);
 
 /// How many lives a test plays: KVX_LIFECYCLE_ROUNDS, else what this build is given time for.
 int roundsToPlay();

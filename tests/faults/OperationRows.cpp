@@ -1,6 +1,6 @@
 #include "OperationRows.h"
 
-#include "Bench.h"
+#include "PluginFixture.h"
 #include "TableCalls.h"
 
 #include <QtCore/QMetaObject>
@@ -9,9 +9,9 @@ using namespace Qt::StringLiterals;
 
 namespace OperationRows {
 
-std::function<void(Bench &, HostedDevice &)> hosted(const HostedCall &call)
+std::function<void(PluginFixture &, HostedDevice &)> hosted(const HostedCall &call)
 {
-    return [call](Bench &, HostedDevice &device) { call(device); };
+    return [call](PluginFixture &, HostedDevice &device) { call(device); };
 }
 
 Operation sameEverywhere(const char *name, const HostedCall &call, const QString &line, const QString &effect,
@@ -36,8 +36,8 @@ Operation getter(const char *name, Method method, QLatin1StringView running, QLa
 {
     const QString line = u"call "_s + QString::fromLatin1(name) + u"() -> "_s;
     return {name,
-            [name, method](Bench &bench, HostedDevice &device) {
-                TableCalls(bench.timeline, device)(name, method);
+            [name, method](PluginFixture &fixture, HostedDevice &device) {
+                TableCalls(fixture.timeline, device)(name, method);
             },
             line + running,
             line + running,
@@ -55,8 +55,8 @@ template <typename Method, typename... Arguments>
 Operation silent(const char *name, Method method, const QString &line, Arguments... arguments)
 {
     return {name,
-            [name, method, arguments...](Bench &bench, HostedDevice &device) {
-                TableCalls(bench.timeline, device)(name, method, arguments...);
+            [name, method, arguments...](PluginFixture &fixture, HostedDevice &device) {
+                TableCalls(fixture.timeline, device)(name, method, arguments...);
             },
             line,
             line,
@@ -147,22 +147,22 @@ bool invoke(QObject *device, const char *slot, const QString &value)
 
 // By name, and therefore on the device's thread, whoever calls.
 template <typename... Arguments>
-std::function<void(Bench &, HostedDevice &)> invoked(const char *slot, const Arguments &...arguments)
+std::function<void(PluginFixture &, HostedDevice &)> invoked(const char *slot, const Arguments &...arguments)
 {
-    return [slot, arguments...](Bench &bench, HostedDevice &device) {
-        bench.timeline.record(TimelineEntry::Kind::Call, device.id(), QString::fromLatin1(slot),
-                              {QJsonValue(arguments)...});
+    return [slot, arguments...](PluginFixture &fixture, HostedDevice &device) {
+        fixture.timeline.record(TimelineEntry::Kind::Call, device.id(), QString::fromLatin1(slot),
+                                {QJsonValue(arguments)...});
         if (!invoke(device.object(), slot, arguments...))
-            bench.timeline.recordVerdict(u"there is no slot %1"_s.arg(QString::fromLatin1(slot)));
+            fixture.timeline.recordVerdict(u"there is no slot %1"_s.arg(QString::fromLatin1(slot)));
     };
 }
 
-std::function<void(Bench &, HostedDevice &)> signalled(const char *entry, void (FakeReceiver::*signal)(int),
-                                                       int value)
+std::function<void(PluginFixture &, HostedDevice &)> signalled(const char *entry,
+                                                               void (FakeReceiver::*signal)(int), int value)
 {
-    return [entry, signal, value](Bench &bench, HostedDevice &device) {
-        bench.timeline.record(TimelineEntry::Kind::Call, device.id(), QString::fromLatin1(entry), {value});
-        Q_EMIT(bench.receiver.*signal)(value);
+    return [entry, signal, value](PluginFixture &fixture, HostedDevice &device) {
+        fixture.timeline.record(TimelineEntry::Kind::Call, device.id(), QString::fromLatin1(entry), {value});
+        Q_EMIT(fixture.receiver.*signal)(value);
     };
 }
 

@@ -8,7 +8,7 @@ namespace OperationRows {
 using HostedCall = std::function<void(HostedDevice &)>;
 
 /// A call that the device as its host has it records by itself.
-std::function<void(Bench &, HostedDevice &)> hosted(const HostedCall &call);
+std::function<void(PluginFixture &, HostedDevice &)> hosted(const HostedCall &call);
 
 /// An operation whose second call is seen alone, receiver or not.
 Operation sameEverywhere(const char *name, const HostedCall &call, const QString &line, const QString &effect,

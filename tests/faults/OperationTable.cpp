@@ -1,7 +1,7 @@
 #include "OperationTable.h"
 
-#include "Bench.h"
 #include "OperationRows.h"
+#include "PluginFixture.h"
 
 using namespace Qt::StringLiterals;
 
@@ -182,12 +182,12 @@ const std::vector<OperationWithoutRow> &operationsWithoutRow()
     return operations;
 }
 
-HostedDevice &runningDevice(Bench &bench)
+HostedDevice &runningDevice(PluginFixture &fixture)
 {
-    HostedDevice &device = bench.started();
-    Q_EMIT bench.receiver.dpiMinChanged(100);
-    Q_EMIT bench.receiver.dpiMaxChanged(8000);
-    bench.receiver.answers.isSmartPointerSupported = false;
-    bench.timeline.clear();
+    HostedDevice &device = fixture.started();
+    Q_EMIT fixture.receiver.dpiMinChanged(100);
+    Q_EMIT fixture.receiver.dpiMaxChanged(8000);
+    fixture.receiver.answers.isSmartPointerSupported = false;
+    fixture.timeline.clear();
     return device;
 }

@@ -5,7 +5,7 @@
 #include <functional>
 #include <vector>
 
-class Bench;
+class PluginFixture;
 class HostedDevice;
 
 /// Where another thread's call emits: at once on that thread, or later on the device's.
@@ -18,7 +18,7 @@ struct Operation
     /// As in the tables of the interfaces or the device's meta-object; receiver:: and the name for what the receiver
     /// signals.
     const char *name;
-    std::function<void(Bench &, HostedDevice &)> call;
+    std::function<void(PluginFixture &, HostedDevice &)> call;
     /// On a device as runningDevice() makes it.
     QString whileRunning;
     /// The second time there.
@@ -47,4 +47,4 @@ struct OperationWithoutRow
 const std::vector<OperationWithoutRow> &operationsWithoutRow();
 
 /// A started device with a known DPI range. Its receiver has since lost the support of the smart pointer.
-HostedDevice &runningDevice(Bench &bench);
+HostedDevice &runningDevice(PluginFixture &fixture);

@@ -1,6 +1,6 @@
 #include "RefusalStory.h"
 
-#include "Bench.h"
+#include "PluginFixture.h"
 
 #include <functional>
 
@@ -211,11 +211,11 @@ QString shownValues(const HostedDevice &device)
 
 StorySeen playStory(int refusedCall)
 {
-    Bench bench({false, true, true});
-    RefusingReceiver receiver(bench.timeline, refusedCall);
+    PluginFixture fixture({false, true, true});
+    RefusingReceiver receiver(fixture.timeline, refusedCall);
     // A rate that is not on offer makes the start ask for another.
     receiver.answers.reportRateInfo = {0, 333, {500, 125, 0, 0}};
-    HostedDevice &device = bench.create(&receiver, Bench::mouse);
+    HostedDevice &device = fixture.create(&receiver, PluginFixture::mouse);
     StorySeen seen;
     const Steps steps = story(receiver);
     for (const Step &step : steps) {
@@ -224,7 +224,7 @@ StorySeen playStory(int refusedCall)
         seen.steps.push_back(
             {step.kind,
              step.settles,
-             bench.take().split(u'\n', Qt::SkipEmptyParts),
+             fixture.take(),
              {mouse.isReportRateChangePending(), mouse.isDpiSlotValuesChangePending(),
               mouse.isActiveDpiSlotIndexChangePending(), mouse.isDpiButtonIdChangePending()}});
     }
@@ -232,7 +232,7 @@ StorySeen playStory(int refusedCall)
     seen.calls = receiver.calls;
     seen.refusals = receiver.refusals;
     // Before its receiver goes.
-    bench.destroy(device);
+    fixture.destroy(device);
     return seen;
 }
 

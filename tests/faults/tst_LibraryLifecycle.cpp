@@ -1,6 +1,6 @@
-#include "Bench.h"
 #include "LibraryRound.h"
 #include "OtherThread.h"
+#include "PluginFixture.h"
 #include "ProcessState.h"
 #include "StepThread.h"
 #include "TimelineText.h"
@@ -21,11 +21,11 @@ constexpr int warmUpRounds = 3;
 using Devices = std::vector<std::unique_ptr<HostedDevice>>;
 
 // Started devices that nobody will destroy.
-Devices startedDevices(Bench &bench)
+Devices startedDevices(PluginFixture &fixture)
 {
     Devices devices;
     for (DeviceId id = 1; id <= deviceCount; ++id) {
-        devices.push_back(bench.host.createDevice(&bench.receiver, id));
+        devices.push_back(fixture.host.createDevice(&fixture.receiver, id));
         devices.back()->start();
     }
     return devices;
@@ -46,10 +46,10 @@ void queueCallsForAll(const Devices &devices)
         device->mouseEventCallBack(0x80);
 }
 
-QStringList signalsOnTimeline(const Bench &bench)
+QStringList signalsOnTimeline(const PluginFixture &fixture)
 {
     QStringList lines;
-    const QList<TimelineEntry> entries = bench.timeline.entries();
+    const QList<TimelineEntry> entries = fixture.timeline.entries();
     for (const TimelineEntry &entry : entries) {
         if (entry.kind == TimelineEntry::Kind::Signal)
             lines += Timeline::line(entry, Timeline::Style::Plain);
@@ -98,36 +98,36 @@ void tst_LibraryLifecycle::everyLifeIsTheFirst()
 
 void tst_LibraryLifecycle::factoryDeletedWithDevicesAliveAndCallsQueued()
 {
-    Bench bench({false, false, false});
+    PluginFixture fixture({false, false, false});
     {
-        const Devices devices = startedDevices(bench);
+        const Devices devices = startedDevices(fixture);
         queueCallsForAll(devices);
-        bench.timeline.clear();
-        delete bench.host.root();
+        fixture.timeline.clear();
+        delete fixture.host.root();
     }
-    QCOMPARE(signalsOnTimeline(bench), announcementsWhenAllGo());
-    bench.timeline.clear();
+    QCOMPARE(signalsOnTimeline(fixture), announcementsWhenAllGo());
+    fixture.timeline.clear();
     deliverQueuedCalls();
-    QCOMPARE(bench.take(), QString());
+    COMPARE_LINES(fixture.take(), {});
 
     // The plugin loader makes a new factory, which finds nobody registered.
-    QVERIFY(!bench.host.load(Bench::builtPluginFile()));
-    bench.host.initialize(&bench.hostServices, false, false, false);
-    QCOMPARE(bench.started().device()->instanceNumber(), 0);
+    QVERIFY(!fixture.host.load(PluginFixture::builtPluginFile()));
+    fixture.host.initialize(&fixture.hostServices, false, false, false);
+    QCOMPARE(fixture.started().device()->instanceNumber(), 0);
 }
 
 void tst_LibraryLifecycle::unloadedWithDevicesAliveAndCallsQueued()
 {
-    Bench bench({false, false, false});
-    const Devices devices = startedDevices(bench);
+    PluginFixture fixture({false, false, false});
+    const Devices devices = startedDevices(fixture);
     queueCallsForAll(devices);
-    bench.timeline.clear();
-    QVERIFY(bench.host.unload());
-    QCOMPARE(signalsOnTimeline(bench), announcementsWhenAllGo());
-    bench.timeline.clear();
+    fixture.timeline.clear();
+    QVERIFY(fixture.host.unload());
+    QCOMPARE(signalsOnTimeline(fixture), announcementsWhenAllGo());
+    fixture.timeline.clear();
     deliverQueuedCalls();
-    QCOMPARE(bench.take(), QString());
-    QCOMPARE(bench.receiver.connectionCount("dpiMinChanged(int)"), 0);
+    COMPARE_LINES(fixture.take(), {});
+    QCOMPARE(fixture.receiver.connectionCount("dpiMinChanged(int)"), 0);
 }
 
 QTEST_GUILESS_MAIN(tst_LibraryLifecycle)

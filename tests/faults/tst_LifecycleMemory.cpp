@@ -1,6 +1,6 @@
 #include "AllocationCount.h"
-#include "Bench.h"
 #include "LibraryRound.h"
+#include "PluginFixture.h"
 #include "StepThread.h"
 
 #include <QtTest/QTest>
@@ -16,11 +16,11 @@ constexpr int warmUpRounds = 20;
 constexpr int uses = 2000;
 
 // Puts back all that useOnce() changes, so that the next use has the same to do.
-void resetDevice(Bench &bench, HostedDevice &device)
+void resetDevice(PluginFixture &fixture, HostedDevice &device)
 {
     constexpr quint16 values[5] = {800, 1600, 2400, 3200, 4000};
-    Q_EMIT bench.receiver.dpiMinChanged(50);
-    Q_EMIT bench.receiver.dpiMaxChanged(4000);
+    Q_EMIT fixture.receiver.dpiMinChanged(50);
+    Q_EMIT fixture.receiver.dpiMaxChanged(4000);
     device.dpiSlotValuesChangedCallBack(values);
     device.activeDpiSlotIndexChangedCallBack(2);
     device.dpiButtonIdConfirmed(4);
@@ -95,12 +95,12 @@ void tst_LifecycleMemory::noLifeLeavesABlock()
 // One life, however long: what is used again and again stays as large as it is.
 void tst_LifecycleMemory::noUseTakesMemory()
 {
-    Bench bench;
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
     const auto useAndReset = [&] {
-        useOnce(bench, device);
-        resetDevice(bench, device);
-        bench.timeline.clear();
+        useOnce(fixture, device);
+        resetDevice(fixture, device);
+        fixture.timeline.clear();
     };
     for (int use = 0; use < warmUpRounds; ++use)
         useAndReset();

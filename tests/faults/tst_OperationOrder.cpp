@@ -1,7 +1,7 @@
-#include "Bench.h"
 #include "OperationTable.h"
 #include "OtherThread.h"
 #include "PlainPhysicalDevice.h"
+#include "PluginFixture.h"
 #include "TimelineText.h"
 
 #include <QtCore/QFile>
@@ -15,7 +15,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr Bench::LogSwitches warningsOnly{false, true, true};
+constexpr PluginFixture::LogSwitches warningsOnly{false, true, true};
 
 // What of an operation's lines is seen at once when another thread calls it, and what waits for the device's
 // thread.
@@ -101,19 +101,19 @@ QStringList callableOperations(const QMetaObject &device)
 
 // What is seen of two calls from another thread before and after the device's thread delivers what was
 // queued.
-void compareTwoCallsFromAnotherThread(Bench &bench, HostedDevice &device, const Operation &operation,
-                                      const QString &first, const QString &second)
+void compareTwoCallsFromAnotherThread(PluginFixture &fixture, HostedDevice &device,
+                                      const Operation &operation, const QString &first, const QString &second)
 {
-    const Parts once = fromAnotherThread(first.split(u'\n'), operation.signalThread);
-    const Parts again = fromAnotherThread(second.split(u'\n'), operation.signalThread);
+    const Parts once = fromAnotherThread(linesOf(first), operation.signalThread);
+    const Parts again = fromAnotherThread(linesOf(second), operation.signalThread);
     OtherThread other;
     other.run([&] {
-        operation.call(bench, device);
-        operation.call(bench, device);
+        operation.call(fixture, device);
+        operation.call(fixture, device);
     });
-    QCOMPARE(bench.take(), timelineText(once.atOnce + again.atOnce));
+    COMPARE_LINES(fixture.take(), once.atOnce + again.atOnce);
     deliverQueuedCalls();
-    QCOMPARE(bench.take(), timelineText(once.delivered + again.delivered));
+    COMPARE_LINES(fixture.take(), once.delivered + again.delivered);
 }
 
 }  // namespace
@@ -147,7 +147,7 @@ private Q_SLOTS:
 
 void tst_OperationOrder::everyOperationHasOneRow()
 {
-    Bench bench;
+    PluginFixture fixture;
     QStringList told;
     for (const Operation &operation : everyOperation())
         told += QString::fromLatin1(operation.name);
@@ -155,7 +155,7 @@ void tst_OperationOrder::everyOperationHasOneRow()
         QVERIFY2(qstrlen(operation.reason) > 0, operation.name);
         told += QString::fromLatin1(operation.name);
     }
-    QStringList untold = callableOperations(*bench.create().object()->metaObject());
+    QStringList untold = callableOperations(*fixture.create().object()->metaObject());
     QStringList surplus;
     for (const QString &name : std::as_const(told)) {
         if (!untold.removeOne(name))
@@ -169,99 +169,99 @@ void tst_OperationOrder::everyOperationHasOneRow()
 void tst_OperationOrder::beforeStart()
 {
     QFETCH(const Operation, operation);
-    Bench bench(warningsOnly);
-    HostedDevice &device = bench.create();
-    operation.call(bench, device);
-    QCOMPARE(bench.take(), operation.unbound);
-    operation.call(bench, device);
-    QCOMPARE(bench.take(), operation.unboundAgain);
+    PluginFixture fixture(warningsOnly);
+    HostedDevice &device = fixture.create();
+    operation.call(fixture, device);
+    COMPARE_LINES(fixture.take(), linesOf(operation.unbound));
+    operation.call(fixture, device);
+    COMPARE_LINES(fixture.take(), linesOf(operation.unboundAgain));
 }
 
 void tst_OperationOrder::withoutReceiver()
 {
     QFETCH(const Operation, operation);
-    Bench bench(warningsOnly);
-    PlainPhysicalDevice physicalDevice(bench.timeline);
+    PluginFixture fixture(warningsOnly);
+    PlainPhysicalDevice physicalDevice(fixture.timeline);
     physicalDevice.forwardedResult = 77;
-    HostedDevice &device = bench.create(&physicalDevice, Bench::mouse);
+    HostedDevice &device = fixture.create(&physicalDevice, PluginFixture::mouse);
     device.start();
-    bench.take();
-    operation.call(bench, device);
-    QCOMPARE(bench.take(), operation.unbound);
-    operation.call(bench, device);
-    QCOMPARE(bench.take(), operation.unboundAgain);
+    fixture.take();
+    operation.call(fixture, device);
+    COMPARE_LINES(fixture.take(), linesOf(operation.unbound));
+    operation.call(fixture, device);
+    COMPARE_LINES(fixture.take(), linesOf(operation.unboundAgain));
 }
 
 void tst_OperationOrder::twiceWhileRunning()
 {
     QFETCH(const Operation, operation);
-    Bench bench(warningsOnly);
-    HostedDevice &device = runningDevice(bench);
-    operation.call(bench, device);
-    QCOMPARE(bench.take(), operation.whileRunning);
-    operation.call(bench, device);
-    QCOMPARE(bench.take(), operation.again);
+    PluginFixture fixture(warningsOnly);
+    HostedDevice &device = runningDevice(fixture);
+    operation.call(fixture, device);
+    COMPARE_LINES(fixture.take(), linesOf(operation.whileRunning));
+    operation.call(fixture, device);
+    COMPARE_LINES(fixture.take(), linesOf(operation.again));
 }
 
 void tst_OperationOrder::afterStop()
 {
     QFETCH(const Operation, operation);
-    Bench bench(warningsOnly);
-    HostedDevice &device = runningDevice(bench);
+    PluginFixture fixture(warningsOnly);
+    HostedDevice &device = runningDevice(fixture);
     device.stop();
-    bench.take();
-    operation.call(bench, device);
-    QCOMPARE(bench.take(), operation.whileRunning);
-    operation.call(bench, device);
-    QCOMPARE(bench.take(), operation.again);
+    fixture.take();
+    operation.call(fixture, device);
+    COMPARE_LINES(fixture.take(), linesOf(operation.whileRunning));
+    operation.call(fixture, device);
+    COMPARE_LINES(fixture.take(), linesOf(operation.again));
 }
 
 void tst_OperationOrder::fromASecondThread()
 {
     QFETCH(const Operation, operation);
-    Bench bench(warningsOnly);
-    HostedDevice &device = runningDevice(bench);
-    compareTwoCallsFromAnotherThread(bench, device, operation, operation.whileRunning, operation.again);
+    PluginFixture fixture(warningsOnly);
+    HostedDevice &device = runningDevice(fixture);
+    compareTwoCallsFromAnotherThread(fixture, device, operation, operation.whileRunning, operation.again);
 }
 
 void tst_OperationOrder::fromASecondThreadBeforeStart()
 {
     QFETCH(const Operation, operation);
-    Bench bench(warningsOnly);
-    HostedDevice &device = bench.create();
-    compareTwoCallsFromAnotherThread(bench, device, operation, operation.unbound, operation.unboundAgain);
+    PluginFixture fixture(warningsOnly);
+    HostedDevice &device = fixture.create();
+    compareTwoCallsFromAnotherThread(fixture, device, operation, operation.unbound, operation.unboundAgain);
 }
 
 void tst_OperationOrder::startTwice()
 {
-    Bench bench(warningsOnly);
-    HostedDevice &device = bench.create();
+    PluginFixture fixture(warningsOnly);
+    HostedDevice &device = fixture.create();
     device.start();
-    QCOMPARE(bench.take(), timelineText(QStringList{u"call start() -> true"_s} + bindingLines() +
-                                        QStringList{u"signal instanceNumberChanged(0)"_s}));
+    COMPARE_LINES(fixture.take(), QStringList{u"call start() -> true"_s} + bindingLines() +
+                                      QStringList{u"signal instanceNumberChanged(0)"_s});
     device.start();
     // Registered twice, it is announced twice, with the number of its last entry.
-    QCOMPARE(bench.take(), timelineText(QStringList{u"call start() -> true"_s} + bindingLines() +
-                                        QStringList{u"signal instanceNumberChanged(2)"_s,
-                                                    u"signal instanceNumberChanged(2)"_s}));
+    COMPARE_LINES(fixture.take(), QStringList{u"call start() -> true"_s} + bindingLines() +
+                                      QStringList{u"signal instanceNumberChanged(2)"_s,
+                                                  u"signal instanceNumberChanged(2)"_s});
     QCOMPARE(device.device()->reportRateValues().join(u' '), u"125 250 500 1000 125 250 500 1000"_s);
 }
 
 void tst_OperationOrder::startAfterStop()
 {
-    Bench bench(warningsOnly);
-    HostedDevice &device = bench.create();
+    PluginFixture fixture(warningsOnly);
+    HostedDevice &device = fixture.create();
     device.stop();
-    bench.take();
+    fixture.take();
     device.start();
-    QCOMPARE(bench.take(), timelineText(QStringList{u"call start() -> true"_s} + bindingLines() +
-                                        QStringList{u"signal instanceNumberChanged(0)"_s}));
+    COMPARE_LINES(fixture.take(), QStringList{u"call start() -> true"_s} + bindingLines() +
+                                      QStringList{u"signal instanceNumberChanged(0)"_s});
 }
 
 void tst_OperationOrder::startTwiceFromASecondThread()
 {
-    Bench bench(warningsOnly);
-    HostedDevice &device = bench.create();
+    PluginFixture fixture(warningsOnly);
+    HostedDevice &device = fixture.create();
     OtherThread other;
     other.run([&] {
         device.start();
@@ -270,24 +270,24 @@ void tst_OperationOrder::startTwiceFromASecondThread()
     QStringList once = QStringList{u"call start() -> true"_s} + bindingLines();
     for (QString &line : once)
         line += u" on thread 2"_s;
-    QCOMPARE(bench.take(), timelineText(once + once));
+    COMPARE_LINES(fixture.take(), once + once);
     deliverQueuedCalls();
     // One of the first start and two of the second, each with the number in force now.
     const QString announcement = u"signal instanceNumberChanged(2)"_s;
-    QCOMPARE(bench.take(), timelineText({announcement, announcement, announcement}));
+    COMPARE_LINES(fixture.take(), {announcement, announcement, announcement});
 }
 
 void tst_OperationOrder::startTwiceWithoutReceiver()
 {
-    Bench bench(warningsOnly);
-    HostedDevice &device = bench.create(nullptr, Bench::mouse);
+    PluginFixture fixture(warningsOnly);
+    HostedDevice &device = fixture.create(nullptr, PluginFixture::mouse);
     device.start();
     device.start();
     const QStringList once{u"call start() -> true"_s,
                            warningLine(u"Unable to get IPhysicalDeviceDongle interface"_s)};
-    QCOMPARE(bench.take(), timelineText(once + QStringList{u"signal instanceNumberChanged(0)"_s} + once +
-                                        QStringList{u"signal instanceNumberChanged(2)"_s,
-                                                    u"signal instanceNumberChanged(2)"_s}));
+    COMPARE_LINES(fixture.take(), once + QStringList{u"signal instanceNumberChanged(0)"_s} + once +
+                                      QStringList{u"signal instanceNumberChanged(2)"_s,
+                                                  u"signal instanceNumberChanged(2)"_s});
 }
 
 QTEST_GUILESS_MAIN(tst_OperationOrder)

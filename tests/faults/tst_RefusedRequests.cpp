@@ -1,4 +1,4 @@
-#include "Bench.h"
+#include "PluginFixture.h"
 #include "TimelineText.h"
 
 #include <QtTest/QTest>
@@ -251,33 +251,32 @@ void tst_RefusedRequests::refused()
     QFETCH(const int, refused);
     QFETCH(const QString, flags);
     QFETCH(const QString, timeline);
-    Bench bench({false, true, true});
-    HostedDevice &device = bench.started();
-    Q_EMIT bench.receiver.dpiMinChanged(100);
-    Q_EMIT bench.receiver.dpiMaxChanged(8000);
-    bench.take();
-    refuseTheNth(bench.receiver, refused);
+    PluginFixture fixture({false, true, true});
+    HostedDevice &device = fixture.started();
+    Q_EMIT fixture.receiver.dpiMinChanged(100);
+    Q_EMIT fixture.receiver.dpiMaxChanged(8000);
+    fixture.take();
+    refuseTheNth(fixture.receiver, refused);
     story(device);
-    QCOMPARE(bench.take(), timeline);
+    COMPARE_LINES(fixture.take(), linesOf(timeline));
     QCOMPARE(pendingFlags(*device.device()), flags);
 }
 
 // The rate in force is none of those that the mouse lists, so the device asks for the first of them.
 void tst_RefusedRequests::refusedFallbackOfAReport()
 {
-    Bench bench({false, true, true});
-    HostedDevice &device = bench.started();
-    refuseTheNth(bench.receiver, 1);
+    PluginFixture fixture({false, true, true});
+    HostedDevice &device = fixture.started();
+    refuseTheNth(fixture.receiver, 1);
     const ReportRateInfo info{0, 333, {250, 1000, 0, 0}};
     device.reportRateChangedCallBack(&info);
-    QCOMPARE(bench.take(),
-             timelineText(
-                 {u"call reportRateChangedCallBack({\"currentRate\": 333, "
-                  "\"supportedRates\": [250, 1000, 0, 0], \"unused\": 0})"_s,
-                  u"signal reportRateValuesChanged([\"250\", \"1000\"])"_s,
-                  u"signal isReportRateChangePendingChanged(true)"_s,
-                  u"receiver setReportRate(250) -> false"_s, warningLine(u"Dongle set report rate failed"_s),
-                  u"signal isReportRateChangePendingChanged(false)"_s, u"signal reportRateChanged(250)"_s}));
+    COMPARE_LINES(fixture.take(),
+                  {u"call reportRateChangedCallBack({\"currentRate\": 333, "
+                   "\"supportedRates\": [250, 1000, 0, 0], \"unused\": 0})"_s,
+                   u"signal reportRateValuesChanged([\"250\", \"1000\"])"_s,
+                   u"signal isReportRateChangePendingChanged(true)"_s,
+                   u"receiver setReportRate(250) -> false"_s, warningLine(u"Dongle set report rate failed"_s),
+                   u"signal isReportRateChangePendingChanged(false)"_s, u"signal reportRateChanged(250)"_s});
     QCOMPARE(device.device()->reportRate(), 250);
     QCOMPARE(pendingFlags(*device.device()), QString());
 }
@@ -296,10 +295,10 @@ void tst_RefusedRequests::refusedDuringStart_data()
 void tst_RefusedRequests::refusedDuringStart()
 {
     QFETCH(const int, refused);
-    Bench bench({false, true, true});
-    bench.receiver.answers.reportRateInfo = {0, 333, {500, 125, 0, 0}};
-    HostedDevice &device = bench.create();
-    refuseTheNth(bench.receiver, refused);
+    PluginFixture fixture({false, true, true});
+    fixture.receiver.answers.reportRateInfo = {0, 333, {500, 125, 0, 0}};
+    HostedDevice &device = fixture.create();
+    refuseTheNth(fixture.receiver, refused);
     QVERIFY(device.start());
 
     const auto answer = [&](int number) { return number == refused ? u"false"_s : u"true"_s; };
@@ -322,7 +321,7 @@ void tst_RefusedRequests::refusedDuringStart()
                      u"signal isReportRateChangePendingChanged(false)"_s};
     expected += {u"signal reportRateChanged(125)"_s, u"receiver getLevelValue() -> 33"_s,
                  u"signal instanceNumberChanged(0)"_s};
-    QCOMPARE(bench.take(), timelineText(expected));
+    COMPARE_LINES(fixture.take(), expected);
     QCOMPARE(pendingFlags(*device.device()), refused == 4 ? QString() : u"report rate"_s);
     QCOMPARE(device.device()->reportRate(), 125);
 }

@@ -1,6 +1,6 @@
-#include "Bench.h"
 #include "CountingReceiver.h"
 #include "ILogicalDevicePlugin.h"
+#include "PluginFixture.h"
 #include "WatchedDevice.h"
 #include "Workers.h"
 
@@ -37,12 +37,12 @@ using Devices = std::vector<std::unique_ptr<WatchedDevice>>;
 // at the lock of the recorder.
 struct SharedBench
 {
-    SharedBench() { bench.host.initialize(&hostServices, false, false, false); }
+    SharedBench() { fixture.host.initialize(&hostServices, false, false, false); }
 
     std::unique_ptr<WatchedDevice> started(DeviceId id)
     {
-        auto *device =
-            dynamic_cast<ILogicalDeviceGen3Mouse *>(bench.host.factory()->createLogicalDevice(&receiver, id));
+        auto *device = dynamic_cast<ILogicalDeviceGen3Mouse *>(
+            fixture.host.factory()->createLogicalDevice(&receiver, id));
         auto watched = std::make_unique<WatchedDevice>(device);
         device->start();
         return watched;
@@ -57,9 +57,9 @@ struct SharedBench
         return devices;
     }
 
-    Bench bench{{false, false, false}};
+    PluginFixture fixture{{false, false, false}};
     CountingHostServices hostServices;
-    CountingReceiver receiver{bench.timeline};
+    CountingReceiver receiver{fixture.timeline};
 };
 
 // Six requests.
@@ -130,7 +130,7 @@ Devices startAndDestroy(SharedBench &shared)
             (*devices.at((index * 5) % devices.size()))->instanceNumber();
         staying.swap(devices);
         for (const auto &device : devices)
-            shared.bench.host.factory()->destroyDevice(device->device());
+            shared.fixture.host.factory()->destroyDevice(device->device());
     }
     return staying;
 }
@@ -325,7 +325,7 @@ void tst_Threads::startsAndDestructions()
             }
             allLookedAt.attend();
             for (const auto &device : devices)
-                shared.bench.host.factory()->destroyDevice(device->device());
+                shared.fixture.host.factory()->destroyDevice(device->device());
         });
     }
     runAtOnce(workers);
@@ -352,7 +352,7 @@ void tst_Threads::mouseEventsOnSeveralThreads()
             (*device)->mouseEventCallBack(0x9f);
             (*device)->mouseEventCallBack(0);
         }
-        shared.bench.host.factory()->destroyDevice(device->device());
+        shared.fixture.host.factory()->destroyDevice(device->device());
     }));
     QCOMPARE(shared.hostServices.ctrlEventCount(), 2 * workerCount * rounds);
     QCOMPARE(shared.hostServices.buttonEventCount(), 2 * 5 * workerCount * rounds);

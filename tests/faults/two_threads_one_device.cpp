@@ -1,9 +1,9 @@
 // Two threads change the DPI of one device, or, with an argument, one changes its list of slot values while
 // the other delivers the emissions of earlier changes. No host may do either. ThreadSanitizer has to tell it
 // whatever tsan-suppressions.txt says.
-#include "Bench.h"
 #include "CountingReceiver.h"
 #include "ILogicalDevicePlugin.h"
+#include "PluginFixture.h"
 #include "WatchedDevice.h"
 #include "Workers.h"
 
@@ -15,10 +15,10 @@
 int main(int argc, char **argv)
 {
     const QCoreApplication application(argc, argv);
-    Bench bench({false, false, false});
-    CountingReceiver receiver(bench.timeline);
+    PluginFixture fixture({false, false, false});
+    CountingReceiver receiver(fixture.timeline);
     const WatchedDevice device(
-        dynamic_cast<ILogicalDeviceGen3Mouse *>(bench.host.factory()->createLogicalDevice(&receiver, 1)));
+        dynamic_cast<ILogicalDeviceGen3Mouse *>(fixture.host.factory()->createLogicalDevice(&receiver, 1)));
     const auto changeDpi = [&] {
         for (int value = 1; value <= 1000; ++value)
             device->dpiValueChangedCallBack(value);

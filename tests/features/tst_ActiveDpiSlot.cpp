@@ -1,5 +1,5 @@
-#include "Bench.h"
 #include "OtherThread.h"
+#include "PluginFixture.h"
 #include "TimelineText.h"
 
 #include <QtTest/QTest>
@@ -54,11 +54,11 @@ QStringList dpiChange(int dpi)
 }
 
 /// A started device on slot 2, with a request for slot 3 pending.
-HostedDevice &pendingThree(Bench &bench)
+HostedDevice &pendingThree(PluginFixture &fixture)
 {
-    HostedDevice &device = bench.started();
+    HostedDevice &device = fixture.started();
     device.setActiveDpiSlotIndex(3);
-    bench.take();
+    fixture.take();
     return device;
 }
 
@@ -109,38 +109,38 @@ private Q_SLOTS:
 
 void tst_ActiveDpiSlot::requestForTheCurrentIndexDoesNothing()
 {
-    Bench bench;
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
     device.setActiveDpiSlotIndex(2);
-    QCOMPARE(bench.take(), u"call setActiveDpiSlotIndex(2)"_s);
+    COMPARE_LINES(fixture.take(), {u"call setActiveDpiSlotIndex(2)"_s});
 }
 
 void tst_ActiveDpiSlot::requestIsPendingUntilConfirmed()
 {
-    Bench bench;
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
     device.setActiveDpiSlotIndex(3);
-    QCOMPARE(bench.take(), timelineText({u"call setActiveDpiSlotIndex(3)"_s, settingLine(3), sentLine(3),
-                                         pendingSignal(true)}));
+    COMPARE_LINES(fixture.take(),
+                  {u"call setActiveDpiSlotIndex(3)"_s, settingLine(3), sentLine(3), pendingSignal(true)});
     QVERIFY(device.device()->isActiveDpiSlotIndexChangePending());
     QCOMPARE(device.device()->activeDpiSlotIndex(), 2);
 
     device.activeDpiSlotIndexConfirmed(3);
-    QCOMPARE(bench.take(),
-             timelineText(confirmation(3, QStringList{pendingSignal(false)} + changeLines(indexChange(3)))));
+    COMPARE_LINES(fixture.take(),
+                  confirmation(3, QStringList{pendingSignal(false)} + changeLines(indexChange(3))));
     QVERIFY(!device.device()->isActiveDpiSlotIndexChangePending());
     QCOMPARE(device.device()->activeDpiSlotIndex(), 3);
 }
 
 void tst_ActiveDpiSlot::requestCarriesTheDpiButton()
 {
-    Bench bench({false, false, false});
-    HostedDevice &device = bench.started();
+    PluginFixture fixture({false, false, false});
+    HostedDevice &device = fixture.started();
     device.dpiButtonIdChangedCallBack(9);
-    bench.take();
+    fixture.take();
     device.setActiveDpiSlotIndex(5);
-    QCOMPARE(bench.take(),
-             timelineText({u"call setActiveDpiSlotIndex(5)"_s, sentLine(5, true, 9), pendingSignal(true)}));
+    COMPARE_LINES(fixture.take(),
+                  {u"call setActiveDpiSlotIndex(5)"_s, sentLine(5, true, 9), pendingSignal(true)});
 }
 
 void tst_ActiveDpiSlot::requestPassesAnyIndex_data()
@@ -156,34 +156,33 @@ void tst_ActiveDpiSlot::requestPassesAnyIndex_data()
 void tst_ActiveDpiSlot::requestPassesAnyIndex()
 {
     QFETCH(const int, index);
-    Bench bench;
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
     device.setActiveDpiSlotIndex(index);
-    QCOMPARE(bench.take(), timelineText({u"call setActiveDpiSlotIndex(%1)"_s.arg(index), settingLine(index),
-                                         sentLine(index), pendingSignal(true)}));
+    COMPARE_LINES(fixture.take(), {u"call setActiveDpiSlotIndex(%1)"_s.arg(index), settingLine(index),
+                                   sentLine(index), pendingSignal(true)});
 }
 
 void tst_ActiveDpiSlot::requestWithoutReceiver()
 {
-    Bench bench;
-    HostedDevice &device = bench.create();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.create();
     device.setActiveDpiSlotIndex(3);
-    QCOMPARE(bench.take(), timelineText({u"call setActiveDpiSlotIndex(3)"_s, settingLine(3),
-                                         warningLine(u"Unknown IPhysicalDevice interface"_s)}));
+    COMPARE_LINES(fixture.take(), {u"call setActiveDpiSlotIndex(3)"_s, settingLine(3),
+                                   warningLine(u"Unknown IPhysicalDevice interface"_s)});
     QVERIFY(!device.device()->isActiveDpiSlotIndexChangePending());
     device.setActiveDpiSlotIndex(2);
-    QCOMPARE(bench.take(), u"call setActiveDpiSlotIndex(2)"_s);
+    COMPARE_LINES(fixture.take(), {u"call setActiveDpiSlotIndex(2)"_s});
 }
 
 void tst_ActiveDpiSlot::refusedFromIdle()
 {
-    Bench bench;
-    HostedDevice &device = bench.started();
-    bench.receiver.answers.acceptsRequests = false;
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
+    fixture.receiver.answers.acceptsRequests = false;
     device.setActiveDpiSlotIndex(3);
-    QCOMPARE(bench.take(),
-             timelineText({u"call setActiveDpiSlotIndex(3)"_s, settingLine(3), sentLine(3, false),
-                           warningLine(u"Dongle set active DPI slot index failed"_s)}));
+    COMPARE_LINES(fixture.take(), {u"call setActiveDpiSlotIndex(3)"_s, settingLine(3), sentLine(3, false),
+                                   warningLine(u"Dongle set active DPI slot index failed"_s)});
     // Nothing is waited for: any confirmation is the mouse's state.
     device.activeDpiSlotIndexConfirmed(4);
     QCOMPARE(device.device()->activeDpiSlotIndex(), 4);
@@ -191,48 +190,48 @@ void tst_ActiveDpiSlot::refusedFromIdle()
 
 void tst_ActiveDpiSlot::refusedWhilePending()
 {
-    Bench bench;
-    HostedDevice &device = pendingThree(bench);
-    bench.receiver.answers.acceptsRequests = false;
+    PluginFixture fixture;
+    HostedDevice &device = pendingThree(fixture);
+    fixture.receiver.answers.acceptsRequests = false;
     device.setActiveDpiSlotIndex(4);
-    QCOMPARE(bench.take(),
-             timelineText({u"call setActiveDpiSlotIndex(4)"_s, settingLine(4), sentLine(4, false),
-                           warningLine(u"Dongle set active DPI slot index failed"_s), pendingSignal(false)}));
+    COMPARE_LINES(fixture.take(),
+                  {u"call setActiveDpiSlotIndex(4)"_s, settingLine(4), sentLine(4, false),
+                   warningLine(u"Dongle set active DPI slot index failed"_s), pendingSignal(false)});
     device.activeDpiSlotIndexConfirmed(5);
-    QCOMPARE(bench.take(), timelineText(confirmation(5, changeLines(indexChange(5)))));
+    COMPARE_LINES(fixture.take(), confirmation(5, changeLines(indexChange(5))));
 }
 
 void tst_ActiveDpiSlot::secondRequestReplacesTheFirst()
 {
-    Bench bench;
-    HostedDevice &device = pendingThree(bench);
+    PluginFixture fixture;
+    HostedDevice &device = pendingThree(fixture);
     device.setActiveDpiSlotIndex(4);
-    QCOMPARE(bench.take(), timelineText({u"call setActiveDpiSlotIndex(4)"_s, settingLine(4), sentLine(4)}));
+    COMPARE_LINES(fixture.take(), {u"call setActiveDpiSlotIndex(4)"_s, settingLine(4), sentLine(4)});
     device.activeDpiSlotIndexConfirmed(3);
-    QCOMPARE(bench.take(), timelineText(confirmation(3, {settingLine(4), sentLine(4)})));
+    COMPARE_LINES(fixture.take(), confirmation(3, {settingLine(4), sentLine(4)}));
     device.activeDpiSlotIndexConfirmed(4);
     QCOMPARE(device.device()->activeDpiSlotIndex(), 4);
 }
 
 void tst_ActiveDpiSlot::requestForTheCurrentIndexLeavesARequestPending()
 {
-    Bench bench;
-    HostedDevice &device = pendingThree(bench);
+    PluginFixture fixture;
+    HostedDevice &device = pendingThree(fixture);
     device.setActiveDpiSlotIndex(2);
-    QCOMPARE(bench.take(), u"call setActiveDpiSlotIndex(2)"_s);
+    COMPARE_LINES(fixture.take(), {u"call setActiveDpiSlotIndex(2)"_s});
     QVERIFY(device.device()->isActiveDpiSlotIndexChangePending());
 }
 
 void tst_ActiveDpiSlot::confirmationSignalsTheFlagFirst()
 {
-    Bench bench;
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
     device.dpiSlotValuesChangedCallBack(slotValues);
     device.setActiveDpiSlotIndex(3);
-    bench.take();
+    fixture.take();
     device.activeDpiSlotIndexConfirmed(3);
-    QCOMPARE(bench.take(), timelineText(confirmation(3, QStringList{pendingSignal(false)} +
-                                                            changeLines(indexChange(3) + dpiChange(2400)))));
+    COMPARE_LINES(fixture.take(), confirmation(3, QStringList{pendingSignal(false)} +
+                                                      changeLines(indexChange(3) + dpiChange(2400))));
 }
 
 void tst_ActiveDpiSlot::confirmationBelowOneIsIgnored_data()
@@ -246,199 +245,197 @@ void tst_ActiveDpiSlot::confirmationBelowOneIsIgnored_data()
 void tst_ActiveDpiSlot::confirmationBelowOneIsIgnored()
 {
     QFETCH(const int, index);
-    Bench bench;
-    HostedDevice &idle = bench.started(1);
+    PluginFixture fixture;
+    HostedDevice &idle = fixture.started(1);
     idle.activeDpiSlotIndexConfirmed(index);
-    QCOMPARE(bench.take(), timelineText(confirmation(
-                               index, {debugLine(u"Ignoring activeDpiSlotIndex :  %1"_s.arg(index))})));
+    COMPARE_LINES(fixture.take(),
+                  confirmation(index, {debugLine(u"Ignoring activeDpiSlotIndex :  %1"_s.arg(index))}));
     QCOMPARE(idle.device()->activeDpiSlotIndex(), 2);
 
-    HostedDevice &pending = pendingThree(bench);
+    HostedDevice &pending = pendingThree(fixture);
     pending.activeDpiSlotIndexConfirmed(index);
-    QCOMPARE(bench.take(), timelineText(confirmation(
-                               index, {debugLine(u"Ignoring activeDpiSlotIndex :  %1"_s.arg(index))})));
+    COMPARE_LINES(fixture.take(),
+                  confirmation(index, {debugLine(u"Ignoring activeDpiSlotIndex :  %1"_s.arg(index))}));
     QVERIFY(pending.device()->isActiveDpiSlotIndexChangePending());
 }
 
 void tst_ActiveDpiSlot::confirmationWithNothingPending()
 {
-    Bench bench;
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
     device.activeDpiSlotIndexConfirmed(1);
-    QCOMPARE(bench.take(), timelineText(confirmation(1, changeLines(indexChange(1)))));
+    COMPARE_LINES(fixture.take(), confirmation(1, changeLines(indexChange(1))));
     device.activeDpiSlotIndexConfirmed(1);
-    QCOMPARE(bench.take(), timelineText(confirmation(1, changeLines({}))));
+    COMPARE_LINES(fixture.take(), confirmation(1, changeLines({})));
     device.activeDpiSlotIndexConfirmed(99);
     QCOMPARE(device.device()->activeDpiSlotIndex(), 99);
 }
 
 void tst_ActiveDpiSlot::confirmationOfTheCurrentIndexLeavesTheRequest()
 {
-    Bench bench;
-    HostedDevice &device = pendingThree(bench);
+    PluginFixture fixture;
+    HostedDevice &device = pendingThree(fixture);
     device.activeDpiSlotIndexConfirmed(2);
-    QCOMPARE(bench.take(), timelineText(confirmation(2, {})));
+    COMPARE_LINES(fixture.take(), confirmation(2, {}));
     QVERIFY(device.device()->isActiveDpiSlotIndexChangePending());
 }
 
 void tst_ActiveDpiSlot::confirmationOfAThirdIndexSendsAgain()
 {
-    Bench bench;
-    HostedDevice &device = pendingThree(bench);
+    PluginFixture fixture;
+    HostedDevice &device = pendingThree(fixture);
     device.activeDpiSlotIndexConfirmed(4);
-    QCOMPARE(bench.take(), timelineText(confirmation(4, {settingLine(3), sentLine(3)})));
+    COMPARE_LINES(fixture.take(), confirmation(4, {settingLine(3), sentLine(3)}));
     QCOMPARE(device.device()->activeDpiSlotIndex(), 2);
     QVERIFY(device.device()->isActiveDpiSlotIndexChangePending());
 }
 
 void tst_ActiveDpiSlot::lowestIndexIsSentAgainToo()
 {
-    Bench bench;
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
     device.setActiveDpiSlotIndex(1);
-    bench.take();
+    fixture.take();
     device.activeDpiSlotIndexConfirmed(4);
-    QCOMPARE(bench.take(), timelineText(confirmation(4, {settingLine(1), sentLine(1)})));
+    COMPARE_LINES(fixture.take(), confirmation(4, {settingLine(1), sentLine(1)}));
 }
 
 void tst_ActiveDpiSlot::confirmationEndsTheRequestForGood()
 {
-    Bench bench;
-    HostedDevice &device = pendingThree(bench);
+    PluginFixture fixture;
+    HostedDevice &device = pendingThree(fixture);
     device.activeDpiSlotIndexConfirmed(3);
-    bench.take();
+    fixture.take();
     // Nothing is waited for any more: another index is the mouse's own.
     device.activeDpiSlotIndexConfirmed(4);
-    QCOMPARE(bench.take(), timelineText(confirmation(4, changeLines(indexChange(4)))));
+    COMPARE_LINES(fixture.take(), confirmation(4, changeLines(indexChange(4))));
 }
 
 void tst_ActiveDpiSlot::requestIsKnownWhenItsFlagIsSignalled()
 {
     // A slot of the flag's signal that has the mouse's answer already ends the request with it.
-    Bench bench({false, false, false});
-    HostedDevice &device = bench.started();
-    bench.timeline.setObserver([&](const TimelineEntry &entry) {
+    PluginFixture fixture({false, false, false});
+    HostedDevice &device = fixture.started();
+    fixture.timeline.setObserver([&](const TimelineEntry &entry) {
         if (entry.name == u"isActiveDpiSlotIndexChangePendingChanged" &&
             device.device()->isActiveDpiSlotIndexChangePending())
             device.device()->activeDpiSlotIndexConfirmed(3);
     });
     device.setActiveDpiSlotIndex(3);
-    bench.timeline.setObserver({});
-    QCOMPARE(bench.take(), timelineText({u"call setActiveDpiSlotIndex(3)"_s, sentLine(3), pendingSignal(true),
-                                         pendingSignal(false), u"signal activeDpiSlotIndexChanged(3)"_s}));
+    fixture.timeline.setObserver({});
+    COMPARE_LINES(fixture.take(), {u"call setActiveDpiSlotIndex(3)"_s, sentLine(3), pendingSignal(true),
+                                   pendingSignal(false), u"signal activeDpiSlotIndexChanged(3)"_s});
     QVERIFY(!device.device()->isActiveDpiSlotIndexChangePending());
 }
 
 void tst_ActiveDpiSlot::requestIsOverWhenItsFlagIsSignalled()
 {
     // A slot of the flag's signal already meets a device that waits for nothing: what it reports is stored.
-    Bench bench({false, false, false});
-    HostedDevice &device = pendingThree(bench);
-    bench.timeline.setObserver([&](const TimelineEntry &entry) {
+    PluginFixture fixture({false, false, false});
+    HostedDevice &device = pendingThree(fixture);
+    fixture.timeline.setObserver([&](const TimelineEntry &entry) {
         if (entry.name == u"isActiveDpiSlotIndexChangePendingChanged")
             device.device()->activeDpiSlotIndexConfirmed(4);
     });
     device.activeDpiSlotIndexConfirmed(3);
-    bench.timeline.setObserver({});
-    QCOMPARE(bench.take(), timelineText({u"call activeDpiSlotIndexConfirmed(3)"_s, pendingSignal(false),
-                                         u"signal activeDpiSlotIndexChanged(4)"_s,
-                                         u"signal activeDpiSlotIndexChanged(3)"_s}));
+    fixture.timeline.setObserver({});
+    COMPARE_LINES(fixture.take(),
+                  {u"call activeDpiSlotIndexConfirmed(3)"_s, pendingSignal(false),
+                   u"signal activeDpiSlotIndexChanged(4)"_s, u"signal activeDpiSlotIndexChanged(3)"_s});
 }
 
 void tst_ActiveDpiSlot::confirmationRepeatsWithoutLimit()
 {
-    Bench bench;
-    HostedDevice &device = pendingThree(bench);
+    PluginFixture fixture;
+    HostedDevice &device = pendingThree(fixture);
     for (int i = 0; i < 1000; ++i) {
         device.activeDpiSlotIndexConfirmed(4);
-        QCOMPARE(bench.take(), timelineText(confirmation(4, {settingLine(3), sentLine(3)})));
+        COMPARE_LINES(fixture.take(), confirmation(4, {settingLine(3), sentLine(3)}));
     }
 }
 
 void tst_ActiveDpiSlot::refusedRepeatEndsTheRequest()
 {
-    Bench bench;
-    HostedDevice &device = pendingThree(bench);
-    bench.receiver.answers.acceptsRequests = false;
+    PluginFixture fixture;
+    HostedDevice &device = pendingThree(fixture);
+    fixture.receiver.answers.acceptsRequests = false;
     device.activeDpiSlotIndexConfirmed(4);
-    QCOMPARE(bench.take(),
-             timelineText(confirmation(4, {settingLine(3), sentLine(3, false),
-                                           warningLine(u"Dongle set active DPI slot index failed"_s),
-                                           pendingSignal(false)})));
+    COMPARE_LINES(fixture.take(), confirmation(4, {settingLine(3), sentLine(3, false),
+                                                   warningLine(u"Dongle set active DPI slot index failed"_s),
+                                                   pendingSignal(false)}));
     QCOMPARE(device.device()->activeDpiSlotIndex(), 2);
 }
 
 void tst_ActiveDpiSlot::acceptedZeroLeavesTheFlagWithNothingToWaitFor()
 {
-    Bench bench;
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
     device.setActiveDpiSlotIndex(0);
-    bench.take();
+    fixture.take();
     QVERIFY(device.device()->isActiveDpiSlotIndexChangePending());
     // Taken as the mouse's state, and the flag stays.
     device.activeDpiSlotIndexConfirmed(4);
-    QCOMPARE(bench.take(), timelineText(confirmation(4, changeLines(indexChange(4)))));
+    COMPARE_LINES(fixture.take(), confirmation(4, changeLines(indexChange(4))));
     QVERIFY(device.device()->isActiveDpiSlotIndexChangePending());
     // The next request ends with its own confirmation; the flag was set already.
     device.setActiveDpiSlotIndex(5);
-    QCOMPARE(bench.take(), timelineText({u"call setActiveDpiSlotIndex(5)"_s, settingLine(5), sentLine(5)}));
+    COMPARE_LINES(fixture.take(), {u"call setActiveDpiSlotIndex(5)"_s, settingLine(5), sentLine(5)});
     device.activeDpiSlotIndexConfirmed(5);
     QVERIFY(!device.device()->isActiveDpiSlotIndexChangePending());
 }
 
 void tst_ActiveDpiSlot::negativePendingIndexBlocksConfirmations()
 {
-    Bench bench;
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
     device.setActiveDpiSlotIndex(-1);
-    bench.take();
+    fixture.take();
     device.activeDpiSlotIndexConfirmed(4);
-    QCOMPARE(bench.take(), timelineText(confirmation(4, {})));
+    COMPARE_LINES(fixture.take(), confirmation(4, {}));
     QCOMPARE(device.device()->activeDpiSlotIndex(), 2);
     QVERIFY(device.device()->isActiveDpiSlotIndexChangePending());
 }
 
 void tst_ActiveDpiSlot::repeatDoesNothingWhenAReportMadeTheValueCurrent()
 {
-    Bench bench;
-    HostedDevice &device = pendingThree(bench);
+    PluginFixture fixture;
+    HostedDevice &device = pendingThree(fixture);
     device.activeDpiSlotIndexChangedCallBack(3);
-    bench.take();
+    fixture.take();
     device.activeDpiSlotIndexConfirmed(4);
-    QCOMPARE(bench.take(), timelineText(confirmation(4, {})));
+    COMPARE_LINES(fixture.take(), confirmation(4, {}));
     QVERIFY(device.device()->isActiveDpiSlotIndexChangePending());
     QCOMPARE(device.device()->activeDpiSlotIndex(), 3);
     device.activeDpiSlotIndexConfirmed(3);
-    QCOMPARE(bench.take(),
-             timelineText(confirmation(3, QStringList{pendingSignal(false)} + changeLines({}))));
+    COMPARE_LINES(fixture.take(), confirmation(3, QStringList{pendingSignal(false)} + changeLines({})));
 }
 
 void tst_ActiveDpiSlot::reportUnasked()
 {
-    Bench bench;
-    HostedDevice &device = bench.create();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.create();
     device.activeDpiSlotIndexChangedCallBack(5);
-    QCOMPARE(bench.take(), timelineText(QStringList{u"call activeDpiSlotIndexChangedCallBack(5)"_s} +
-                                        changeLines(indexChange(5))));
+    COMPARE_LINES(fixture.take(),
+                  QStringList{u"call activeDpiSlotIndexChangedCallBack(5)"_s} + changeLines(indexChange(5)));
     QCOMPARE(device.device()->activeDpiSlotIndex(), 5);
 }
 
 void tst_ActiveDpiSlot::reportOfTheSameIndex()
 {
-    Bench bench;
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
     device.activeDpiSlotIndexChangedCallBack(2);
-    QCOMPARE(bench.take(),
-             timelineText(QStringList{u"call activeDpiSlotIndexChangedCallBack(2)"_s} + changeLines({})));
+    COMPARE_LINES(fixture.take(),
+                  QStringList{u"call activeDpiSlotIndexChangedCallBack(2)"_s} + changeLines({}));
 }
 
 void tst_ActiveDpiSlot::reportWhilePendingLeavesTheRequest()
 {
-    Bench bench;
-    HostedDevice &device = pendingThree(bench);
+    PluginFixture fixture;
+    HostedDevice &device = pendingThree(fixture);
     device.activeDpiSlotIndexChangedCallBack(4);
-    QCOMPARE(bench.take(), timelineText(QStringList{u"call activeDpiSlotIndexChangedCallBack(4)"_s} +
-                                        changeLines(indexChange(4))));
+    COMPARE_LINES(fixture.take(),
+                  QStringList{u"call activeDpiSlotIndexChangedCallBack(4)"_s} + changeLines(indexChange(4)));
     QVERIFY(device.device()->isActiveDpiSlotIndexChangePending());
     QCOMPARE(device.device()->activeDpiSlotIndex(), 4);
     device.activeDpiSlotIndexConfirmed(3);
@@ -447,13 +444,13 @@ void tst_ActiveDpiSlot::reportWhilePendingLeavesTheRequest()
 
 void tst_ActiveDpiSlot::reportTakesAnyIndex()
 {
-    Bench bench;
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
     for (const int index : {0, -5, std::numeric_limits<int>::max(), std::numeric_limits<int>::min()}) {
         device.activeDpiSlotIndexChangedCallBack(index);
-        QCOMPARE(bench.take(),
-                 timelineText(QStringList{u"call activeDpiSlotIndexChangedCallBack(%1)"_s.arg(index)} +
-                              changeLines(indexChange(index))));
+        COMPARE_LINES(fixture.take(),
+                      QStringList{u"call activeDpiSlotIndexChangedCallBack(%1)"_s.arg(index)} +
+                          changeLines(indexChange(index)));
         QCOMPARE(device.device()->activeDpiSlotIndex(), index);
     }
 }
@@ -476,37 +473,36 @@ void tst_ActiveDpiSlot::dpiFollowsTheSlot()
 {
     QFETCH(const int, index);
     QFETCH(const int, dpi);
-    Bench bench;
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
     device.dpiSlotValuesChangedCallBack(slotValues);
     device.dpiValueChangedCallBack(1);
-    bench.take();
+    fixture.take();
     device.activeDpiSlotIndexChangedCallBack(index);
     QStringList change = indexChange(index);
     if (dpi != 1)
         change += dpiChange(dpi);
-    QCOMPARE(bench.take(),
-             timelineText(QStringList{u"call activeDpiSlotIndexChangedCallBack(%1)"_s.arg(index)} +
-                          changeLines(change)));
+    COMPARE_LINES(fixture.take(), QStringList{u"call activeDpiSlotIndexChangedCallBack(%1)"_s.arg(index)} +
+                                      changeLines(change));
     QCOMPARE(device.device()->dpiValue(), dpi);
 }
 
 void tst_ActiveDpiSlot::dpiThatIsTheSameIsNotSignalled()
 {
-    Bench bench;
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
     device.dpiSlotValuesChangedCallBack(slotValues);
     device.dpiValueChangedCallBack(4000);
-    bench.take();
+    fixture.take();
     device.activeDpiSlotIndexChangedCallBack(5);
-    QCOMPARE(bench.take(), timelineText(QStringList{u"call activeDpiSlotIndexChangedCallBack(5)"_s} +
-                                        changeLines(indexChange(5))));
+    COMPARE_LINES(fixture.take(),
+                  QStringList{u"call activeDpiSlotIndexChangedCallBack(5)"_s} + changeLines(indexChange(5)));
 }
 
 void tst_ActiveDpiSlot::dpiNeedsKnownSlotValues()
 {
-    Bench bench;
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
     device.dpiValueChangedCallBack(1);
     device.activeDpiSlotIndexChangedCallBack(1);
     QCOMPARE(device.device()->dpiValue(), 1);
@@ -519,42 +515,42 @@ void tst_ActiveDpiSlot::dpiNeedsKnownSlotValues()
 
 void tst_ActiveDpiSlot::otherThreadSignalsTheDpiBeforeTheIndex()
 {
-    Bench bench({false, false, false});
-    HostedDevice &device = bench.started();
+    PluginFixture fixture({false, false, false});
+    HostedDevice &device = fixture.started();
     device.dpiSlotValuesChangedCallBack(slotValues);
     device.setActiveDpiSlotIndex(4);
-    bench.take();
+    fixture.take();
     OtherThread other;
     other.run([&] { device.activeDpiSlotIndexConfirmed(4); });
     QCOMPARE(device.device()->activeDpiSlotIndex(), 4);
     QVERIFY(!device.device()->isActiveDpiSlotIndexChangePending());
-    QCOMPARE(bench.take(), timelineText({u"call activeDpiSlotIndexConfirmed(4) on thread 2"_s,
-                                         u"signal dpiValueChanged(3200) on thread 2"_s}));
+    COMPARE_LINES(fixture.take(), {u"call activeDpiSlotIndexConfirmed(4) on thread 2"_s,
+                                   u"signal dpiValueChanged(3200) on thread 2"_s});
     deliverQueuedCalls();
-    QCOMPARE(bench.take(), timelineText({pendingSignal(false), u"signal activeDpiSlotIndexChanged(4)"_s}));
+    COMPARE_LINES(fixture.take(), {pendingSignal(false), u"signal activeDpiSlotIndexChanged(4)"_s});
 }
 
 void tst_ActiveDpiSlot::otherThreadSignalsCarryTheValueAtDelivery()
 {
-    Bench bench({false, false, false});
-    HostedDevice &device = bench.started();
+    PluginFixture fixture({false, false, false});
+    HostedDevice &device = fixture.started();
     OtherThread other;
     other.run([&] {
         device.setActiveDpiSlotIndex(3);
         device.activeDpiSlotIndexConfirmed(3);
         device.activeDpiSlotIndexChangedCallBack(5);
     });
-    bench.take();
+    fixture.take();
     deliverQueuedCalls();
-    QCOMPARE(bench.take(), timelineText({pendingSignal(false), pendingSignal(false),
-                                         u"signal activeDpiSlotIndexChanged(5)"_s,
-                                         u"signal activeDpiSlotIndexChanged(5)"_s}));
+    COMPARE_LINES(fixture.take(),
+                  {pendingSignal(false), pendingSignal(false), u"signal activeDpiSlotIndexChanged(5)"_s,
+                   u"signal activeDpiSlotIndexChanged(5)"_s});
 }
 
 void tst_ActiveDpiSlot::requestSurvivesStop()
 {
-    Bench bench({false, false, false});
-    HostedDevice &device = pendingThree(bench);
+    PluginFixture fixture({false, false, false});
+    HostedDevice &device = pendingThree(fixture);
     device.stop();
     QVERIFY(device.device()->isActiveDpiSlotIndexChangePending());
     device.activeDpiSlotIndexConfirmed(3);

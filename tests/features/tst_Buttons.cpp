@@ -1,4 +1,4 @@
-#include "Bench.h"
+#include "PluginFixture.h"
 #include "TimelineText.h"
 
 #include <QtCore/QDir>
@@ -98,14 +98,14 @@ private Q_SLOTS:
 
 void tst_Buttons::profileIsServedByteForByte()
 {
-    Bench bench;
-    HostedDevice &device = bench.create();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.create();
     QCOMPARE(profileBytes().size(), qsizetype(51));
     QCOMPARE(device.device()->defaultProfile(), profileBytes());
     device.start();
-    bench.take();
+    fixture.take();
     QCOMPARE(device.device()->defaultProfile(), profileBytes());
-    QCOMPARE(bench.take(), QString());
+    COMPARE_LINES(fixture.take(), {});
 }
 
 void tst_Buttons::profileIsAResourceWhileTheLibraryIsLoaded()
@@ -114,7 +114,7 @@ void tst_Buttons::profileIsAResourceWhileTheLibraryIsLoaded()
     {
         Timeline timeline;
         PluginHost host(timeline);
-        QVERIFY(!host.load(Bench::builtPluginFile()));
+        QVERIFY(!host.load(PluginFixture::builtPluginFile()));
         QFile profile(profilePath);
         QVERIFY(profile.open(QIODevice::ReadOnly));
         QCOMPARE(profile.readAll(), profileBytes());
@@ -126,7 +126,7 @@ void tst_Buttons::profileIsAResourceWhileTheLibraryIsLoaded()
 
 void tst_Buttons::profileIsStoredUncompressed()
 {
-    Bench bench;
+    PluginFixture fixture;
     const QResource profile(profilePath);
     QVERIFY(profile.isValid());
     QCOMPARE(profile.compressionAlgorithm(), QResource::NoCompression);
@@ -137,10 +137,10 @@ void tst_Buttons::profileIsStoredUncompressed()
 
 void tst_Buttons::resourceTreeHoldsNothingElse()
 {
-    Bench bench;
+    PluginFixture fixture;
     const QDir folder(u":/com.orvane.KVX.Plugin.LogicalDevice.RV418"_s);
     QVERIFY(folder.exists());
-    QCOMPARE(folder.entryList(), QStringList{u"DefaultProfile.json"_s});
+    COMPARE_LINES(folder.entryList(), {u"DefaultProfile.json"_s});
     QVERIFY(QDir(u":/"_s).entryList().contains(u"com.orvane.KVX.Plugin.LogicalDevice.RV418"_s));
 }
 
@@ -162,31 +162,31 @@ void tst_Buttons::profileThatCannotBeReadIsWarnedOf()
     file.close();
     const RegisteredResource damaged(file.fileName());
     QVERIFY(damaged.isRegistered());
-    Bench bench({true, isWarningEnabled, true});
-    HostedDevice &device = bench.create();
+    PluginFixture fixture({true, isWarningEnabled, true});
+    HostedDevice &device = fixture.create();
     QCOMPARE(device.device()->defaultProfile(), QByteArray());
     QVERIFY(device.device()->defaultProfile().isEmpty());
     const QString line = warningLine(u"Unable to load default profile from :  \""_s + profilePath + u'"');
-    QStringList lines = bench.take().split(u'\n');
+    QStringList lines = fixture.take();
     lines.removeIf([](const QString &text) { return !text.contains(u"RV418.LogicalDevice"_s); });
     QCOMPARE(lines, isWarningEnabled ? QStringList({line, line}) : QStringList());
 }
 
 void tst_Buttons::imageIsEmptyWithoutAResource()
 {
-    Bench bench;
-    HostedDevice &device = bench.create();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.create();
     QCOMPARE(device.device()->deviceImage(), QByteArray());
     device.start();
-    bench.take();
+    fixture.take();
     QCOMPARE(device.device()->deviceImage(), QByteArray());
-    QCOMPARE(bench.take(), QString());
+    COMPARE_LINES(fixture.take(), {});
 }
 
 void tst_Buttons::imageComesFromTheHostsResources()
 {
-    Bench bench;
-    HostedDevice &device = bench.create();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.create();
     {
         const RegisteredResource images(QStringLiteral(DEVICE_IMAGE_RCC));
         QVERIFY(images.isRegistered());
@@ -216,88 +216,87 @@ void tst_Buttons::buttonsAreDisabled()
 {
     QFETCH(const QString, text);
     QFETCH(const int, mask);
-    Bench bench;
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
     QList<int> ids;
     const QStringList texts = text.split(u", "_s, Qt::SkipEmptyParts);
     for (const QString &id : texts)
         ids.append(id.toInt());
     device.disbaleButtonsOrKeys(ids);
-    QCOMPARE(bench.take(), timelineText(disableCall(text, mask)));
+    COMPARE_LINES(fixture.take(), disableCall(text, mask));
 }
 
 void tst_Buttons::maskIsReplacedNotMerged()
 {
-    Bench bench;
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
     device.disbaleButtonsOrKeys({4});
     device.disbaleButtonsOrKeys({1});
-    QCOMPARE(bench.take(), timelineText(disableCall(u"4"_s, 0x08) + disableCall(u"1"_s, 0x01)));
+    COMPARE_LINES(fixture.take(), disableCall(u"4"_s, 0x08) + disableCall(u"1"_s, 0x01));
 }
 
 void tst_Buttons::setToDefaultSendsZero()
 {
-    Bench bench;
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
     device.setButtonsOrKeysToDefault();
-    QCOMPARE(bench.take(), timelineText({u"call setButtonsOrKeysToDefault()"_s,
-                                         debugLine(u"setButtonsOrKeysToDefault enter"_s),
-                                         u"receiver setDisabledButtonsOrKeysMask(0) -> true"_s,
-                                         debugLine(u"setButtonsOrKeysToDefault exit"_s)}));
+    COMPARE_LINES(fixture.take(),
+                  {u"call setButtonsOrKeysToDefault()"_s, debugLine(u"setButtonsOrKeysToDefault enter"_s),
+                   u"receiver setDisabledButtonsOrKeysMask(0) -> true"_s,
+                   debugLine(u"setButtonsOrKeysToDefault exit"_s)});
 }
 
 void tst_Buttons::setToDefaultAfterDisabling()
 {
-    Bench bench({false, false, false});
-    HostedDevice &device = bench.started();
+    PluginFixture fixture({false, false, false});
+    HostedDevice &device = fixture.started();
     device.disbaleButtonsOrKeys({1, 2, 3, 4, 5});
-    bench.take();
+    fixture.take();
     device.setButtonsOrKeysToDefault();
-    QCOMPARE(bench.take(), timelineText({u"call setButtonsOrKeysToDefault()"_s,
-                                         u"receiver setDisabledButtonsOrKeysMask(0) -> true"_s}));
+    COMPARE_LINES(fixture.take(), {u"call setButtonsOrKeysToDefault()"_s,
+                                   u"receiver setDisabledButtonsOrKeysMask(0) -> true"_s});
 }
 
 void tst_Buttons::refusalIsIgnored()
 {
-    Bench bench;
-    HostedDevice &device = bench.started();
-    bench.receiver.answers.acceptsRequests = false;
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
+    fixture.receiver.answers.acceptsRequests = false;
     device.setButtonsOrKeysToDefault();
     device.disbaleButtonsOrKeys({1});
-    QCOMPARE(
-        bench.take(),
-        timelineText({u"call setButtonsOrKeysToDefault()"_s, debugLine(u"setButtonsOrKeysToDefault enter"_s),
-                      u"receiver setDisabledButtonsOrKeysMask(0) -> false"_s,
-                      debugLine(u"setButtonsOrKeysToDefault exit"_s), u"call disbaleButtonsOrKeys([1])"_s,
-                      debugLine(u"disbaleButtonsOrKeys enter, buttonOrKeys : QList(1)"_s),
-                      u"receiver setDisabledButtonsOrKeysMask(1) -> false"_s,
-                      debugLine(u"disbaleButtonsOrKeys exit"_s)}));
+    COMPARE_LINES(fixture.take(),
+                  {u"call setButtonsOrKeysToDefault()"_s, debugLine(u"setButtonsOrKeysToDefault enter"_s),
+                   u"receiver setDisabledButtonsOrKeysMask(0) -> false"_s,
+                   debugLine(u"setButtonsOrKeysToDefault exit"_s), u"call disbaleButtonsOrKeys([1])"_s,
+                   debugLine(u"disbaleButtonsOrKeys enter, buttonOrKeys : QList(1)"_s),
+                   u"receiver setDisabledButtonsOrKeysMask(1) -> false"_s,
+                   debugLine(u"disbaleButtonsOrKeys exit"_s)});
 }
 
 void tst_Buttons::withoutReceiver()
 {
-    Bench bench;
-    HostedDevice &device = bench.create();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.create();
     device.disbaleButtonsOrKeys({1});
     device.setButtonsOrKeysToDefault();
-    QCOMPARE(bench.take(),
-             timelineText({u"call disbaleButtonsOrKeys([1])"_s,
-                           debugLine(u"disbaleButtonsOrKeys enter, buttonOrKeys : QList(1)"_s),
-                           warningLine(u"Unknown IPhysicalDevice interface"_s),
-                           debugLine(u"disbaleButtonsOrKeys exit"_s), u"call setButtonsOrKeysToDefault()"_s,
-                           debugLine(u"setButtonsOrKeysToDefault enter"_s),
-                           warningLine(u"Unknown IPhysicalDevice interface"_s),
-                           debugLine(u"setButtonsOrKeysToDefault exit"_s)}));
+    COMPARE_LINES(fixture.take(),
+                  {u"call disbaleButtonsOrKeys([1])"_s,
+                   debugLine(u"disbaleButtonsOrKeys enter, buttonOrKeys : QList(1)"_s),
+                   warningLine(u"Unknown IPhysicalDevice interface"_s),
+                   debugLine(u"disbaleButtonsOrKeys exit"_s), u"call setButtonsOrKeysToDefault()"_s,
+                   debugLine(u"setButtonsOrKeysToDefault enter"_s),
+                   warningLine(u"Unknown IPhysicalDevice interface"_s),
+                   debugLine(u"setButtonsOrKeysToDefault exit"_s)});
 }
 
 void tst_Buttons::maskIsSentOncePerCall()
 {
     // The same mask again is sent again: the mouse may have lost it.
-    Bench bench;
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
     device.disbaleButtonsOrKeys({3});
     device.disbaleButtonsOrKeys({3});
-    QCOMPARE(bench.take(), timelineText(disableCall(u"3"_s, 0x04) + disableCall(u"3"_s, 0x04)));
+    COMPARE_LINES(fixture.take(), disableCall(u"3"_s, 0x04) + disableCall(u"3"_s, 0x04));
 }
 
 QTEST_GUILESS_MAIN(tst_Buttons)

@@ -1,5 +1,5 @@
-#include "Bench.h"
 #include "OtherThread.h"
+#include "PluginFixture.h"
 #include "TimelineText.h"
 
 #include <QtCore/QThread>
@@ -36,21 +36,21 @@ private Q_SLOTS:
 
 void tst_DeviceReports::firmwareVersionIsStoredAndSignalled()
 {
-    Bench bench;
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
     device.setFirmwareVersion(4294967295U);
-    QCOMPARE(bench.take(), timelineText({u"call setFirmwareVersion(4294967295)"_s,
-                                         u"signal firmwareVersionChanged(4294967295)"_s}));
+    COMPARE_LINES(fixture.take(),
+                  {u"call setFirmwareVersion(4294967295)"_s, u"signal firmwareVersionChanged(4294967295)"_s});
     QCOMPARE(device.device()->firmwareVersion(), 4294967295U);
 }
 
 void tst_DeviceReports::valuesAreStoredBeforeTheirSignals()
 {
-    Bench bench({false, false, false});
-    HostedDevice &device = bench.started();
+    PluginFixture fixture({false, false, false});
+    HostedDevice &device = fixture.started();
     uint firmwareVersion = 0;
     int batteryLevel = 0;
-    bench.timeline.setObserver([&](const TimelineEntry &entry) {
+    fixture.timeline.setObserver([&](const TimelineEntry &entry) {
         if (entry.name == u"firmwareVersionChanged")
             firmwareVersion = device.device()->firmwareVersion();
         if (entry.name == u"batteryLevelChanged")
@@ -58,83 +58,82 @@ void tst_DeviceReports::valuesAreStoredBeforeTheirSignals()
     });
     device.setFirmwareVersion(7);
     device.setBatteryLevel(8);
-    bench.timeline.setObserver({});
+    fixture.timeline.setObserver({});
     QCOMPARE(firmwareVersion, 7U);
     QCOMPARE(batteryLevel, 8);
 }
 
 void tst_DeviceReports::firmwareVersionSignalsTheSameValueAgain()
 {
-    Bench bench;
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
     device.setFirmwareVersion(258);
     device.setFirmwareVersion(258);
     const QStringList once{u"call setFirmwareVersion(258)"_s, u"signal firmwareVersionChanged(258)"_s};
-    QCOMPARE(bench.take(), timelineText(once + once));
+    COMPARE_LINES(fixture.take(), once + once);
 }
 
 void tst_DeviceReports::firmwareVersionFromAnotherThreadIsQueuedWhole()
 {
-    Bench bench;
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
     OtherThread other;
     other.run([&] { device.setFirmwareVersion(7); });
     QCOMPARE(device.device()->firmwareVersion(), 258U);
-    QCOMPARE(bench.take(), u"call setFirmwareVersion(7) on thread 2"_s);
+    COMPARE_LINES(fixture.take(), {u"call setFirmwareVersion(7) on thread 2"_s});
     deliverQueuedCalls();
     QCOMPARE(device.device()->firmwareVersion(), 7U);
-    QCOMPARE(bench.take(), u"signal firmwareVersionChanged(7)"_s);
+    COMPARE_LINES(fixture.take(), {u"signal firmwareVersionChanged(7)"_s});
 }
 
 void tst_DeviceReports::firmwareVersionCallsFromAnotherThreadKeepTheirValues()
 {
-    Bench bench;
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
     OtherThread other;
     other.run([&] {
         device.setFirmwareVersion(7);
         device.setFirmwareVersion(8);
         device.setFirmwareVersion(8);
     });
-    bench.take();
+    fixture.take();
     deliverQueuedCalls();
-    QCOMPARE(bench.take(),
-             timelineText({u"signal firmwareVersionChanged(7)"_s, u"signal firmwareVersionChanged(8)"_s,
-                           u"signal firmwareVersionChanged(8)"_s}));
+    COMPARE_LINES(fixture.take(),
+                  {u"signal firmwareVersionChanged(7)"_s, u"signal firmwareVersionChanged(8)"_s,
+                   u"signal firmwareVersionChanged(8)"_s});
 }
 
 void tst_DeviceReports::firmwareVersionQueuedForADeadDeviceIsDropped()
 {
-    Bench bench({false, false, false});
-    HostedDevice &device = bench.started();
+    PluginFixture fixture({false, false, false});
+    HostedDevice &device = fixture.started();
     OtherThread other;
     other.run([&] { device.setFirmwareVersion(7); });
-    bench.destroy(device);
-    bench.take();
+    fixture.destroy(device);
+    fixture.take();
     deliverQueuedCalls();
-    QCOMPARE(bench.take(), QString());
+    COMPARE_LINES(fixture.take(), {});
 }
 
 void tst_DeviceReports::batteryLevelIsStoredAndSignalled()
 {
-    Bench bench;
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
     device.setBatteryLevel(55);
-    QCOMPARE(bench.take(),
-             timelineText({u"call setBatteryLevel(55)"_s, u"signal batteryLevelChanged(55)"_s}));
+    COMPARE_LINES(fixture.take(), {u"call setBatteryLevel(55)"_s, u"signal batteryLevelChanged(55)"_s});
     QCOMPARE(device.device()->batteryLevel(), 55);
 }
 
 void tst_DeviceReports::batteryLevelIgnoresTheSameValue()
 {
-    Bench bench;
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
     device.setBatteryLevel(80);
-    QCOMPARE(bench.take(), u"call setBatteryLevel(80)"_s);
+    COMPARE_LINES(fixture.take(), {u"call setBatteryLevel(80)"_s});
 
-    HostedDevice &fresh = bench.create(2);
+    HostedDevice &fresh = fixture.create(2);
     fresh.setBatteryLevel(-1);
-    QCOMPARE(bench.take(), u"call setBatteryLevel(-1)"_s);
+    COMPARE_LINES(fixture.take(), {u"call setBatteryLevel(-1)"_s});
 }
 
 void tst_DeviceReports::batteryLevelTakesAnyNumber_data()
@@ -149,66 +148,65 @@ void tst_DeviceReports::batteryLevelTakesAnyNumber_data()
 void tst_DeviceReports::batteryLevelTakesAnyNumber()
 {
     QFETCH(const int, level);
-    Bench bench;
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
     device.setBatteryLevel(level);
-    QCOMPARE(bench.take(), timelineText({u"call setBatteryLevel(%1)"_s.arg(level),
-                                         u"signal batteryLevelChanged(%1)"_s.arg(level)}));
+    COMPARE_LINES(fixture.take(),
+                  {u"call setBatteryLevel(%1)"_s.arg(level), u"signal batteryLevelChanged(%1)"_s.arg(level)});
     QCOMPARE(device.device()->batteryLevel(), level);
 }
 
 void tst_DeviceReports::batteryLevelFromAnotherThreadIsStoredAtOnce()
 {
-    Bench bench;
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
     OtherThread other;
     other.run([&] {
         device.setBatteryLevel(40);
         device.setBatteryLevel(60);
     });
     QCOMPARE(device.device()->batteryLevel(), 60);
-    QCOMPARE(bench.take(), timelineText({u"call setBatteryLevel(40) on thread 2"_s,
-                                         u"call setBatteryLevel(60) on thread 2"_s}));
+    COMPARE_LINES(fixture.take(),
+                  {u"call setBatteryLevel(40) on thread 2"_s, u"call setBatteryLevel(60) on thread 2"_s});
     deliverQueuedCalls();
-    QCOMPARE(bench.take(),
-             timelineText({u"signal batteryLevelChanged(60)"_s, u"signal batteryLevelChanged(60)"_s}));
+    COMPARE_LINES(fixture.take(), {u"signal batteryLevelChanged(60)"_s, u"signal batteryLevelChanged(60)"_s});
 }
 
 void tst_DeviceReports::batteryLevelQueuedForADeadDeviceIsDropped()
 {
-    Bench bench({false, false, false});
-    HostedDevice &device = bench.started();
+    PluginFixture fixture({false, false, false});
+    HostedDevice &device = fixture.started();
     OtherThread other;
     other.run([&] { device.setBatteryLevel(40); });
-    bench.destroy(device);
-    bench.take();
+    fixture.destroy(device);
+    fixture.take();
     deliverQueuedCalls();
-    QCOMPARE(bench.take(), QString());
+    COMPARE_LINES(fixture.take(), {});
 }
 
 void tst_DeviceReports::deviceWithoutAThreadSignalsWhenItGetsOne()
 {
-    Bench bench({false, false, false});
+    PluginFixture fixture({false, false, false});
     OtherThread other;
     HostedDevice *device = nullptr;
     other.run([&] {
         // Off the factory's thread, so it has no parent, which would bind it to that.
-        device = &bench.create();
+        device = &fixture.create();
         device->object()->moveToThread(nullptr);
     });
-    bench.take();
+    fixture.take();
     device->setBatteryLevel(40);
     deliverQueuedCalls();
-    QCOMPARE(bench.take(), u"call setBatteryLevel(40)"_s);
+    COMPARE_LINES(fixture.take(), {u"call setBatteryLevel(40)"_s});
     device->object()->moveToThread(QThread::currentThread());
     deliverQueuedCalls();
-    QCOMPARE(bench.take(), u"signal batteryLevelChanged(40)"_s);
-    bench.destroy(*device);
+    COMPARE_LINES(fixture.take(), {u"signal batteryLevelChanged(40)"_s});
+    fixture.destroy(*device);
 }
 
 void tst_DeviceReports::threadThatFollowsTheDevicesOwnIsAnother()
 {
-    Bench bench({false, false, false});
+    PluginFixture fixture({false, false, false});
     HostedDevice *device = nullptr;
     const auto runOnAThread = [](const std::function<void()> &function) {
         std::unique_ptr<QThread> thread(QThread::create(function));
@@ -216,8 +214,8 @@ void tst_DeviceReports::threadThatFollowsTheDevicesOwnIsAnother()
         thread->wait();
         return thread;
     };
-    const std::unique_ptr<QThread> own = runOnAThread([&] { device = &bench.create(); });
-    bench.take();
+    const std::unique_ptr<QThread> own = runOnAThread([&] { device = &fixture.create(); });
+    fixture.take();
     // Systems give the number of a thread that has ended to one of the next.
     constexpr int followers = 50;
     for (int follower = 0; follower < followers; ++follower) {
@@ -227,19 +225,18 @@ void tst_DeviceReports::threadThatFollowsTheDevicesOwnIsAnother()
         });
     }
     QCOMPARE(device->device()->firmwareVersion(), 0U);
-    QCOMPARE(bench.take(), QString());
-    bench.destroy(*device);
+    COMPARE_LINES(fixture.take(), {});
+    fixture.destroy(*device);
 }
 
 void tst_DeviceReports::reportsNeedNoStart()
 {
-    Bench bench;
-    HostedDevice &device = bench.create();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.create();
     device.setFirmwareVersion(9);
     device.setBatteryLevel(10);
-    QCOMPARE(bench.take(),
-             timelineText({u"call setFirmwareVersion(9)"_s, u"signal firmwareVersionChanged(9)"_s,
-                           u"call setBatteryLevel(10)"_s, u"signal batteryLevelChanged(10)"_s}));
+    COMPARE_LINES(fixture.take(), {u"call setFirmwareVersion(9)"_s, u"signal firmwareVersionChanged(9)"_s,
+                                   u"call setBatteryLevel(10)"_s, u"signal batteryLevelChanged(10)"_s});
     QVERIFY(!device.device()->hasBatteryLevel());
 }
 

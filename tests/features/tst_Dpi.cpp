@@ -1,5 +1,5 @@
-#include "Bench.h"
 #include "OtherThread.h"
+#include "PluginFixture.h"
 #include "TimelineText.h"
 
 #include <QtTest/QTest>
@@ -15,7 +15,7 @@ namespace {
 struct Input
 {
     QString property;
-    std::function<void(Bench &, HostedDevice &, int)> report;
+    std::function<void(PluginFixture &, HostedDevice &, int)> report;
     std::function<int(const ILogicalDeviceGen3Mouse &)> value;
     QString call;  // what the report itself leaves on the timeline, %1 the value; empty for receiver signals
 };
@@ -23,13 +23,17 @@ struct Input
 QList<Input> inputs()
 {
     return {{u"dpiMin"_s,
-             [](Bench &bench, HostedDevice &, int value) { Q_EMIT bench.receiver.dpiMinChanged(value); },
+             [](PluginFixture &fixture, HostedDevice &, int value) {
+                 Q_EMIT fixture.receiver.dpiMinChanged(value);
+             },
              [](const ILogicalDeviceGen3Mouse &device) { return device.dpiMin(); }, QString()},
             {u"dpiMax"_s,
-             [](Bench &bench, HostedDevice &, int value) { Q_EMIT bench.receiver.dpiMaxChanged(value); },
+             [](PluginFixture &fixture, HostedDevice &, int value) {
+                 Q_EMIT fixture.receiver.dpiMaxChanged(value);
+             },
              [](const ILogicalDeviceGen3Mouse &device) { return device.dpiMax(); }, QString()},
             {u"dpiValue"_s,
-             [](Bench &, HostedDevice &device, int value) { device.dpiValueChangedCallBack(value); },
+             [](PluginFixture &, HostedDevice &device, int value) { device.dpiValueChangedCallBack(value); },
              [](const ILogicalDeviceGen3Mouse &device) { return device.dpiValue(); },
              u"call dpiValueChangedCallBack(%1)"_s}};
 }
@@ -103,10 +107,10 @@ void tst_Dpi::reportIsStoredAndSignalled()
 {
     QFETCH(const int, input);
     const Input tested = inputs().at(input);
-    Bench bench;
-    HostedDevice &device = bench.started();
-    tested.report(bench, device, 1600);
-    QCOMPARE(bench.take(), timelineText(reported(tested, 1600, change(tested.property, 1600))));
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
+    tested.report(fixture, device, 1600);
+    COMPARE_LINES(fixture.take(), reported(tested, 1600, change(tested.property, 1600)));
     QCOMPARE(tested.value(*device.device()), 1600);
 }
 
@@ -114,28 +118,28 @@ void tst_Dpi::sameReportAgainIsSilent()
 {
     QFETCH(const int, input);
     const Input tested = inputs().at(input);
-    Bench bench;
-    HostedDevice &device = bench.started();
-    tested.report(bench, device, 1600);
-    bench.take();
-    tested.report(bench, device, 1600);
-    QCOMPARE(bench.take(), timelineText(reported(tested, 1600, {})));
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
+    tested.report(fixture, device, 1600);
+    fixture.take();
+    tested.report(fixture, device, 1600);
+    COMPARE_LINES(fixture.take(), reported(tested, 1600, {}));
     // Back and forth is two changes.
-    tested.report(bench, device, 800);
-    tested.report(bench, device, 1600);
-    QCOMPARE(bench.take(), timelineText(reported(tested, 800, change(tested.property, 800)) +
-                                        reported(tested, 1600, change(tested.property, 1600))));
+    tested.report(fixture, device, 800);
+    tested.report(fixture, device, 1600);
+    COMPARE_LINES(fixture.take(), reported(tested, 800, change(tested.property, 800)) +
+                                      reported(tested, 1600, change(tested.property, 1600)));
 }
 
 void tst_Dpi::nothingIsValidated()
 {
     QFETCH(const int, input);
     const Input tested = inputs().at(input);
-    Bench bench;
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
     for (const int value : {12000, 0, -1, std::numeric_limits<int>::max(), std::numeric_limits<int>::min()}) {
-        tested.report(bench, device, value);
-        QCOMPARE(bench.take(), timelineText(reported(tested, value, change(tested.property, value))));
+        tested.report(fixture, device, value);
+        COMPARE_LINES(fixture.take(), reported(tested, value, change(tested.property, value)));
         QCOMPARE(tested.value(*device.device()), value);
     }
 }
@@ -144,58 +148,58 @@ void tst_Dpi::defaultAgainIsSilent()
 {
     QFETCH(const int, input);
     const Input tested = inputs().at(input);
-    Bench bench;
-    HostedDevice &device = bench.started();
-    tested.report(bench, device, 0);
-    QCOMPARE(bench.take(), timelineText(reported(tested, 0, {})));
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
+    tested.report(fixture, device, 0);
+    COMPARE_LINES(fixture.take(), reported(tested, 0, {}));
 }
 
 void tst_Dpi::valueIsNotClampedToTheRange()
 {
-    Bench bench;
-    HostedDevice &device = bench.started();
-    Q_EMIT bench.receiver.dpiMinChanged(100);
-    Q_EMIT bench.receiver.dpiMaxChanged(8000);
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
+    Q_EMIT fixture.receiver.dpiMinChanged(100);
+    Q_EMIT fixture.receiver.dpiMaxChanged(8000);
     device.dpiValueChangedCallBack(12000);
     QCOMPARE(device.device()->dpiValue(), 12000);
-    bench.take();
-    Q_EMIT bench.receiver.dpiMaxChanged(6000);
-    QCOMPARE(bench.take(), timelineText(change(u"dpiMax"_s, 6000)));
+    fixture.take();
+    Q_EMIT fixture.receiver.dpiMaxChanged(6000);
+    COMPARE_LINES(fixture.take(), change(u"dpiMax"_s, 6000));
     QCOMPARE(device.device()->dpiValue(), 12000);
 }
 
 void tst_Dpi::minimumAboveTheMaximum()
 {
-    Bench bench;
-    HostedDevice &device = bench.started();
-    Q_EMIT bench.receiver.dpiMaxChanged(100);
-    Q_EMIT bench.receiver.dpiMinChanged(8000);
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
+    Q_EMIT fixture.receiver.dpiMaxChanged(100);
+    Q_EMIT fixture.receiver.dpiMinChanged(8000);
     QCOMPARE(device.device()->dpiMin(), 8000);
     QCOMPARE(device.device()->dpiMax(), 100);
 }
 
 void tst_Dpi::storedBeforeTheSignal()
 {
-    Bench bench;
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
     QList<int> seen;
-    bench.timeline.setObserver([&](const TimelineEntry &entry) {
+    fixture.timeline.setObserver([&](const TimelineEntry &entry) {
         if (entry.kind == TimelineEntry::Kind::Signal)
             seen += {device.device()->dpiMin(), device.device()->dpiMax(), device.device()->dpiValue()};
     });
-    Q_EMIT bench.receiver.dpiMinChanged(1);
-    Q_EMIT bench.receiver.dpiMaxChanged(2);
+    Q_EMIT fixture.receiver.dpiMinChanged(1);
+    Q_EMIT fixture.receiver.dpiMaxChanged(2);
     device.dpiValueChangedCallBack(3);
-    bench.timeline.setObserver({});
+    fixture.timeline.setObserver({});
     QCOMPARE(seen, QList<int>({1, 0, 0, 1, 2, 0, 1, 2, 3}));
 }
 
 void tst_Dpi::rangeFollowsBothSignalsApart()
 {
-    Bench bench;
-    HostedDevice &first = bench.started(1);
-    HostedDevice &second = bench.started(2);
-    Q_EMIT bench.receiver.dpiMinChanged(100);
+    PluginFixture fixture;
+    HostedDevice &first = fixture.started(1);
+    HostedDevice &second = fixture.started(2);
+    Q_EMIT fixture.receiver.dpiMinChanged(100);
     // One receiver tells all its devices.
     QCOMPARE(first.device()->dpiMin(), 100);
     QCOMPARE(second.device()->dpiMin(), 100);
@@ -204,38 +208,38 @@ void tst_Dpi::rangeFollowsBothSignalsApart()
 
 void tst_Dpi::valueIsSignalledOnTheCallingThread()
 {
-    Bench bench;
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
     OtherThread other;
     other.run([&] { device.dpiValueChangedCallBack(1600); });
-    QCOMPARE(bench.take(), timelineText({u"call dpiValueChangedCallBack(1600) on thread 2"_s,
-                                         debugLine(u"Updating dpiValue :  1600 on thread 2"_s),
-                                         u"signal dpiValueChanged(1600) on thread 2"_s}));
+    COMPARE_LINES(fixture.take(), {u"call dpiValueChangedCallBack(1600) on thread 2"_s,
+                                   debugLine(u"Updating dpiValue :  1600 on thread 2"_s),
+                                   u"signal dpiValueChanged(1600) on thread 2"_s});
     deliverQueuedCalls();
-    QCOMPARE(bench.take(), QString());
+    COMPARE_LINES(fixture.take(), {});
 }
 
 void tst_Dpi::rangeIsSignalledOnTheDevicesThread()
 {
-    Bench bench;
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
     OtherThread other;
     other.run([&] {
-        Q_EMIT bench.receiver.dpiMaxChanged(4000);
-        Q_EMIT bench.receiver.dpiMaxChanged(5000);
+        Q_EMIT fixture.receiver.dpiMaxChanged(4000);
+        Q_EMIT fixture.receiver.dpiMaxChanged(5000);
     });
     QCOMPARE(device.device()->dpiMax(), 0);
     deliverQueuedCalls();
     // Each arrives with its own value.
-    QCOMPARE(bench.take(), timelineText(change(u"dpiMax"_s, 4000) + change(u"dpiMax"_s, 5000)));
+    COMPARE_LINES(fixture.take(), change(u"dpiMax"_s, 4000) + change(u"dpiMax"_s, 5000));
 }
 
 void tst_Dpi::fixedAnswersStayWhatIsReported()
 {
-    Bench bench;
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
     device.dpiValueChangedCallBack(1600);
-    Q_EMIT bench.receiver.dpiMinChanged(100);
+    Q_EMIT fixture.receiver.dpiMinChanged(100);
     QCOMPARE(device.device()->dpiDelta(), 50);
     QCOMPARE(device.device()->isDPIValueSupported(), true);
     QCOMPARE(device.device()->isDPIValueChangePending(), false);
@@ -243,20 +247,20 @@ void tst_Dpi::fixedAnswersStayWhatIsReported()
 
 void tst_Dpi::setDpiValueIsIgnored()
 {
-    Bench bench;
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
     device.device()->setDpiValue(1600);
-    QCOMPARE(bench.take(), QString());
+    COMPARE_LINES(fixture.take(), {});
     QCOMPARE(device.device()->dpiValue(), 0);
     QCOMPARE(device.device()->isDPIValueChangePending(), false);
 }
 
 void tst_Dpi::valuesStayAfterStop()
 {
-    Bench bench;
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
     device.dpiValueChangedCallBack(1600);
-    Q_EMIT bench.receiver.dpiMinChanged(100);
+    Q_EMIT fixture.receiver.dpiMinChanged(100);
     device.ppidChangedCallBack(u"PP"_s);
     device.stop();
     QCOMPARE(device.device()->dpiValue(), 1600);
@@ -266,79 +270,78 @@ void tst_Dpi::valuesStayAfterStop()
 
 void tst_Dpi::reportsNeedNoStart()
 {
-    Bench bench;
-    HostedDevice &device = bench.create();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.create();
     device.dpiValueChangedCallBack(1600);
     device.ppidChangedCallBack(u"PP"_s);
-    QCOMPARE(
-        bench.take(),
-        timelineText(QStringList{u"call dpiValueChangedCallBack(1600)"_s} + change(u"dpiValue"_s, 1600) +
-                     QStringList{u"call ppidChangedCallBack(\"PP\")"_s} +
-                     ppidLines({debugLine(u"Updating ppid :  \"PP\""_s), u"signal ppidChanged(\"PP\")"_s})));
+    COMPARE_LINES(fixture.take(),
+                  QStringList{u"call dpiValueChangedCallBack(1600)"_s} + change(u"dpiValue"_s, 1600) +
+                      QStringList{u"call ppidChangedCallBack(\"PP\")"_s} +
+                      ppidLines({debugLine(u"Updating ppid :  \"PP\""_s), u"signal ppidChanged(\"PP\")"_s}));
 }
 
 void tst_Dpi::ppidIsStoredAndSignalled()
 {
-    Bench bench;
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
     device.ppidChangedCallBack(u"A-1"_s);
-    QCOMPARE(bench.take(), timelineText(QStringList{u"call ppidChangedCallBack(\"A-1\")"_s} +
-                                        ppidLines({debugLine(u"Updating ppid :  \"A-1\""_s),
-                                                   u"signal ppidChanged(\"A-1\")"_s})));
+    COMPARE_LINES(fixture.take(), QStringList{u"call ppidChangedCallBack(\"A-1\")"_s} +
+                                      ppidLines({debugLine(u"Updating ppid :  \"A-1\""_s),
+                                                 u"signal ppidChanged(\"A-1\")"_s}));
     QCOMPARE(device.gen3()->ppid(), u"A-1"_s);
 }
 
 void tst_Dpi::ppidIsStoredBeforeItsSignal()
 {
-    Bench bench({false, false, false});
-    HostedDevice &device = bench.started();
+    PluginFixture fixture({false, false, false});
+    HostedDevice &device = fixture.started();
     QString seen;
-    bench.timeline.setObserver([&](const TimelineEntry &entry) {
+    fixture.timeline.setObserver([&](const TimelineEntry &entry) {
         if (entry.kind == TimelineEntry::Kind::Signal)
             seen = device.gen3()->ppid();
     });
     device.ppidChangedCallBack(u"A-1"_s);
-    bench.timeline.setObserver({});
+    fixture.timeline.setObserver({});
     QCOMPARE(seen, u"A-1"_s);
 }
 
 void tst_Dpi::samePpidAgainIsSilent()
 {
-    Bench bench;
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
     device.ppidChangedCallBack(u"A-1"_s);
-    bench.take();
+    fixture.take();
     device.ppidChangedCallBack(u"A-1"_s);
-    QCOMPARE(bench.take(), timelineText(QStringList{u"call ppidChangedCallBack(\"A-1\")"_s} + ppidLines({})));
+    COMPARE_LINES(fixture.take(), QStringList{u"call ppidChangedCallBack(\"A-1\")"_s} + ppidLines({}));
 }
 
 void tst_Dpi::ppidDiffersByLetterCase()
 {
-    Bench bench;
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
     device.ppidChangedCallBack(u"abc"_s);
-    bench.take();
+    fixture.take();
     device.ppidChangedCallBack(u"abC"_s);
-    QCOMPARE(bench.take(), timelineText(QStringList{u"call ppidChangedCallBack(\"abC\")"_s} +
-                                        ppidLines({debugLine(u"Updating ppid :  \"abC\""_s),
-                                                   u"signal ppidChanged(\"abC\")"_s})));
+    COMPARE_LINES(fixture.take(), QStringList{u"call ppidChangedCallBack(\"abC\")"_s} +
+                                      ppidLines({debugLine(u"Updating ppid :  \"abC\""_s),
+                                                 u"signal ppidChanged(\"abC\")"_s}));
     QCOMPARE(device.gen3()->ppid(), u"abC"_s);
 }
 
 void tst_Dpi::emptyPpid()
 {
-    Bench bench;
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
     device.ppidChangedCallBack(QString());
     device.ppidChangedCallBack(u""_s);
     const QStringList silent = QStringList{u"call ppidChangedCallBack(\"\")"_s} + ppidLines({});
-    QCOMPARE(bench.take(), timelineText(silent + silent));
+    COMPARE_LINES(fixture.take(), silent + silent);
     device.ppidChangedCallBack(u"A"_s);
-    bench.take();
+    fixture.take();
     device.ppidChangedCallBack(QString());
-    QCOMPARE(bench.take(),
-             timelineText(QStringList{u"call ppidChangedCallBack(\"\")"_s} +
-                          ppidLines({debugLine(u"Updating ppid :  \"\""_s), u"signal ppidChanged(\"\")"_s})));
+    COMPARE_LINES(fixture.take(),
+                  QStringList{u"call ppidChangedCallBack(\"\")"_s} +
+                      ppidLines({debugLine(u"Updating ppid :  \"\""_s), u"signal ppidChanged(\"\")"_s}));
     QCOMPARE(device.gen3()->ppid(), QString());
 }
 
@@ -353,34 +356,34 @@ void tst_Dpi::ppidTakesAnyText_data()
 void tst_Dpi::ppidTakesAnyText()
 {
     QFETCH(const QString, ppid);
-    Bench bench({false, false, false});
-    HostedDevice &device = bench.started();
+    PluginFixture fixture({false, false, false});
+    HostedDevice &device = fixture.started();
     device.ppidChangedCallBack(ppid);
     QCOMPARE(device.gen3()->ppid(), ppid);
-    QCOMPARE(bench.take(), timelineText({u"call ppidChangedCallBack(\"%1\")"_s.arg(ppid),
-                                         u"signal ppidChanged(\"%1\")"_s.arg(ppid)}));
+    COMPARE_LINES(fixture.take(), {u"call ppidChangedCallBack(\"%1\")"_s.arg(ppid),
+                                   u"signal ppidChanged(\"%1\")"_s.arg(ppid)});
 }
 
 void tst_Dpi::ppidIsSignalledOnTheCallingThread()
 {
-    Bench bench({false, false, false});
-    HostedDevice &device = bench.started();
+    PluginFixture fixture({false, false, false});
+    HostedDevice &device = fixture.started();
     OtherThread other;
     other.run([&] { device.ppidChangedCallBack(u"A"_s); });
-    QCOMPARE(bench.take(), timelineText({u"call ppidChangedCallBack(\"A\") on thread 2"_s,
-                                         u"signal ppidChanged(\"A\") on thread 2"_s}));
+    COMPARE_LINES(fixture.take(), {u"call ppidChangedCallBack(\"A\") on thread 2"_s,
+                                   u"signal ppidChanged(\"A\") on thread 2"_s});
 }
 
 void tst_Dpi::ppidByNameFromAnotherThread()
 {
-    Bench bench({false, false, false});
-    HostedDevice &device = bench.started();
+    PluginFixture fixture({false, false, false});
+    HostedDevice &device = fixture.started();
     OtherThread other;
     other.run([&] { QMetaObject::invokeMethod(device.object(), "onPPIDChanged", Q_ARG(QString, u"B"_s)); });
     QCOMPARE(device.gen3()->ppid(), QString());
     deliverQueuedCalls();
     QCOMPARE(device.gen3()->ppid(), u"B"_s);
-    QCOMPARE(bench.take(), u"signal ppidChanged(\"B\")"_s);
+    COMPARE_LINES(fixture.take(), {u"signal ppidChanged(\"B\")"_s});
 }
 
 QTEST_GUILESS_MAIN(tst_Dpi)

@@ -1,5 +1,5 @@
-#include "Bench.h"
 #include "OtherThread.h"
+#include "PluginFixture.h"
 #include "TimelineText.h"
 
 #include <QtTest/QTest>
@@ -57,11 +57,11 @@ QStringList idChange(int id)
 }
 
 /// A started device on button 15, with a request for button 6 pending.
-HostedDevice &pendingSix(Bench &bench)
+HostedDevice &pendingSix(PluginFixture &fixture)
 {
-    HostedDevice &device = bench.started();
+    HostedDevice &device = fixture.started();
     device.setDpiButtonId(6);
-    bench.take();
+    fixture.take();
     return device;
 }
 
@@ -107,48 +107,48 @@ private Q_SLOTS:
 
 void tst_DpiButton::requestForTheCurrentIdDoesNothing()
 {
-    Bench bench;
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
     device.setDpiButtonId(15);
-    QCOMPARE(bench.take(), u"call setDpiButtonId(15)"_s);
+    COMPARE_LINES(fixture.take(), {u"call setDpiButtonId(15)"_s});
 }
 
 void tst_DpiButton::requestIsPendingUntilConfirmed()
 {
-    Bench bench;
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
     device.setDpiButtonId(6);
-    QCOMPARE(bench.take(),
-             timelineText({u"call setDpiButtonId(6)"_s, settingLine(6), sentLine(6), pendingSignal(true)}));
+    COMPARE_LINES(fixture.take(),
+                  {u"call setDpiButtonId(6)"_s, settingLine(6), sentLine(6), pendingSignal(true)});
     QVERIFY(device.device()->isDpiButtonIdChangePending());
     QCOMPARE(device.device()->dpiButtonId(), 15);
 
     device.dpiButtonIdConfirmed(6);
-    QCOMPARE(bench.take(),
-             timelineText(confirmation(6, QStringList{pendingSignal(false)} + changeLines(idChange(6)))));
+    COMPARE_LINES(fixture.take(),
+                  confirmation(6, QStringList{pendingSignal(false)} + changeLines(idChange(6))));
     QVERIFY(!device.device()->isDpiButtonIdChangePending());
     QCOMPARE(device.device()->dpiButtonId(), 6);
 }
 
 void tst_DpiButton::zeroAsksForTheDefault()
 {
-    Bench bench;
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
     device.setDpiButtonId(0);
-    QCOMPARE(bench.take(), timelineText({u"call setDpiButtonId(0)"_s, resetLine(), settingLine(6),
-                                         sentLine(6), pendingSignal(true)}));
+    COMPARE_LINES(fixture.take(), {u"call setDpiButtonId(0)"_s, resetLine(), settingLine(6), sentLine(6),
+                                   pendingSignal(true)});
     device.dpiButtonIdConfirmed(6);
     QCOMPARE(device.device()->dpiButtonId(), 6);
 }
 
 void tst_DpiButton::zeroWhenTheDefaultIsCurrent()
 {
-    Bench bench;
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
     device.dpiButtonIdChangedCallBack(6);
-    bench.take();
+    fixture.take();
     device.setDpiButtonId(0);
-    QCOMPARE(bench.take(), timelineText({u"call setDpiButtonId(0)"_s, resetLine()}));
+    COMPARE_LINES(fixture.take(), {u"call setDpiButtonId(0)"_s, resetLine()});
     QVERIFY(!device.device()->isDpiButtonIdChangePending());
 }
 
@@ -164,65 +164,65 @@ void tst_DpiButton::requestPassesAnyId_data()
 void tst_DpiButton::requestPassesAnyId()
 {
     QFETCH(const int, id);
-    Bench bench;
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
     device.setDpiButtonId(id);
-    QCOMPARE(bench.take(), timelineText({u"call setDpiButtonId(%1)"_s.arg(id), settingLine(id), sentLine(id),
-                                         pendingSignal(true)}));
+    COMPARE_LINES(fixture.take(),
+                  {u"call setDpiButtonId(%1)"_s.arg(id), settingLine(id), sentLine(id), pendingSignal(true)});
 }
 
 void tst_DpiButton::requestWithoutReceiver()
 {
-    Bench bench;
-    HostedDevice &device = bench.create();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.create();
     device.setDpiButtonId(0);
-    QCOMPARE(bench.take(), timelineText({u"call setDpiButtonId(0)"_s, resetLine(), settingLine(6),
-                                         warningLine(u"Unknown IPhysicalDevice interface"_s)}));
+    COMPARE_LINES(fixture.take(), {u"call setDpiButtonId(0)"_s, resetLine(), settingLine(6),
+                                   warningLine(u"Unknown IPhysicalDevice interface"_s)});
     QVERIFY(!device.device()->isDpiButtonIdChangePending());
 }
 
 void tst_DpiButton::refusedFromIdle()
 {
-    Bench bench;
-    HostedDevice &device = bench.started();
-    bench.receiver.answers.acceptsRequests = false;
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
+    fixture.receiver.answers.acceptsRequests = false;
     device.setDpiButtonId(6);
-    QCOMPARE(bench.take(),
-             timelineText({u"call setDpiButtonId(6)"_s, settingLine(6), sentLine(6, false), refusedLine()}));
+    COMPARE_LINES(fixture.take(),
+                  {u"call setDpiButtonId(6)"_s, settingLine(6), sentLine(6, false), refusedLine()});
     device.dpiButtonIdConfirmed(4);
     QCOMPARE(device.device()->dpiButtonId(), 4);
 }
 
 void tst_DpiButton::refusedWhilePending()
 {
-    Bench bench;
-    HostedDevice &device = pendingSix(bench);
-    bench.receiver.answers.acceptsRequests = false;
+    PluginFixture fixture;
+    HostedDevice &device = pendingSix(fixture);
+    fixture.receiver.answers.acceptsRequests = false;
     device.setDpiButtonId(7);
-    QCOMPARE(bench.take(), timelineText({u"call setDpiButtonId(7)"_s, settingLine(7), sentLine(7, false),
-                                         refusedLine(), pendingSignal(false)}));
+    COMPARE_LINES(fixture.take(), {u"call setDpiButtonId(7)"_s, settingLine(7), sentLine(7, false),
+                                   refusedLine(), pendingSignal(false)});
     device.dpiButtonIdConfirmed(8);
-    QCOMPARE(bench.take(), timelineText(confirmation(8, changeLines(idChange(8)))));
+    COMPARE_LINES(fixture.take(), confirmation(8, changeLines(idChange(8))));
 }
 
 void tst_DpiButton::secondRequestReplacesTheFirst()
 {
-    Bench bench;
-    HostedDevice &device = pendingSix(bench);
+    PluginFixture fixture;
+    HostedDevice &device = pendingSix(fixture);
     device.setDpiButtonId(7);
-    QCOMPARE(bench.take(), timelineText({u"call setDpiButtonId(7)"_s, settingLine(7), sentLine(7)}));
+    COMPARE_LINES(fixture.take(), {u"call setDpiButtonId(7)"_s, settingLine(7), sentLine(7)});
     device.dpiButtonIdConfirmed(6);
-    QCOMPARE(bench.take(), timelineText(confirmation(6, {settingLine(7), sentLine(7)})));
+    COMPARE_LINES(fixture.take(), confirmation(6, {settingLine(7), sentLine(7)}));
     device.dpiButtonIdConfirmed(7);
     QCOMPARE(device.device()->dpiButtonId(), 7);
 }
 
 void tst_DpiButton::requestForTheCurrentIdLeavesARequestPending()
 {
-    Bench bench;
-    HostedDevice &device = pendingSix(bench);
+    PluginFixture fixture;
+    HostedDevice &device = pendingSix(fixture);
     device.setDpiButtonId(15);
-    QCOMPARE(bench.take(), u"call setDpiButtonId(15)"_s);
+    COMPARE_LINES(fixture.take(), {u"call setDpiButtonId(15)"_s});
     QVERIFY(device.device()->isDpiButtonIdChangePending());
 }
 
@@ -237,228 +237,223 @@ void tst_DpiButton::confirmationBelowOneIsIgnored_data()
 void tst_DpiButton::confirmationBelowOneIsIgnored()
 {
     QFETCH(const int, id);
-    Bench bench;
-    HostedDevice &device = pendingSix(bench);
+    PluginFixture fixture;
+    HostedDevice &device = pendingSix(fixture);
     device.dpiButtonIdConfirmed(id);
-    QCOMPARE(bench.take(), timelineText(confirmation(id, {debugLine(u"Ignoring buttonId :  %1"_s.arg(id))})));
+    COMPARE_LINES(fixture.take(), confirmation(id, {debugLine(u"Ignoring buttonId :  %1"_s.arg(id))}));
     QVERIFY(device.device()->isDpiButtonIdChangePending());
 
-    HostedDevice &idle = bench.started(2);
+    HostedDevice &idle = fixture.started(2);
     idle.dpiButtonIdConfirmed(id);
-    QCOMPARE(bench.take(), timelineText(confirmation(id, {debugLine(u"Ignoring buttonId :  %1"_s.arg(id))})));
+    COMPARE_LINES(fixture.take(), confirmation(id, {debugLine(u"Ignoring buttonId :  %1"_s.arg(id))}));
     QCOMPARE(idle.device()->dpiButtonId(), 15);
 }
 
 void tst_DpiButton::confirmationWithNothingPending()
 {
-    Bench bench;
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
     device.dpiButtonIdConfirmed(1);
-    QCOMPARE(bench.take(), timelineText(confirmation(1, changeLines(idChange(1)))));
+    COMPARE_LINES(fixture.take(), confirmation(1, changeLines(idChange(1))));
     device.dpiButtonIdConfirmed(1);
-    QCOMPARE(bench.take(), timelineText(confirmation(1, changeLines({}))));
+    COMPARE_LINES(fixture.take(), confirmation(1, changeLines({})));
 }
 
 void tst_DpiButton::confirmationOfTheCurrentIdLeavesTheRequest()
 {
-    Bench bench;
-    HostedDevice &device = pendingSix(bench);
+    PluginFixture fixture;
+    HostedDevice &device = pendingSix(fixture);
     device.dpiButtonIdConfirmed(15);
-    QCOMPARE(bench.take(), timelineText(confirmation(15, {})));
+    COMPARE_LINES(fixture.take(), confirmation(15, {}));
     QVERIFY(device.device()->isDpiButtonIdChangePending());
 }
 
 void tst_DpiButton::confirmationOfAThirdIdSendsAgain()
 {
-    Bench bench;
-    HostedDevice &device = pendingSix(bench);
+    PluginFixture fixture;
+    HostedDevice &device = pendingSix(fixture);
     device.dpiButtonIdConfirmed(4);
-    QCOMPARE(bench.take(), timelineText(confirmation(4, {settingLine(6), sentLine(6)})));
+    COMPARE_LINES(fixture.take(), confirmation(4, {settingLine(6), sentLine(6)}));
     QCOMPARE(device.device()->dpiButtonId(), 15);
     QVERIFY(device.device()->isDpiButtonIdChangePending());
 }
 
 void tst_DpiButton::lowestIdIsSentAgainToo()
 {
-    Bench bench;
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
     device.setDpiButtonId(1);
-    bench.take();
+    fixture.take();
     device.dpiButtonIdConfirmed(4);
-    QCOMPARE(bench.take(), timelineText(confirmation(4, {settingLine(1), sentLine(1)})));
+    COMPARE_LINES(fixture.take(), confirmation(4, {settingLine(1), sentLine(1)}));
 }
 
 void tst_DpiButton::confirmationEndsTheRequestForGood()
 {
-    Bench bench;
-    HostedDevice &device = pendingSix(bench);
+    PluginFixture fixture;
+    HostedDevice &device = pendingSix(fixture);
     device.dpiButtonIdConfirmed(6);
-    bench.take();
+    fixture.take();
     device.dpiButtonIdConfirmed(4);
-    QCOMPARE(bench.take(), timelineText(confirmation(4, changeLines(idChange(4)))));
+    COMPARE_LINES(fixture.take(), confirmation(4, changeLines(idChange(4))));
 }
 
 void tst_DpiButton::requestIsKnownWhenItsFlagIsSignalled()
 {
     // A slot of the flag's signal that has the mouse's answer already ends the request with it.
-    Bench bench({false, false, false});
-    HostedDevice &device = bench.started();
-    bench.timeline.setObserver([&](const TimelineEntry &entry) {
+    PluginFixture fixture({false, false, false});
+    HostedDevice &device = fixture.started();
+    fixture.timeline.setObserver([&](const TimelineEntry &entry) {
         if (entry.name == u"isDpiButtonIdChangePendingChanged" &&
             device.device()->isDpiButtonIdChangePending())
             device.device()->dpiButtonIdConfirmed(6);
     });
     device.setDpiButtonId(6);
-    bench.timeline.setObserver({});
-    QCOMPARE(bench.take(), timelineText({u"call setDpiButtonId(6)"_s, sentLine(6), pendingSignal(true),
-                                         pendingSignal(false), u"signal dpiButtonIdChanged(6)"_s}));
+    fixture.timeline.setObserver({});
+    COMPARE_LINES(fixture.take(), {u"call setDpiButtonId(6)"_s, sentLine(6), pendingSignal(true),
+                                   pendingSignal(false), u"signal dpiButtonIdChanged(6)"_s});
     QVERIFY(!device.device()->isDpiButtonIdChangePending());
 }
 
 void tst_DpiButton::requestIsOverWhenItsFlagIsSignalled()
 {
     // A slot of the flag's signal already meets a device that waits for nothing: what it reports is stored.
-    Bench bench({false, false, false});
-    HostedDevice &device = pendingSix(bench);
-    bench.timeline.setObserver([&](const TimelineEntry &entry) {
+    PluginFixture fixture({false, false, false});
+    HostedDevice &device = pendingSix(fixture);
+    fixture.timeline.setObserver([&](const TimelineEntry &entry) {
         if (entry.name == u"isDpiButtonIdChangePendingChanged")
             device.device()->dpiButtonIdConfirmed(4);
     });
     device.dpiButtonIdConfirmed(6);
-    bench.timeline.setObserver({});
-    QCOMPARE(bench.take(),
-             timelineText({u"call dpiButtonIdConfirmed(6)"_s, pendingSignal(false),
-                           u"signal dpiButtonIdChanged(4)"_s, u"signal dpiButtonIdChanged(6)"_s}));
+    fixture.timeline.setObserver({});
+    COMPARE_LINES(fixture.take(), {u"call dpiButtonIdConfirmed(6)"_s, pendingSignal(false),
+                                   u"signal dpiButtonIdChanged(4)"_s, u"signal dpiButtonIdChanged(6)"_s});
 }
 
 void tst_DpiButton::confirmationRepeatsWithoutLimit()
 {
-    Bench bench;
-    HostedDevice &device = pendingSix(bench);
+    PluginFixture fixture;
+    HostedDevice &device = pendingSix(fixture);
     for (int i = 0; i < 1000; ++i) {
         device.dpiButtonIdConfirmed(4);
-        QCOMPARE(bench.take(), timelineText(confirmation(4, {settingLine(6), sentLine(6)})));
+        COMPARE_LINES(fixture.take(), confirmation(4, {settingLine(6), sentLine(6)}));
     }
 }
 
 void tst_DpiButton::refusedRepeatEndsTheRequest()
 {
-    Bench bench;
-    HostedDevice &device = pendingSix(bench);
-    bench.receiver.answers.acceptsRequests = false;
+    PluginFixture fixture;
+    HostedDevice &device = pendingSix(fixture);
+    fixture.receiver.answers.acceptsRequests = false;
     device.dpiButtonIdConfirmed(4);
-    QCOMPARE(bench.take(), timelineText(confirmation(4, {settingLine(6), sentLine(6, false), refusedLine(),
-                                                         pendingSignal(false)})));
+    COMPARE_LINES(fixture.take(),
+                  confirmation(4, {settingLine(6), sentLine(6, false), refusedLine(), pendingSignal(false)}));
     QCOMPARE(device.device()->dpiButtonId(), 15);
 }
 
 void tst_DpiButton::negativePendingIdBlocksConfirmations()
 {
-    Bench bench;
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
     device.setDpiButtonId(-3);
-    bench.take();
+    fixture.take();
     device.dpiButtonIdConfirmed(4);
-    QCOMPARE(bench.take(), timelineText(confirmation(4, {})));
+    COMPARE_LINES(fixture.take(), confirmation(4, {}));
     QCOMPARE(device.device()->dpiButtonId(), 15);
     QVERIFY(device.device()->isDpiButtonIdChangePending());
 }
 
 void tst_DpiButton::repeatDoesNothingWhenAReportMadeTheValueCurrent()
 {
-    Bench bench;
-    HostedDevice &device = pendingSix(bench);
+    PluginFixture fixture;
+    HostedDevice &device = pendingSix(fixture);
     device.dpiButtonIdChangedCallBack(6);
-    bench.take();
+    fixture.take();
     device.dpiButtonIdConfirmed(4);
-    QCOMPARE(bench.take(), timelineText(confirmation(4, {})));
+    COMPARE_LINES(fixture.take(), confirmation(4, {}));
     QVERIFY(device.device()->isDpiButtonIdChangePending());
     device.dpiButtonIdConfirmed(6);
-    QCOMPARE(bench.take(),
-             timelineText(confirmation(6, QStringList{pendingSignal(false)} + changeLines({}))));
+    COMPARE_LINES(fixture.take(), confirmation(6, QStringList{pendingSignal(false)} + changeLines({})));
 }
 
 void tst_DpiButton::reportUnasked()
 {
-    Bench bench;
-    HostedDevice &device = bench.create();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.create();
     device.dpiButtonIdChangedCallBack(4);
-    QCOMPARE(bench.take(),
-             timelineText(QStringList{u"call dpiButtonIdChangedCallBack(4)"_s} + changeLines(idChange(4))));
+    COMPARE_LINES(fixture.take(),
+                  QStringList{u"call dpiButtonIdChangedCallBack(4)"_s} + changeLines(idChange(4)));
     QCOMPARE(device.device()->dpiButtonId(), 4);
 }
 
 void tst_DpiButton::reportOfTheSameId()
 {
-    Bench bench;
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
     device.dpiButtonIdChangedCallBack(15);
-    QCOMPARE(bench.take(),
-             timelineText(QStringList{u"call dpiButtonIdChangedCallBack(15)"_s} + changeLines({})));
+    COMPARE_LINES(fixture.take(), QStringList{u"call dpiButtonIdChangedCallBack(15)"_s} + changeLines({}));
 }
 
 void tst_DpiButton::reportWhilePendingLeavesTheRequest()
 {
-    Bench bench;
-    HostedDevice &device = pendingSix(bench);
+    PluginFixture fixture;
+    HostedDevice &device = pendingSix(fixture);
     device.dpiButtonIdChangedCallBack(4);
     QVERIFY(device.device()->isDpiButtonIdChangePending());
     QCOMPARE(device.device()->dpiButtonId(), 4);
-    bench.take();
+    fixture.take();
     device.dpiButtonIdConfirmed(6);
-    QCOMPARE(bench.take(),
-             timelineText(confirmation(6, QStringList{pendingSignal(false)} + changeLines(idChange(6)))));
+    COMPARE_LINES(fixture.take(),
+                  confirmation(6, QStringList{pendingSignal(false)} + changeLines(idChange(6))));
 }
 
 void tst_DpiButton::reportTakesAnyId()
 {
-    Bench bench;
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
     for (const int id : {0, -5, std::numeric_limits<int>::max(), std::numeric_limits<int>::min()}) {
         device.dpiButtonIdChangedCallBack(id);
-        QCOMPARE(bench.take(), timelineText(QStringList{u"call dpiButtonIdChangedCallBack(%1)"_s.arg(id)} +
-                                            changeLines(idChange(id))));
+        COMPARE_LINES(fixture.take(), QStringList{u"call dpiButtonIdChangedCallBack(%1)"_s.arg(id)} +
+                                          changeLines(idChange(id)));
         QCOMPARE(device.device()->dpiButtonId(), id);
     }
 }
 
 void tst_DpiButton::otherThreadChangesAtOnceAndSignalsLater()
 {
-    Bench bench({false, false, false});
-    HostedDevice &device = bench.started();
+    PluginFixture fixture({false, false, false});
+    HostedDevice &device = fixture.started();
     OtherThread other;
     other.run([&] { device.setDpiButtonId(6); });
     QVERIFY(device.device()->isDpiButtonIdChangePending());
-    QCOMPARE(bench.take(),
-             timelineText({u"call setDpiButtonId(6) on thread 2"_s, sentLine(6) + u" on thread 2"_s}));
+    COMPARE_LINES(fixture.take(), {u"call setDpiButtonId(6) on thread 2"_s, sentLine(6) + u" on thread 2"_s});
     deliverQueuedCalls();
-    QCOMPARE(bench.take(), pendingSignal(true));
+    COMPARE_LINES(fixture.take(), {pendingSignal(true)});
     other.run([&] { device.dpiButtonIdConfirmed(6); });
     QCOMPARE(device.device()->dpiButtonId(), 6);
-    bench.take();
+    fixture.take();
     deliverQueuedCalls();
-    QCOMPARE(bench.take(), timelineText({pendingSignal(false), u"signal dpiButtonIdChanged(6)"_s}));
+    COMPARE_LINES(fixture.take(), {pendingSignal(false), u"signal dpiButtonIdChanged(6)"_s});
 }
 
 void tst_DpiButton::otherThreadSignalsCarryTheValueAtDelivery()
 {
-    Bench bench({false, false, false});
-    HostedDevice &device = bench.started();
+    PluginFixture fixture({false, false, false});
+    HostedDevice &device = fixture.started();
     OtherThread other;
     other.run([&] {
         device.dpiButtonIdChangedCallBack(3);
         device.dpiButtonIdChangedCallBack(4);
     });
-    bench.take();
+    fixture.take();
     deliverQueuedCalls();
-    QCOMPARE(bench.take(),
-             timelineText({u"signal dpiButtonIdChanged(4)"_s, u"signal dpiButtonIdChanged(4)"_s}));
+    COMPARE_LINES(fixture.take(), {u"signal dpiButtonIdChanged(4)"_s, u"signal dpiButtonIdChanged(4)"_s});
 }
 
 void tst_DpiButton::requestSurvivesStop()
 {
-    Bench bench({false, false, false});
-    HostedDevice &device = pendingSix(bench);
+    PluginFixture fixture({false, false, false});
+    HostedDevice &device = pendingSix(fixture);
     device.stop();
     QVERIFY(device.device()->isDpiButtonIdChangePending());
     device.dpiButtonIdConfirmed(6);

@@ -1,5 +1,5 @@
-#include "Bench.h"
 #include "OtherThread.h"
+#include "PluginFixture.h"
 #include "TimelineText.h"
 
 #include <QtTest/QTest>
@@ -81,28 +81,28 @@ QString refusedLine()
 }
 
 /// A started device that knows its range.
-HostedDevice &ranged(Bench &bench, int minimum = 100, int maximum = 8000)
+HostedDevice &ranged(PluginFixture &fixture, int minimum = 100, int maximum = 8000)
 {
-    HostedDevice &device = bench.started();
-    Q_EMIT bench.receiver.dpiMinChanged(minimum);
-    Q_EMIT bench.receiver.dpiMaxChanged(maximum);
-    bench.take();
+    HostedDevice &device = fixture.started();
+    Q_EMIT fixture.receiver.dpiMinChanged(minimum);
+    Q_EMIT fixture.receiver.dpiMaxChanged(maximum);
+    fixture.take();
     return device;
 }
 
 /// As ranged(), with a request for these values pending.
-HostedDevice &pending(Bench &bench, const char *texts)
+HostedDevice &pending(PluginFixture &fixture, const char *texts)
 {
-    HostedDevice &device = ranged(bench);
+    HostedDevice &device = ranged(fixture);
     device.setDpiSlotValues(words(texts));
-    bench.take();
+    fixture.take();
     return device;
 }
 
 // The enter line names an address, which is checked for being one, and left out.
-QStringList takeConfirmation(Bench &bench)
+QStringList takeConfirmation(PluginFixture &fixture)
 {
-    QStringList lines = bench.take().split(u'\n');
+    QStringList lines = fixture.take();
     const QString enter = debugLine(u"dpiSlotValuesConfirmed enter, values : 0x"_s);
     if (lines.size() < 2 || !lines.at(1).startsWith(enter))
         return {u"no enter line with an address: "_s + lines.join(u'\n')};
@@ -161,18 +161,18 @@ private Q_SLOTS:
 
 void tst_DpiSlotValues::requestIsPendingUntilConfirmed()
 {
-    Bench bench;
-    HostedDevice &device = ranged(bench);
+    PluginFixture fixture;
+    HostedDevice &device = ranged(fixture);
     device.setDpiSlotValues(words(factoryTexts));
-    QCOMPARE(bench.take(), timelineText({requestCall(words(factoryTexts)), settingLine(factoryValues),
-                                         sentLine(factoryValues), pendingSignal(true), exitLine()}));
+    COMPARE_LINES(fixture.take(), {requestCall(words(factoryTexts)), settingLine(factoryValues),
+                                   sentLine(factoryValues), pendingSignal(true), exitLine()});
     QVERIFY(device.device()->isDpiSlotValuesChangePending());
-    QCOMPARE(device.device()->dpiSlotValues(), QStringList());
+    COMPARE_LINES(device.device()->dpiSlotValues(), {});
 
     device.dpiSlotValuesConfirmed(factoryValues.data());
-    QCOMPARE(takeConfirmation(bench),
-             changeLines({updatingLine(factoryValues), valuesSignal(factoryValues)}) +
-                 QStringList({pendingSignal(false), debugLine(u"dpiSlotValuesConfirmed exit"_s)}));
+    COMPARE_LINES(takeConfirmation(fixture),
+                  changeLines({updatingLine(factoryValues), valuesSignal(factoryValues)}) +
+                      QStringList({pendingSignal(false), debugLine(u"dpiSlotValuesConfirmed exit"_s)}));
     QVERIFY(!device.device()->isDpiSlotValuesChangePending());
     QCOMPARE(device.device()->dpiSlotValues(), words(factoryTexts));
 }
@@ -192,35 +192,35 @@ void tst_DpiSlotValues::requestWithoutRange()
 {
     QFETCH(const int, minimum);
     QFETCH(const int, maximum);
-    Bench bench;
-    HostedDevice &device = ranged(bench, minimum, maximum);
+    PluginFixture fixture;
+    HostedDevice &device = ranged(fixture, minimum, maximum);
     device.setDpiSlotValues(words(factoryTexts));
-    QCOMPARE(bench.take(),
-             timelineText({requestCall(words(factoryTexts)),
-                           warningLine(u"Ignoring SET command, dpi min and max are not set"_s), exitLine()}));
+    COMPARE_LINES(fixture.take(),
+                  {requestCall(words(factoryTexts)),
+                   warningLine(u"Ignoring SET command, dpi min and max are not set"_s), exitLine()});
     QVERIFY(!device.device()->isDpiSlotValuesChangePending());
 }
 
 void tst_DpiSlotValues::smallestRangeIsEnough()
 {
-    Bench bench({false, true, false});
-    HostedDevice &device = ranged(bench, 1, 1);
+    PluginFixture fixture({false, true, false});
+    HostedDevice &device = ranged(fixture, 1, 1);
     device.setDpiSlotValues(words("1 1 1 1 2"));
-    QCOMPARE(bench.take(),
-             timelineText({requestCall(words("1 1 1 1 2")), warningLine(u"Ignoring slot value :  \"2\""_s),
-                           sentLine({1, 1, 1, 1, 0}), pendingSignal(true)}));
+    COMPARE_LINES(fixture.take(),
+                  {requestCall(words("1 1 1 1 2")), warningLine(u"Ignoring slot value :  \"2\""_s),
+                   sentLine({1, 1, 1, 1, 0}), pendingSignal(true)});
 }
 
 void tst_DpiSlotValues::rangeLostAgainRefusesRequests()
 {
-    Bench bench;
-    HostedDevice &device = pending(bench, factoryTexts);
-    Q_EMIT bench.receiver.dpiMinChanged(0);
-    bench.take();
+    PluginFixture fixture;
+    HostedDevice &device = pending(fixture, factoryTexts);
+    Q_EMIT fixture.receiver.dpiMinChanged(0);
+    fixture.take();
     device.setDpiSlotValues(words("1 2 3 4 5"));
-    QCOMPARE(bench.take(),
-             timelineText({requestCall(words("1 2 3 4 5")),
-                           warningLine(u"Ignoring SET command, dpi min and max are not set"_s), exitLine()}));
+    COMPARE_LINES(fixture.take(),
+                  {requestCall(words("1 2 3 4 5")),
+                   warningLine(u"Ignoring SET command, dpi min and max are not set"_s), exitLine()});
     // The earlier request is still waited for.
     QVERIFY(device.device()->isDpiSlotValuesChangePending());
     device.dpiSlotValuesConfirmed(factoryValues.data());
@@ -239,23 +239,23 @@ void tst_DpiSlotValues::requestOfAnotherLength_data()
 void tst_DpiSlotValues::requestOfAnotherLength()
 {
     QFETCH(const QStringList, texts);
-    Bench bench;
-    HostedDevice &device = ranged(bench);
+    PluginFixture fixture;
+    HostedDevice &device = ranged(fixture);
     device.setDpiSlotValues(texts);
-    QCOMPARE(bench.take().split(u'\n').mid(1),
-             QStringList({warningLine(u"Invalid SET command, dpiSlotValues parameter must have size 5"_s),
-                          exitLine()}));
+    COMPARE_LINES(
+        fixture.take().mid(1),
+        {warningLine(u"Invalid SET command, dpiSlotValues parameter must have size 5"_s), exitLine()});
     QVERIFY(!device.device()->isDpiSlotValuesChangePending());
 }
 
 void tst_DpiSlotValues::unknownRangeIsToldBeforeTheLength()
 {
-    Bench bench;
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
     device.setDpiSlotValues(words("800"));
-    QCOMPARE(bench.take(),
-             timelineText({requestCall(words("800")),
-                           warningLine(u"Ignoring SET command, dpi min and max are not set"_s), exitLine()}));
+    COMPARE_LINES(fixture.take(),
+                  {requestCall(words("800")),
+                   warningLine(u"Ignoring SET command, dpi min and max are not set"_s), exitLine()});
 }
 
 void tst_DpiSlotValues::slotTexts_data()
@@ -307,8 +307,8 @@ void tst_DpiSlotValues::slotTexts()
     QFETCH(const QString, text);
     QFETCH(const quint16, sent);
     QFETCH(const bool, isRejected);
-    Bench bench;
-    HostedDevice &device = ranged(bench);
+    PluginFixture fixture;
+    HostedDevice &device = ranged(fixture);
     device.setDpiSlotValues({u"800"_s, text, u"2400"_s, u"3200"_s, u"4000"_s});
 
     const SlotValues values{800, sent, 2400, 3200, 4000};
@@ -319,120 +319,117 @@ void tst_DpiSlotValues::slotTexts()
         expected += warningLine(u"Ignoring slot value :  "_s + shown);
     }
     expected += {settingLine(values), sentLine(values), pendingSignal(true), exitLine()};
-    const QString timeline = bench.take();
-    QCOMPARE(timeline.mid(timeline.indexOf(u")\n"_s) + 2), timelineText(expected));
+    COMPARE_LINES(fixture.take().mid(1), expected);
 }
 
 void tst_DpiSlotValues::everyRejectedEntryIsWarnedOf()
 {
-    Bench bench;
-    HostedDevice &device = ranged(bench);
+    PluginFixture fixture;
+    HostedDevice &device = ranged(fixture);
     device.setDpiSlotValues(words("800 1600 abc 9000 0"));
     const SlotValues values{800, 1600, 0, 0, 0};
-    QCOMPARE(bench.take(),
-             timelineText({requestCall(words("800 1600 abc 9000 0")),
-                           warningLine(u"Ignoring slot value :  \"abc\""_s),
-                           warningLine(u"Ignoring slot value :  \"9000\""_s), settingLine(values),
-                           sentLine(values), pendingSignal(true), exitLine()}));
+    COMPARE_LINES(fixture.take(), {requestCall(words("800 1600 abc 9000 0")),
+                                   warningLine(u"Ignoring slot value :  \"abc\""_s),
+                                   warningLine(u"Ignoring slot value :  \"9000\""_s), settingLine(values),
+                                   sentLine(values), pendingSignal(true), exitLine()});
 }
 
 void tst_DpiSlotValues::allEntriesRejectedIsSentAllTheSame()
 {
-    Bench bench({false, false, false});
-    HostedDevice &device = ranged(bench);
+    PluginFixture fixture({false, false, false});
+    HostedDevice &device = ranged(fixture);
     device.setDpiSlotValues(words("a b c d e"));
-    QCOMPARE(bench.take(),
-             timelineText({requestCall(words("a b c d e")), sentLine({0, 0, 0, 0, 0}), pendingSignal(true)}));
+    COMPARE_LINES(fixture.take(),
+                  {requestCall(words("a b c d e")), sentLine({0, 0, 0, 0, 0}), pendingSignal(true)});
 }
 
 void tst_DpiSlotValues::invertedRangeRejectsAllButTheSpecialValues()
 {
-    Bench bench({false, true, false});
-    HostedDevice &device = ranged(bench, 8000, 100);
+    PluginFixture fixture({false, true, false});
+    HostedDevice &device = ranged(fixture, 8000, 100);
     device.setDpiSlotValues(words("100 8000 4000 65535 0"));
-    QCOMPARE(bench.take(), timelineText({requestCall(words("100 8000 4000 65535 0")),
-                                         warningLine(u"Ignoring slot value :  \"100\""_s),
-                                         warningLine(u"Ignoring slot value :  \"8000\""_s),
-                                         warningLine(u"Ignoring slot value :  \"4000\""_s),
-                                         sentLine({0, 0, 0, 65535, 0}), pendingSignal(true)}));
+    COMPARE_LINES(fixture.take(), {requestCall(words("100 8000 4000 65535 0")),
+                                   warningLine(u"Ignoring slot value :  \"100\""_s),
+                                   warningLine(u"Ignoring slot value :  \"8000\""_s),
+                                   warningLine(u"Ignoring slot value :  \"4000\""_s),
+                                   sentLine({0, 0, 0, 65535, 0}), pendingSignal(true)});
 }
 
 void tst_DpiSlotValues::requestCarriesButtonAndActiveSlot()
 {
-    Bench bench({false, false, false});
-    HostedDevice &device = ranged(bench);
+    PluginFixture fixture({false, false, false});
+    HostedDevice &device = ranged(fixture);
     device.dpiButtonIdChangedCallBack(-4);
     device.activeDpiSlotIndexChangedCallBack(7);
-    bench.take();
+    fixture.take();
     device.setDpiSlotValues(words(factoryTexts));
-    QCOMPARE(bench.take(), timelineText({requestCall(words(factoryTexts)),
-                                         sentLine(factoryValues, true, -4, 7), pendingSignal(true)}));
+    COMPARE_LINES(fixture.take(), {requestCall(words(factoryTexts)), sentLine(factoryValues, true, -4, 7),
+                                   pendingSignal(true)});
 }
 
 void tst_DpiSlotValues::requestWithoutReceiver()
 {
-    Bench bench;
-    HostedDevice &device = bench.create();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.create();
     QMetaObject::invokeMethod(device.object(), "onDpiMinChanged", Q_ARG(int, 100));
     QMetaObject::invokeMethod(device.object(), "onDpiMaxChanged", Q_ARG(int, 8000));
-    bench.take();
+    fixture.take();
     device.setDpiSlotValues(words(factoryTexts));
-    QCOMPARE(bench.take(), timelineText({requestCall(words(factoryTexts)), settingLine(factoryValues),
-                                         warningLine(u"Unknown IPhysicalDevice interface"_s), exitLine()}));
+    COMPARE_LINES(fixture.take(), {requestCall(words(factoryTexts)), settingLine(factoryValues),
+                                   warningLine(u"Unknown IPhysicalDevice interface"_s), exitLine()});
     QVERIFY(!device.device()->isDpiSlotValuesChangePending());
 }
 
 void tst_DpiSlotValues::confirmationWithoutReceiver()
 {
-    Bench bench;
-    HostedDevice &device = bench.create(nullptr, Bench::mouse);
+    PluginFixture fixture;
+    HostedDevice &device = fixture.create(nullptr, PluginFixture::mouse);
     device.start();
     QMetaObject::invokeMethod(device.object(), "onDpiMinChanged", Q_ARG(int, 100));
     QMetaObject::invokeMethod(device.object(), "onDpiMaxChanged", Q_ARG(int, 8000));
     device.setDpiSlotValues(words(factoryTexts));
-    bench.take();
+    fixture.take();
     device.dpiSlotValuesConfirmed(factoryValues.data());
-    QCOMPARE(takeConfirmation(bench), QStringList{debugLine(u"dpiSlotValuesConfirmed exit"_s)});
-    QCOMPARE(device.device()->dpiSlotValues(), QStringList());
+    COMPARE_LINES(takeConfirmation(fixture), {debugLine(u"dpiSlotValuesConfirmed exit"_s)});
+    COMPARE_LINES(device.device()->dpiSlotValues(), {});
 }
 
 void tst_DpiSlotValues::refusedFromIdle()
 {
-    Bench bench;
-    HostedDevice &device = ranged(bench);
-    bench.receiver.answers.acceptsRequests = false;
+    PluginFixture fixture;
+    HostedDevice &device = ranged(fixture);
+    fixture.receiver.answers.acceptsRequests = false;
     device.setDpiSlotValues(words(factoryTexts));
-    QCOMPARE(bench.take(), timelineText({requestCall(words(factoryTexts)), settingLine(factoryValues),
-                                         sentLine(factoryValues, false), refusedLine(), exitLine()}));
+    COMPARE_LINES(fixture.take(), {requestCall(words(factoryTexts)), settingLine(factoryValues),
+                                   sentLine(factoryValues, false), refusedLine(), exitLine()});
     QVERIFY(!device.device()->isDpiSlotValuesChangePending());
 }
 
 void tst_DpiSlotValues::refusedWhilePending()
 {
-    Bench bench;
-    HostedDevice &device = pending(bench, factoryTexts);
-    bench.receiver.answers.acceptsRequests = false;
+    PluginFixture fixture;
+    HostedDevice &device = pending(fixture, factoryTexts);
+    fixture.receiver.answers.acceptsRequests = false;
     device.setDpiSlotValues(words("200 300 400 500 600"));
     const SlotValues values{200, 300, 400, 500, 600};
-    QCOMPARE(bench.take(),
-             timelineText({requestCall(words("200 300 400 500 600")), settingLine(values),
-                           sentLine(values, false), refusedLine(), pendingSignal(false), exitLine()}));
+    COMPARE_LINES(fixture.take(), {requestCall(words("200 300 400 500 600")), settingLine(values),
+                                   sentLine(values, false), refusedLine(), pendingSignal(false), exitLine()});
     QVERIFY(!device.device()->isDpiSlotValuesChangePending());
 }
 
 void tst_DpiSlotValues::secondRequestReplacesTheFirst()
 {
-    Bench bench;
-    HostedDevice &device = pending(bench, factoryTexts);
+    PluginFixture fixture;
+    HostedDevice &device = pending(fixture, factoryTexts);
     device.setDpiSlotValues(words("200 300 400 500 600"));
     const SlotValues values{200, 300, 400, 500, 600};
-    QCOMPARE(bench.take(), timelineText({requestCall(words("200 300 400 500 600")), settingLine(values),
-                                         sentLine(values), exitLine()}));
+    COMPARE_LINES(fixture.take(), {requestCall(words("200 300 400 500 600")), settingLine(values),
+                                   sentLine(values), exitLine()});
 
     // A confirmation of the first disagrees with the second.
     device.dpiSlotValuesConfirmed(factoryValues.data());
-    QCOMPARE(takeConfirmation(bench), QStringList({settingLine(values), sentLine(values),
-                                                   debugLine(u"dpiSlotValuesConfirmed exit"_s)}));
+    COMPARE_LINES(takeConfirmation(fixture),
+                  {settingLine(values), sentLine(values), debugLine(u"dpiSlotValuesConfirmed exit"_s)});
     device.dpiSlotValuesConfirmed(values.data());
     QCOMPARE(device.device()->dpiSlotValues(), words("200 300 400 500 600"));
     QVERIFY(!device.device()->isDpiSlotValuesChangePending());
@@ -440,22 +437,22 @@ void tst_DpiSlotValues::secondRequestReplacesTheFirst()
 
 void tst_DpiSlotValues::sameValuesAreSentAgain()
 {
-    Bench bench({false, false, false});
-    HostedDevice &device = pending(bench, factoryTexts);
+    PluginFixture fixture({false, false, false});
+    HostedDevice &device = pending(fixture, factoryTexts);
     device.dpiSlotValuesConfirmed(factoryValues.data());
-    bench.take();
+    fixture.take();
     device.setDpiSlotValues(words(factoryTexts));
-    QCOMPARE(bench.take(),
-             timelineText({requestCall(words(factoryTexts)), sentLine(factoryValues), pendingSignal(true)}));
+    COMPARE_LINES(fixture.take(),
+                  {requestCall(words(factoryTexts)), sentLine(factoryValues), pendingSignal(true)});
 }
 
 void tst_DpiSlotValues::confirmationWithNothingPending()
 {
-    Bench bench;
-    HostedDevice &device = ranged(bench);
+    PluginFixture fixture;
+    HostedDevice &device = ranged(fixture);
     device.dpiSlotValuesConfirmed(factoryValues.data());
-    QCOMPARE(takeConfirmation(bench), QStringList{debugLine(u"dpiSlotValuesConfirmed exit"_s)});
-    QCOMPARE(device.device()->dpiSlotValues(), QStringList());
+    COMPARE_LINES(takeConfirmation(fixture), {debugLine(u"dpiSlotValuesConfirmed exit"_s)});
+    COMPARE_LINES(device.device()->dpiSlotValues(), {});
 }
 
 void tst_DpiSlotValues::confirmationThatDisagreesSendsAgain_data()
@@ -471,26 +468,26 @@ void tst_DpiSlotValues::confirmationThatDisagreesSendsAgain_data()
 void tst_DpiSlotValues::confirmationThatDisagreesSendsAgain()
 {
     QFETCH(const int, slot);
-    Bench bench;
-    HostedDevice &device = pending(bench, factoryTexts);
+    PluginFixture fixture;
+    HostedDevice &device = pending(fixture, factoryTexts);
     SlotValues confirmed = factoryValues;
     confirmed.at(static_cast<size_t>(slot)) = 1500;
     device.dpiSlotValuesConfirmed(confirmed.data());
-    QCOMPARE(takeConfirmation(bench), QStringList({settingLine(factoryValues), sentLine(factoryValues),
-                                                   debugLine(u"dpiSlotValuesConfirmed exit"_s)}));
+    COMPARE_LINES(takeConfirmation(fixture), {settingLine(factoryValues), sentLine(factoryValues),
+                                              debugLine(u"dpiSlotValuesConfirmed exit"_s)});
     QVERIFY(device.device()->isDpiSlotValuesChangePending());
-    QCOMPARE(device.device()->dpiSlotValues(), QStringList());
+    COMPARE_LINES(device.device()->dpiSlotValues(), {});
 }
 
 void tst_DpiSlotValues::confirmationRepeatsWithoutLimit()
 {
-    Bench bench({false, false, false});
-    HostedDevice &device = pending(bench, factoryTexts);
+    PluginFixture fixture({false, false, false});
+    HostedDevice &device = pending(fixture, factoryTexts);
     const SlotValues other{1, 1, 1, 1, 1};
     for (int i = 0; i < 1000; ++i) {
         device.dpiSlotValuesConfirmed(other.data());
-        QCOMPARE(bench.take(),
-                 timelineText({u"call dpiSlotValuesConfirmed([1, 1, 1, 1, 1])"_s, sentLine(factoryValues)}));
+        COMPARE_LINES(fixture.take(),
+                      {u"call dpiSlotValuesConfirmed([1, 1, 1, 1, 1])"_s, sentLine(factoryValues)});
     }
     device.dpiSlotValuesConfirmed(factoryValues.data());
     QVERIFY(!device.device()->isDpiSlotValuesChangePending());
@@ -498,81 +495,81 @@ void tst_DpiSlotValues::confirmationRepeatsWithoutLimit()
 
 void tst_DpiSlotValues::refusedRepeatEndsTheRequest()
 {
-    Bench bench;
-    HostedDevice &device = pending(bench, factoryTexts);
-    bench.receiver.answers.acceptsRequests = false;
+    PluginFixture fixture;
+    HostedDevice &device = pending(fixture, factoryTexts);
+    fixture.receiver.answers.acceptsRequests = false;
     const SlotValues other{800, 1600, 2400, 3200, 1};
     device.dpiSlotValuesConfirmed(other.data());
-    QCOMPARE(takeConfirmation(bench),
-             QStringList({settingLine(factoryValues), sentLine(factoryValues, false), refusedLine(),
-                          pendingSignal(false), debugLine(u"dpiSlotValuesConfirmed exit"_s)}));
-    QCOMPARE(device.device()->dpiSlotValues(), QStringList());
+    COMPARE_LINES(takeConfirmation(fixture),
+                  {settingLine(factoryValues), sentLine(factoryValues, false), refusedLine(),
+                   pendingSignal(false), debugLine(u"dpiSlotValuesConfirmed exit"_s)});
+    COMPARE_LINES(device.device()->dpiSlotValues(), {});
 }
 
 void tst_DpiSlotValues::requestedZeroAgreesWithAnything()
 {
-    Bench bench;
-    HostedDevice &device = pending(bench, "800 0 2400 3200 4000");
+    PluginFixture fixture;
+    HostedDevice &device = pending(fixture, "800 0 2400 3200 4000");
     const SlotValues confirmed{800, 1000, 2400, 3200, 4000};
     device.dpiSlotValuesConfirmed(confirmed.data());
-    QCOMPARE(takeConfirmation(bench),
-             changeLines({updatingLine(confirmed), valuesSignal(confirmed)}) +
-                 QStringList({pendingSignal(false), debugLine(u"dpiSlotValuesConfirmed exit"_s)}));
+    COMPARE_LINES(takeConfirmation(fixture),
+                  changeLines({updatingLine(confirmed), valuesSignal(confirmed)}) +
+                      QStringList({pendingSignal(false), debugLine(u"dpiSlotValuesConfirmed exit"_s)}));
     QCOMPARE(device.device()->dpiSlotValues(), words("800 1000 2400 3200 4000"));
 }
 
 void tst_DpiSlotValues::requestedLargestWordMustBeConfirmed()
 {
-    Bench bench({false, false, false});
-    HostedDevice &device = pending(bench, "65535 1600 2400 3200 4000");
+    PluginFixture fixture({false, false, false});
+    HostedDevice &device = pending(fixture, "65535 1600 2400 3200 4000");
     const SlotValues requested{65535, 1600, 2400, 3200, 4000};
     const SlotValues zero{0, 1600, 2400, 3200, 4000};
     device.dpiSlotValuesConfirmed(zero.data());
-    QCOMPARE(bench.take(), timelineText({u"call dpiSlotValuesConfirmed([0, 1600, 2400, 3200, 4000])"_s,
-                                         sentLine(requested)}));
+    COMPARE_LINES(fixture.take(),
+                  {u"call dpiSlotValuesConfirmed([0, 1600, 2400, 3200, 4000])"_s, sentLine(requested)});
     device.dpiSlotValuesConfirmed(requested.data());
     QCOMPARE(device.device()->dpiSlotValues(), words("65535 1600 2400 3200 4000"));
 }
 
 void tst_DpiSlotValues::confirmationOfTheKnownValues()
 {
-    Bench bench;
-    HostedDevice &device = ranged(bench);
+    PluginFixture fixture;
+    HostedDevice &device = ranged(fixture);
     device.dpiSlotValuesChangedCallBack(factoryValues.data());
     device.setDpiSlotValues(words(factoryTexts));
-    bench.take();
+    fixture.take();
     device.dpiSlotValuesConfirmed(factoryValues.data());
-    QCOMPARE(takeConfirmation(bench),
-             changeLines({}) +
-                 QStringList({pendingSignal(false), debugLine(u"dpiSlotValuesConfirmed exit"_s)}));
+    COMPARE_LINES(takeConfirmation(fixture),
+                  changeLines({}) +
+                      QStringList({pendingSignal(false), debugLine(u"dpiSlotValuesConfirmed exit"_s)}));
 }
 
 void tst_DpiSlotValues::confirmationAfterARefusedRequestIsIgnored()
 {
-    Bench bench({false, false, false});
-    HostedDevice &device = pending(bench, factoryTexts);
-    bench.receiver.answers.acceptsRequests = false;
+    PluginFixture fixture({false, false, false});
+    HostedDevice &device = pending(fixture, factoryTexts);
+    fixture.receiver.answers.acceptsRequests = false;
     device.setDpiSlotValues(words("200 300 400 500 600"));
-    bench.take();
+    fixture.take();
     device.dpiSlotValuesConfirmed(factoryValues.data());
-    QCOMPARE(bench.take(), u"call dpiSlotValuesConfirmed([800, 1600, 2400, 3200, 4000])"_s);
-    QCOMPARE(device.device()->dpiSlotValues(), QStringList());
+    COMPARE_LINES(fixture.take(), {u"call dpiSlotValuesConfirmed([800, 1600, 2400, 3200, 4000])"_s});
+    COMPARE_LINES(device.device()->dpiSlotValues(), {});
 }
 
 void tst_DpiSlotValues::storedValuesAreThereInTheSignal()
 {
-    Bench bench({false, false, false});
-    HostedDevice &device = pending(bench, factoryTexts);
+    PluginFixture fixture({false, false, false});
+    HostedDevice &device = pending(fixture, factoryTexts);
     QList<QStringList> seen;
     QList<bool> flags;
-    bench.timeline.setObserver([&](const TimelineEntry &entry) {
+    fixture.timeline.setObserver([&](const TimelineEntry &entry) {
         if (entry.kind == TimelineEntry::Kind::Signal) {
             seen.append(device.device()->dpiSlotValues());
             flags.append(device.device()->isDpiSlotValuesChangePending());
         }
     });
     device.dpiSlotValuesConfirmed(factoryValues.data());
-    bench.timeline.setObserver({});
+    fixture.timeline.setObserver({});
     // The values are stored first, and the request ends only after their signal.
     QCOMPARE(seen, QList<QStringList>({words(factoryTexts), words(factoryTexts)}));
     QCOMPARE(flags, QList<bool>({true, false}));
@@ -580,52 +577,52 @@ void tst_DpiSlotValues::storedValuesAreThereInTheSignal()
 
 void tst_DpiSlotValues::reportUnasked()
 {
-    Bench bench;
-    HostedDevice &device = bench.create();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.create();
     device.dpiSlotValuesChangedCallBack(factoryValues.data());
-    QCOMPARE(bench.take(),
-             timelineText(QStringList{u"call dpiSlotValuesChangedCallBack([800, 1600, 2400, 3200, 4000])"_s} +
-                          changeLines({updatingLine(factoryValues), valuesSignal(factoryValues)})));
+    COMPARE_LINES(fixture.take(),
+                  QStringList{u"call dpiSlotValuesChangedCallBack([800, 1600, 2400, 3200, 4000])"_s} +
+                      changeLines({updatingLine(factoryValues), valuesSignal(factoryValues)}));
     QCOMPARE(device.device()->dpiSlotValues(), words(factoryTexts));
 }
 
 void tst_DpiSlotValues::reportOfTheSameValues()
 {
-    Bench bench;
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
     device.dpiSlotValuesChangedCallBack(factoryValues.data());
-    bench.take();
+    fixture.take();
     device.dpiSlotValuesChangedCallBack(factoryValues.data());
-    QCOMPARE(bench.take(),
-             timelineText(QStringList{u"call dpiSlotValuesChangedCallBack([800, 1600, 2400, 3200, 4000])"_s} +
-                          changeLines({})));
+    COMPARE_LINES(fixture.take(),
+                  QStringList{u"call dpiSlotValuesChangedCallBack([800, 1600, 2400, 3200, 4000])"_s} +
+                      changeLines({}));
 }
 
 void tst_DpiSlotValues::reportWhilePendingLeavesTheRequest()
 {
-    Bench bench;
-    HostedDevice &device = pending(bench, factoryTexts);
+    PluginFixture fixture;
+    HostedDevice &device = pending(fixture, factoryTexts);
     const SlotValues other{1, 2, 3, 4, 5};
     device.dpiSlotValuesChangedCallBack(other.data());
-    QCOMPARE(bench.take(), timelineText(QStringList{u"call dpiSlotValuesChangedCallBack([1, 2, 3, 4, 5])"_s} +
-                                        changeLines({updatingLine(other), valuesSignal(other)})));
+    COMPARE_LINES(fixture.take(), QStringList{u"call dpiSlotValuesChangedCallBack([1, 2, 3, 4, 5])"_s} +
+                                      changeLines({updatingLine(other), valuesSignal(other)}));
     QVERIFY(device.device()->isDpiSlotValuesChangePending());
     QCOMPARE(device.device()->dpiSlotValues(), words("1 2 3 4 5"));
 
     // Even a report of just what was requested is no confirmation.
     device.dpiSlotValuesChangedCallBack(factoryValues.data());
     QVERIFY(device.device()->isDpiSlotValuesChangePending());
-    bench.take();
+    fixture.take();
     device.dpiSlotValuesConfirmed(factoryValues.data());
-    QCOMPARE(takeConfirmation(bench),
-             changeLines({}) +
-                 QStringList({pendingSignal(false), debugLine(u"dpiSlotValuesConfirmed exit"_s)}));
+    COMPARE_LINES(takeConfirmation(fixture),
+                  changeLines({}) +
+                      QStringList({pendingSignal(false), debugLine(u"dpiSlotValuesConfirmed exit"_s)}));
 }
 
 void tst_DpiSlotValues::reportTakesAnyWords()
 {
-    Bench bench({false, false, false});
-    HostedDevice &device = ranged(bench);
+    PluginFixture fixture({false, false, false});
+    HostedDevice &device = ranged(fixture);
     const SlotValues values{0, 1, 65535, 65534, 9000};
     device.dpiSlotValuesChangedCallBack(values.data());
     QCOMPARE(device.device()->dpiSlotValues(), words("0 1 65535 65534 9000"));
@@ -633,52 +630,52 @@ void tst_DpiSlotValues::reportTakesAnyWords()
 
 void tst_DpiSlotValues::valuesStayWhenTheRangeChanges()
 {
-    Bench bench({false, false, false});
-    HostedDevice &device = ranged(bench);
+    PluginFixture fixture({false, false, false});
+    HostedDevice &device = ranged(fixture);
     device.dpiSlotValuesChangedCallBack(factoryValues.data());
-    bench.take();
-    Q_EMIT bench.receiver.dpiMaxChanged(1000);
-    QCOMPARE(bench.take(), u"signal dpiMaxChanged(1000)"_s);
+    fixture.take();
+    Q_EMIT fixture.receiver.dpiMaxChanged(1000);
+    COMPARE_LINES(fixture.take(), {u"signal dpiMaxChanged(1000)"_s});
     QCOMPARE(device.device()->dpiSlotValues(), words(factoryTexts));
 }
 
 void tst_DpiSlotValues::currentDpiDoesNotFollowTheSlotsValue()
 {
-    Bench bench({false, false, false});
-    HostedDevice &device = bench.started();
+    PluginFixture fixture({false, false, false});
+    HostedDevice &device = fixture.started();
     device.dpiValueChangedCallBack(1600);
-    bench.take();
+    fixture.take();
     const SlotValues values{1, 2, 3, 4, 5};
     device.dpiSlotValuesChangedCallBack(values.data());
-    QCOMPARE(bench.take(),
-             timelineText({u"call dpiSlotValuesChangedCallBack([1, 2, 3, 4, 5])"_s, valuesSignal(values)}));
+    COMPARE_LINES(fixture.take(),
+                  {u"call dpiSlotValuesChangedCallBack([1, 2, 3, 4, 5])"_s, valuesSignal(values)});
     QCOMPARE(device.device()->dpiValue(), 1600);
 }
 
 void tst_DpiSlotValues::otherThreadChangesAtOnceAndSignalsLater()
 {
-    Bench bench({false, false, false});
-    HostedDevice &device = ranged(bench);
+    PluginFixture fixture({false, false, false});
+    HostedDevice &device = ranged(fixture);
     OtherThread other;
     other.run([&] { device.setDpiSlotValues(words(factoryTexts)); });
     QVERIFY(device.device()->isDpiSlotValuesChangePending());
-    QCOMPARE(bench.take(), timelineText({requestCall(words(factoryTexts)) + u" on thread 2"_s,
-                                         sentLine(factoryValues) + u" on thread 2"_s}));
+    COMPARE_LINES(fixture.take(), {requestCall(words(factoryTexts)) + u" on thread 2"_s,
+                                   sentLine(factoryValues) + u" on thread 2"_s});
     deliverQueuedCalls();
-    QCOMPARE(bench.take(), pendingSignal(true));
+    COMPARE_LINES(fixture.take(), {pendingSignal(true)});
 
     other.run([&] { device.dpiSlotValuesConfirmed(factoryValues.data()); });
     QCOMPARE(device.device()->dpiSlotValues(), words(factoryTexts));
     QVERIFY(!device.device()->isDpiSlotValuesChangePending());
-    bench.take();
+    fixture.take();
     deliverQueuedCalls();
-    QCOMPARE(bench.take(), timelineText({valuesSignal(factoryValues), pendingSignal(false)}));
+    COMPARE_LINES(fixture.take(), {valuesSignal(factoryValues), pendingSignal(false)});
 }
 
 void tst_DpiSlotValues::otherThreadSignalsCarryTheValueAtDelivery()
 {
-    Bench bench({false, false, false});
-    HostedDevice &device = ranged(bench);
+    PluginFixture fixture({false, false, false});
+    HostedDevice &device = ranged(fixture);
     const SlotValues later{1, 2, 3, 4, 5};
     OtherThread other;
     other.run([&] {
@@ -686,34 +683,34 @@ void tst_DpiSlotValues::otherThreadSignalsCarryTheValueAtDelivery()
         device.dpiSlotValuesConfirmed(factoryValues.data());
         device.dpiSlotValuesChangedCallBack(later.data());
     });
-    bench.take();
+    fixture.take();
     deliverQueuedCalls();
-    QCOMPARE(bench.take(), timelineText({pendingSignal(false), valuesSignal(later), pendingSignal(false),
-                                         valuesSignal(later)}));
+    COMPARE_LINES(fixture.take(),
+                  {pendingSignal(false), valuesSignal(later), pendingSignal(false), valuesSignal(later)});
 }
 
 void tst_DpiSlotValues::reportFromAnotherThreadWhileRequesting()
 {
-    Bench bench({false, false, false});
-    HostedDevice &device = ranged(bench);
+    PluginFixture fixture({false, false, false});
+    HostedDevice &device = ranged(fixture);
     OtherThread other;
-    bench.receiver.duringRequest = [&](const QString &) {
+    fixture.receiver.duringRequest = [&](const QString &) {
         other.run([&] { device.dpiSlotValuesChangedCallBack(factoryValues.data()); });
     };
     device.setDpiSlotValues(words("200 300 400 500 600"));
-    QCOMPARE(bench.take(),
-             timelineText({requestCall(words("200 300 400 500 600")), sentLine({200, 300, 400, 500, 600}),
-                           u"call dpiSlotValuesChangedCallBack([800, 1600, 2400, 3200, 4000]) on thread 2"_s,
-                           pendingSignal(true)}));
+    COMPARE_LINES(fixture.take(),
+                  {requestCall(words("200 300 400 500 600")), sentLine({200, 300, 400, 500, 600}),
+                   u"call dpiSlotValuesChangedCallBack([800, 1600, 2400, 3200, 4000]) on thread 2"_s,
+                   pendingSignal(true)});
     deliverQueuedCalls();
-    QCOMPARE(bench.take(), valuesSignal(factoryValues));
+    COMPARE_LINES(fixture.take(), {valuesSignal(factoryValues)});
     QVERIFY(device.device()->isDpiSlotValuesChangePending());
 }
 
 void tst_DpiSlotValues::requestSurvivesStop()
 {
-    Bench bench({false, false, false});
-    HostedDevice &device = pending(bench, factoryTexts);
+    PluginFixture fixture({false, false, false});
+    HostedDevice &device = pending(fixture, factoryTexts);
     device.stop();
     QVERIFY(device.device()->isDpiSlotValuesChangePending());
     device.dpiSlotValuesConfirmed(factoryValues.data());
@@ -722,12 +719,12 @@ void tst_DpiSlotValues::requestSurvivesStop()
 
 void tst_DpiSlotValues::switchesOff()
 {
-    Bench bench({false, false, false});
-    HostedDevice &device = ranged(bench);
-    bench.receiver.answers.acceptsRequests = false;
+    PluginFixture fixture({false, false, false});
+    HostedDevice &device = ranged(fixture);
+    fixture.receiver.answers.acceptsRequests = false;
     device.setDpiSlotValues(words("800 abc 2400 3200 4000"));
-    QCOMPARE(bench.take(), timelineText({requestCall(words("800 abc 2400 3200 4000")),
-                                         sentLine({800, 0, 2400, 3200, 4000}, false)}));
+    COMPARE_LINES(fixture.take(), {requestCall(words("800 abc 2400 3200 4000")),
+                                   sentLine({800, 0, 2400, 3200, 4000}, false)});
 }
 
 QTEST_GUILESS_MAIN(tst_DpiSlotValues)

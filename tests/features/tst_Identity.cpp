@@ -1,6 +1,6 @@
-#include "Bench.h"
 #include "OtherThread.h"
 #include "PlainPhysicalDevice.h"
+#include "PluginFixture.h"
 #include "TimelineText.h"
 
 #include <QtCore/QCoreApplication>
@@ -35,31 +35,31 @@ private Q_SLOTS:
 
 void tst_Identity::constructionAndDestructionAreLogged()
 {
-    Bench bench;
-    bench.take();
-    HostedDevice &device = bench.createRecorded(Bench::mouse);
-    QCOMPARE(bench.take(), timelineText({u"call createLogicalDevice()"_s, debugLine(u"LogicalDevice enter"_s),
-                                         debugLine(u"LogicalDevice exit"_s)}));
-    bench.destroy(device);
-    QCOMPARE(bench.take(), timelineText({u"call destroyDevice()"_s, debugLine(u"~LogicalDevice enter"_s),
-                                         debugLine(u"~LogicalDevice exit"_s)}));
+    PluginFixture fixture;
+    fixture.take();
+    HostedDevice &device = fixture.createRecorded(PluginFixture::mouse);
+    COMPARE_LINES(fixture.take(), {u"call createLogicalDevice()"_s, debugLine(u"LogicalDevice enter"_s),
+                                   debugLine(u"LogicalDevice exit"_s)});
+    fixture.destroy(device);
+    COMPARE_LINES(fixture.take(), {u"call destroyDevice()"_s, debugLine(u"~LogicalDevice enter"_s),
+                                   debugLine(u"~LogicalDevice exit"_s)});
 }
 
 void tst_Identity::constructionTouchesNothing()
 {
-    Bench bench({false, false, false});
-    HostedDevice &started = bench.started(1);
-    bench.take();
-    bench.createRecorded(2);
-    QCOMPARE(bench.take(), u"call createLogicalDevice()"_s);
+    PluginFixture fixture({false, false, false});
+    HostedDevice &started = fixture.started(1);
+    fixture.take();
+    fixture.createRecorded(2);
+    COMPARE_LINES(fixture.take(), {u"call createLogicalDevice()"_s});
     QCOMPARE(started.device()->instanceNumber(), 0);
-    QCOMPARE(bench.receiver.connectionCount("dpiMinChanged(int)"), 1);
+    QCOMPARE(fixture.receiver.connectionCount("dpiMinChanged(int)"), 1);
 }
 
 void tst_Identity::freshDeviceHoldsTheDefaults()
 {
-    Bench bench;
-    const ILogicalDeviceGen3Mouse &device = *bench.create().device();
+    PluginFixture fixture;
+    const ILogicalDeviceGen3Mouse &device = *fixture.create().device();
     QCOMPARE(device.firmwareVersion(), 0U);
     QCOMPARE(device.instanceNumber(), 1);
     QCOMPARE(device.hasBatteryLevel(), false);
@@ -72,21 +72,21 @@ void tst_Identity::freshDeviceHoldsTheDefaults()
     QCOMPARE(device.dpiMax(), 0);
     QCOMPARE(device.dpiValue(), 0);
     QCOMPARE(device.activeDpiSlotIndex(), 2);
-    QCOMPARE(device.dpiSlotValues(), QStringList());
+    COMPARE_LINES(device.dpiSlotValues(), {});
     QCOMPARE(device.dpiButtonId(), 15);
     QCOMPARE(device.isActiveDpiSlotIndexChangePending(), false);
     QCOMPARE(device.isDpiSlotValuesChangePending(), false);
     QCOMPARE(device.isDpiButtonIdChangePending(), false);
     QCOMPARE(device.reportRate(), 0);
-    QCOMPARE(device.reportRateValues(), QStringList());
+    COMPARE_LINES(device.reportRateValues(), {});
     QCOMPARE(device.isReportRateChangePending(), false);
-    QCOMPARE(bench.create(2).gen3()->ppid(), QString());
+    QCOMPARE(fixture.create(2).gen3()->ppid(), QString());
 }
 
 void tst_Identity::identityStaysTheSame()
 {
-    Bench bench;
-    HostedDevice &hosted = bench.create();
+    PluginFixture fixture;
+    HostedDevice &hosted = fixture.create();
     const QUuid id = hosted.device()->instanceId();
     QVERIFY(!id.isNull());
     QCOMPARE(id.version(), QUuid::Random);
@@ -98,7 +98,7 @@ void tst_Identity::identityStaysTheSame()
         QCOMPARE(device.instanceId(), id);
         QCOMPARE(device.iid(), u"com.orvane.KVX.Plugin.LogicalDevice.RV418"_s);
         QCOMPARE(device.modelCode(), u"RV418"_s);
-        QCOMPARE(device.physicalDevice(), static_cast<IPhysicalDevice *>(&bench.receiver));
+        QCOMPARE(device.physicalDevice(), static_cast<IPhysicalDevice *>(&fixture.receiver));
     };
     verifyIdentity();
     hosted.start();
@@ -109,23 +109,23 @@ void tst_Identity::identityStaysTheSame()
 
 void tst_Identity::everyDeviceHasItsOwnInstanceId()
 {
-    Bench bench;
-    const QUuid one = bench.create(1).device()->instanceId();
-    const QUuid other = bench.create(1).device()->instanceId();
+    PluginFixture fixture;
+    const QUuid one = fixture.create(1).device()->instanceId();
+    const QUuid other = fixture.create(1).device()->instanceId();
     QVERIFY(one != other);
 }
 
 void tst_Identity::fixedAnswersInEveryState()
 {
-    Bench bench;
-    HostedDevice &hosted = bench.create();
+    PluginFixture fixture;
+    HostedDevice &hosted = fixture.create();
     const auto verifyAnswers = [&] {
         const ILogicalDeviceGen3Mouse &device = *hosted.device();
         QCOMPARE(device.query24(), 0);
         QCOMPARE(device.pairedHostName(0), QString());
         QCOMPARE(device.isDPILevelSupported(), false);
         QCOMPARE(device.dpiLevel(), 0);
-        QCOMPARE(device.query30(), QStringList());
+        COMPARE_LINES(device.query30(), {});
         QCOMPARE(device.isDPILevelChangePending(), false);
         QCOMPARE(device.query33(), 0);
         QCOMPARE(device.query35(), false);
@@ -149,17 +149,17 @@ void tst_Identity::fixedAnswersInEveryState()
 
 void tst_Identity::pairedHostNameIsEmptyForAnyIndex()
 {
-    Bench bench;
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
     for (const int index : {0, 1, -1, std::numeric_limits<int>::max(), std::numeric_limits<int>::min()})
         QCOMPARE(device.device()->pairedHostName(index), QString());
 }
 
 void tst_Identity::operationsWithoutEffect()
 {
-    Bench bench;
-    HostedDevice &hosted = bench.started();
-    bench.take();
+    PluginFixture fixture;
+    HostedDevice &hosted = fixture.started();
+    fixture.take();
     ILogicalDeviceGen3Mouse &device = *hosted.device();
     device.setDpiLevel(3);
     device.setDpiValue(800);
@@ -172,7 +172,7 @@ void tst_Identity::operationsWithoutEffect()
     device.notify90();
     device.notify92();
     device.notify93();
-    QCOMPARE(bench.take(), QString());
+    COMPARE_LINES(fixture.take(), {});
     QCOMPARE(device.dpiLevel(), 0);
     QCOMPARE(device.dpiValue(), 0);
     QCOMPARE(device.isScrollInversionEnabled(), false);
@@ -180,44 +180,45 @@ void tst_Identity::operationsWithoutEffect()
 
 void tst_Identity::forwardToPhysicalDevicePassesEverything()
 {
-    Bench bench;
-    PlainPhysicalDevice physicalDevice(bench.timeline);
-    HostedDevice &device = bench.create(&physicalDevice, Bench::mouse);
+    PluginFixture fixture;
+    PlainPhysicalDevice physicalDevice(fixture.timeline);
+    HostedDevice &device = fixture.create(&physicalDevice, PluginFixture::mouse);
     QCOMPARE(device.forwardToPhysicalDevice(11, 22, 33), quintptr(99));
-    QCOMPARE(bench.take(), timelineText({u"call forwardToPhysicalDevice(11, 22, 33) -> 99"_s,
-                                         u"receiver forwardedCall(11, 22, 33) -> 99"_s}));
+    COMPARE_LINES(fixture.take(), {u"call forwardToPhysicalDevice(11, 22, 33) -> 99"_s,
+                                   u"receiver forwardedCall(11, 22, 33) -> 99"_s});
 
     // The same through a receiver, before and after the start.
-    HostedDevice &onReceiver = bench.create();
+    HostedDevice &onReceiver = fixture.create();
     QCOMPARE(onReceiver.forwardToPhysicalDevice(1, 2, 3), quintptr(77));
     onReceiver.start();
-    bench.take();
+    fixture.take();
     QCOMPARE(onReceiver.forwardToPhysicalDevice(4, 5, 6), quintptr(77));
-    QCOMPARE(bench.take(), timelineText({u"call forwardToPhysicalDevice(4, 5, 6) -> 77"_s,
-                                         u"receiver forwardedCall(4, 5, 6) -> 77"_s}));
+    COMPARE_LINES(fixture.take(), {u"call forwardToPhysicalDevice(4, 5, 6) -> 77"_s,
+                                   u"receiver forwardedCall(4, 5, 6) -> 77"_s});
 }
 
 void tst_Identity::query26WithoutReceiver()
 {
-    Bench bench;
-    HostedDevice &device = bench.create();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.create();
     QCOMPARE(device.device()->query26(1, 2, 3), quintptr(0));
-    QCOMPARE(bench.take(), QString());
+    COMPARE_LINES(fixture.take(), {});
 
-    PlainPhysicalDevice physicalDevice(bench.timeline);
-    HostedDevice &other = bench.create(&physicalDevice, Bench::mouse);
+    PlainPhysicalDevice physicalDevice(fixture.timeline);
+    HostedDevice &other = fixture.create(&physicalDevice, PluginFixture::mouse);
     other.start();
-    bench.take();
+    fixture.take();
     QCOMPARE(other.device()->query26(1, 2, 3), quintptr(0));
-    QCOMPARE(bench.take(), QString());
+    COMPARE_LINES(fixture.take(), {});
 }
 
 void tst_Identity::query26ReplacesItsFirstArgument()
 {
-    Bench bench;
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
     QCOMPARE(device.device()->query26(1, 22, 33), quintptr(77));
-    QCOMPARE(bench.take(Timeline::Style::WithDevice), u"receiver [42] forwardedOperation(22, 33) -> 77"_s);
+    COMPARE_LINES(fixture.take(Timeline::Style::WithDevice),
+                  {u"receiver [42] forwardedOperation(22, 33) -> 77"_s});
 }
 
 void tst_Identity::nameIsTranslatable()
@@ -235,11 +236,11 @@ void tst_Identity::nameIsTranslatable()
         }
     };
 
-    Bench bench;
+    PluginFixture fixture;
     Translator translator;
-    HostedDevice &before = bench.create(1);
+    HostedDevice &before = fixture.create(1);
     QCoreApplication::installTranslator(&translator);
-    HostedDevice &during = bench.create(2);
+    HostedDevice &during = fixture.create(2);
     QCoreApplication::removeTranslator(&translator);
     // Translated once, when the device is made.
     QCOMPARE(before.device()->name(), u"Orvane Tessa Mouse"_s);
@@ -248,8 +249,8 @@ void tst_Identity::nameIsTranslatable()
 
 void tst_Identity::gettersAnswerOnAnyThread()
 {
-    Bench bench;
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
     OtherThread other;
     other.run([&] {
         QCOMPARE(device.device()->name(), u"Orvane Tessa Mouse"_s);
@@ -257,7 +258,7 @@ void tst_Identity::gettersAnswerOnAnyThread()
         QCOMPARE(device.device()->reportRate(), 500);
         QCOMPARE(device.device()->firmwareVersion(), 258U);
     });
-    QCOMPARE(bench.take(), QString());
+    COMPARE_LINES(fixture.take(), {});
 }
 
 QTEST_GUILESS_MAIN(tst_Identity)

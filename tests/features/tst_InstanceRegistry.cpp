@@ -1,5 +1,5 @@
-#include "Bench.h"
 #include "OtherThread.h"
+#include "PluginFixture.h"
 #include "TimelineText.h"
 
 #include <QtTest/QTest>
@@ -62,99 +62,97 @@ private Q_SLOTS:
     void twoFactoriesOfOneLibraryShareTheRegistry();
 
 private:
-    static QString take(Bench &bench) { return bench.take(Timeline::Style::WithDevice); }
+    static QStringList take(PluginFixture &fixture) { return fixture.take(Timeline::Style::WithDevice); }
 };
 
 void tst_InstanceRegistry::numberIsOneBeforeStart()
 {
-    Bench bench;
-    QCOMPARE(bench.create(first).device()->instanceNumber(), 1);
-    QCOMPARE(bench.create(second).device()->instanceNumber(), 1);
+    PluginFixture fixture;
+    QCOMPARE(fixture.create(first).device()->instanceNumber(), 1);
+    QCOMPARE(fixture.create(second).device()->instanceNumber(), 1);
 }
 
 void tst_InstanceRegistry::loneDeviceHasNumberZero()
 {
-    Bench bench({false, false, false});
-    HostedDevice &device = bench.create(first);
+    PluginFixture fixture({false, false, false});
+    HostedDevice &device = fixture.create(first);
     device.start();
-    QCOMPARE(take(bench).split(u'\n').last(), announced(first, 0));
+    QCOMPARE(take(fixture).last(), announced(first, 0));
     QCOMPARE(device.device()->instanceNumber(), 0);
 }
 
 void tst_InstanceRegistry::severalAreNumberedInOrderOfStart()
 {
-    Bench bench({false, false, false});
-    HostedDevice &created1 = bench.create(first);
-    HostedDevice &created2 = bench.create(second);
-    HostedDevice &created3 = bench.create(third);
+    PluginFixture fixture({false, false, false});
+    HostedDevice &created1 = fixture.create(first);
+    HostedDevice &created2 = fixture.create(second);
+    HostedDevice &created3 = fixture.create(third);
 
     created2.start();
     created1.start();
-    QCOMPARE(take(bench).split(u'\n').mid(25), QStringList({announced(second, 1), announced(first, 2)}));
+    COMPARE_LINES(take(fixture).mid(25), {announced(second, 1), announced(first, 2)});
     QCOMPARE(created2.device()->instanceNumber(), 1);
     QCOMPARE(created1.device()->instanceNumber(), 2);
     QCOMPARE(created3.device()->instanceNumber(), 1);
 
     created3.start();
-    QCOMPARE(take(bench).split(u'\n').mid(12),
-             QStringList({announced(second, 1), announced(first, 2), announced(third, 3)}));
+    COMPARE_LINES(take(fixture).mid(12), {announced(second, 1), announced(first, 2), announced(third, 3)});
     QCOMPARE(created3.device()->instanceNumber(), 3);
 }
 
 void tst_InstanceRegistry::destroyingTheFirstRenumbersTheOthers()
 {
-    Bench bench({false, false, false});
-    HostedDevice &started1 = bench.started(first);
-    HostedDevice &started2 = bench.started(second);
-    HostedDevice &started3 = bench.started(third);
-    bench.take();
-    bench.destroy(started1);
-    QCOMPARE(take(bench),
-             timelineText({u"call [1] destroyDevice()"_s, announced(second, 1), announced(third, 2)}));
+    PluginFixture fixture({false, false, false});
+    HostedDevice &started1 = fixture.started(first);
+    HostedDevice &started2 = fixture.started(second);
+    HostedDevice &started3 = fixture.started(third);
+    fixture.take();
+    fixture.destroy(started1);
+    COMPARE_LINES(take(fixture), {u"call [1] destroyDevice()"_s, announced(second, 1), announced(third, 2)});
     QCOMPARE(started2.device()->instanceNumber(), 1);
     QCOMPARE(started3.device()->instanceNumber(), 2);
 }
 
 void tst_InstanceRegistry::destroyingOneOfTwoLeavesALoneDevice()
 {
-    Bench bench({false, false, false});
-    HostedDevice &started1 = bench.started(first);
-    HostedDevice &started2 = bench.started(second);
-    bench.take();
-    bench.destroy(started1);
-    QCOMPARE(take(bench), timelineText({u"call [1] destroyDevice()"_s, announced(second, 0)}));
+    PluginFixture fixture({false, false, false});
+    HostedDevice &started1 = fixture.started(first);
+    HostedDevice &started2 = fixture.started(second);
+    fixture.take();
+    fixture.destroy(started1);
+    COMPARE_LINES(take(fixture), {u"call [1] destroyDevice()"_s, announced(second, 0)});
     QCOMPARE(started2.device()->instanceNumber(), 0);
 }
 
 void tst_InstanceRegistry::destroyingANeverStartedDeviceAnnouncesTheOthers()
 {
-    Bench bench;
-    HostedDevice &started1 = bench.started(first);
-    HostedDevice &started2 = bench.started(second);
-    HostedDevice &created = bench.create(third);
-    bench.take();
-    bench.destroy(created);
-    QCOMPARE(take(bench),
-             timelineText({u"call [3] destroyDevice()"_s, debugLine(u"~LogicalDevice enter"_s),
-                           announced(first, 1), announced(second, 2), debugLine(u"~LogicalDevice exit"_s)}));
+    PluginFixture fixture;
+    HostedDevice &started1 = fixture.started(first);
+    HostedDevice &started2 = fixture.started(second);
+    HostedDevice &created = fixture.create(third);
+    fixture.take();
+    fixture.destroy(created);
+    COMPARE_LINES(take(fixture),
+                  {u"call [3] destroyDevice()"_s, debugLine(u"~LogicalDevice enter"_s), announced(first, 1),
+                   announced(second, 2), debugLine(u"~LogicalDevice exit"_s)});
     QCOMPARE(started1.device()->instanceNumber(), 1);
     QCOMPARE(started2.device()->instanceNumber(), 2);
 }
 
 void tst_InstanceRegistry::destroyingANeverStartedDeviceAlone()
 {
-    Bench bench;
-    HostedDevice &created = bench.create(first);
-    bench.destroy(created);
-    QCOMPARE(take(bench), timelineText({u"call [1] destroyDevice()"_s, debugLine(u"~LogicalDevice enter"_s),
-                                        debugLine(u"~LogicalDevice exit"_s)}));
+    PluginFixture fixture;
+    HostedDevice &created = fixture.create(first);
+    fixture.destroy(created);
+    COMPARE_LINES(take(fixture), {u"call [1] destroyDevice()"_s, debugLine(u"~LogicalDevice enter"_s),
+                                  debugLine(u"~LogicalDevice exit"_s)});
 }
 
 void tst_InstanceRegistry::stopKeepsTheNumber()
 {
-    Bench bench;
-    HostedDevice &started1 = bench.started(first);
-    HostedDevice &started2 = bench.started(second);
+    PluginFixture fixture;
+    HostedDevice &started1 = fixture.started(first);
+    HostedDevice &started2 = fixture.started(second);
     started1.stop();
     QCOMPARE(started1.device()->instanceNumber(), 1);
     QCOMPARE(started2.device()->instanceNumber(), 2);
@@ -162,81 +160,80 @@ void tst_InstanceRegistry::stopKeepsTheNumber()
 
 void tst_InstanceRegistry::allGoneStartsAnew()
 {
-    Bench bench({false, false, false});
-    HostedDevice &started1 = bench.started(first);
-    HostedDevice &started2 = bench.started(second);
-    bench.destroy(started2);
-    bench.take();
-    bench.destroy(started1);
-    QCOMPARE(take(bench), u"call [1] destroyDevice()"_s);
-    QCOMPARE(bench.started(third).device()->instanceNumber(), 0);
+    PluginFixture fixture({false, false, false});
+    HostedDevice &started1 = fixture.started(first);
+    HostedDevice &started2 = fixture.started(second);
+    fixture.destroy(started2);
+    fixture.take();
+    fixture.destroy(started1);
+    COMPARE_LINES(take(fixture), {u"call [1] destroyDevice()"_s});
+    QCOMPARE(fixture.started(third).device()->instanceNumber(), 0);
 }
 
 void tst_InstanceRegistry::announcementsGoToEachDevicesThread()
 {
-    Bench bench({false, false, false});
-    HostedDevice &started1 = bench.started(first);
-    HostedDevice &created2 = bench.create(second);
-    bench.take();
+    PluginFixture fixture({false, false, false});
+    HostedDevice &started1 = fixture.started(first);
+    HostedDevice &created2 = fixture.create(second);
+    fixture.take();
     OtherThread other;
     other.run([&] { created2.start(); });
 
     // The numbers are there at once, the announcements wait for the devices' thread.
     QCOMPARE(started1.device()->instanceNumber(), 1);
     QCOMPARE(created2.device()->instanceNumber(), 2);
-    QVERIFY(!take(bench).contains(u"instanceNumberChanged"_s));
+    QVERIFY(!take(fixture).contains(u"instanceNumberChanged"_s));
     deliverQueuedCalls();
-    QCOMPARE(take(bench), timelineText({announced(first, 1), announced(second, 2)}));
+    COMPARE_LINES(take(fixture), {announced(first, 1), announced(second, 2)});
 }
 
 void tst_InstanceRegistry::announcementFromAnotherThreadCarriesTheNumberAtDelivery()
 {
-    Bench bench({false, false, false});
-    HostedDevice &created1 = bench.create(first);
-    HostedDevice &created2 = bench.create(second);
+    PluginFixture fixture({false, false, false});
+    HostedDevice &created1 = fixture.create(first);
+    HostedDevice &created2 = fixture.create(second);
     OtherThread other;
     other.run([&] {
         created1.start();
         created2.start();
     });
-    bench.take();
+    fixture.take();
     deliverQueuedCalls();
-    QCOMPARE(take(bench), timelineText({announced(first, 1), announced(first, 1), announced(second, 2)}));
+    COMPARE_LINES(take(fixture), {announced(first, 1), announced(first, 1), announced(second, 2)});
 }
 
 void tst_InstanceRegistry::queuedAnnouncementDiesWithItsDevice()
 {
-    Bench bench({false, false, false});
-    HostedDevice &created1 = bench.create(first);
+    PluginFixture fixture({false, false, false});
+    HostedDevice &created1 = fixture.create(first);
     OtherThread other;
     other.run([&] { created1.start(); });
-    bench.destroy(created1);
-    bench.take();
+    fixture.destroy(created1);
+    fixture.take();
     deliverQueuedCalls();
-    QCOMPARE(take(bench), QString());
+    COMPARE_LINES(take(fixture), {});
 }
 
 void tst_InstanceRegistry::secondStartRegistersTwice()
 {
     // Deleting the device undoes one of its two registrations, so it is deleted last and the library unloaded
     // behind it.
-    Bench bench({false, false, false});
-    HostedDevice &twice = bench.started(first);
+    PluginFixture fixture({false, false, false});
+    HostedDevice &twice = fixture.started(first);
     QCOMPARE(twice.device()->instanceNumber(), 0);
-    bench.take();
+    fixture.take();
     twice.start();
-    QCOMPARE(take(bench).split(u'\n').mid(12), QStringList({announced(first, 2), announced(first, 2)}));
+    COMPARE_LINES(take(fixture).mid(12), {announced(first, 2), announced(first, 2)});
     QCOMPARE(twice.device()->instanceNumber(), 2);
 
-    HostedDevice &other = bench.started(second);
+    HostedDevice &other = fixture.started(second);
     QCOMPARE(other.device()->instanceNumber(), 3);
-    bench.take();
-    bench.destroy(other);
-    QCOMPARE(take(bench),
-             timelineText({u"call [2] destroyDevice()"_s, announced(first, 2), announced(first, 2)}));
-    bench.destroy(twice);
+    fixture.take();
+    fixture.destroy(other);
+    COMPARE_LINES(take(fixture), {u"call [2] destroyDevice()"_s, announced(first, 2), announced(first, 2)});
+    fixture.destroy(twice);
     // The entry that stays is announced by the device that is going.
-    QCOMPARE(take(bench), timelineText({u"call [1] destroyDevice()"_s, announced(first, 0)}));
+    COMPARE_LINES(take(fixture), {u"call [1] destroyDevice()"_s, announced(first, 0)});
 }
 
 void tst_InstanceRegistry::numbersAreReadUnderTheLock()
@@ -244,8 +241,8 @@ void tst_InstanceRegistry::numbersAreReadUnderTheLock()
     // On the device's thread the announcement is made with the lock held: a reader in another thread gets its
     // answer only afterwards. The reader is let go by the announcement itself and must not have finished when
     // the slot returns to the registry, however long the slot waits.
-    Bench bench({false, false, false});
-    HostedDevice &device = bench.create(first);
+    PluginFixture fixture({false, false, false});
+    HostedDevice &device = fixture.create(first);
     std::atomic<bool> hasRead{false};
     bool hadReadDuringAnnouncement = true;
     std::unique_ptr<QThread> reader;
@@ -265,9 +262,9 @@ void tst_InstanceRegistry::numbersAreReadUnderTheLock()
 
 void tst_InstanceRegistry::twoFactoriesOfOneLibraryShareTheRegistry()
 {
-    Bench bench({false, false, false});
-    HostedDevice &started1 = bench.started(first);
-    Bench another({false, false, false});
+    PluginFixture fixture({false, false, false});
+    HostedDevice &started1 = fixture.started(first);
+    PluginFixture another({false, false, false});
     HostedDevice &started2 = another.started(second);
     QCOMPARE(started1.device()->instanceNumber(), 1);
     QCOMPARE(started2.device()->instanceNumber(), 2);

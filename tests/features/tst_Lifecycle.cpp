@@ -1,6 +1,6 @@
-#include "Bench.h"
 #include "OtherThread.h"
 #include "PlainPhysicalDevice.h"
+#include "PluginFixture.h"
 #include "TimelineText.h"
 
 #include <QtCore/QDir>
@@ -63,18 +63,18 @@ private Q_SLOTS:
 
 void tst_Lifecycle::startBindsTheReceiverInOrder()
 {
-    Bench bench;
-    HostedDevice &device = bench.create();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.create();
     QVERIFY(device.start());
-    QCOMPARE(bench.take(), timelineText(wholeStart(wholeBinding(), u"signal instanceNumberChanged(0)"_s)));
+    COMPARE_LINES(fixture.take(), wholeStart(wholeBinding(), u"signal instanceNumberChanged(0)"_s));
 }
 
 void tst_Lifecycle::startReadsTheValues()
 {
-    Bench bench;
-    bench.receiver.answers.firmwareVersion = 0xfedcba98U;
-    bench.receiver.answers.batteryLevel = -7;
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    fixture.receiver.answers.firmwareVersion = 0xfedcba98U;
+    fixture.receiver.answers.batteryLevel = -7;
+    HostedDevice &device = fixture.started();
     QCOMPARE(device.device()->firmwareVersion(), 0xfedcba98U);
     QCOMPARE(device.device()->hasBatteryLevel(), true);
     QCOMPARE(device.device()->batteryLevel(), -7);
@@ -88,13 +88,13 @@ void tst_Lifecycle::startReadsTheValues()
 void tst_Lifecycle::everyOperationCarriesTheDeviceId()
 {
     constexpr DeviceId largeId = 0xfedcba9876543210U;
-    Bench bench;
-    HostedDevice &device = bench.create(largeId);
+    PluginFixture fixture;
+    HostedDevice &device = fixture.create(largeId);
     device.start();
     device.setReportRate(250);
     device.query26(1, 2, 3);
 
-    const QList<TimelineEntry> entries = bench.timeline.entries();
+    const QList<TimelineEntry> entries = fixture.timeline.entries();
     int receiverCalls = 0;
     for (const TimelineEntry &entry : entries) {
         if (entry.kind != TimelineEntry::Kind::Receiver)
@@ -107,29 +107,29 @@ void tst_Lifecycle::everyOperationCarriesTheDeviceId()
 
 void tst_Lifecycle::startIgnoresTheAnswersOfTheStateRequests()
 {
-    Bench bench;
-    bench.receiver.answers.acceptsRequests = false;
-    HostedDevice &device = bench.create();
+    PluginFixture fixture;
+    fixture.receiver.answers.acceptsRequests = false;
+    HostedDevice &device = fixture.create();
     QVERIFY(device.start());
     QStringList binding = wholeBinding();
     binding.replaceInStrings(u"requestInitialState1() -> true"_s, u"requestInitialState1() -> false"_s);
     binding.replaceInStrings(u"requestInitialState2() -> true"_s, u"requestInitialState2() -> false"_s);
     binding.replaceInStrings(u"requestInitialState3() -> true"_s, u"requestInitialState3() -> false"_s);
-    QCOMPARE(bench.take(), timelineText(wholeStart(binding, u"signal instanceNumberChanged(0)"_s)));
+    COMPARE_LINES(fixture.take(), wholeStart(binding, u"signal instanceNumberChanged(0)"_s));
 }
 
 void tst_Lifecycle::receiverWithoutBatteryIsNotAskedForItsLevel()
 {
-    Bench bench;
-    bench.receiver.answers.hasBatteryLevel = false;
-    bench.receiver.answers.isSmartPointerSupported = false;
-    HostedDevice &device = bench.create();
+    PluginFixture fixture;
+    fixture.receiver.answers.hasBatteryLevel = false;
+    fixture.receiver.answers.isSmartPointerSupported = false;
+    HostedDevice &device = fixture.create();
     device.start();
     QStringList binding = wholeBinding();
     binding.removeAll(u"receiver getBatteryLevel() -> 80"_s);
     binding.replaceInStrings(u"hasBatteryLevel() -> true"_s, u"hasBatteryLevel() -> false"_s);
     binding.replaceInStrings(u"isSmartPointerSupported() -> true"_s, u"isSmartPointerSupported() -> false"_s);
-    QCOMPARE(bench.take(), timelineText(wholeStart(binding, u"signal instanceNumberChanged(0)"_s)));
+    COMPARE_LINES(fixture.take(), wholeStart(binding, u"signal instanceNumberChanged(0)"_s));
     QVERIFY(!device.device()->hasBatteryLevel());
     QCOMPARE(device.device()->batteryLevel(), -1);
     QVERIFY(!device.device()->isSmartPointerSupported());
@@ -137,13 +137,13 @@ void tst_Lifecycle::receiverWithoutBatteryIsNotAskedForItsLevel()
 
 void tst_Lifecycle::physicalDeviceThatIsNoReceiver()
 {
-    Bench bench;
-    PlainPhysicalDevice physicalDevice(bench.timeline);
-    HostedDevice &device = bench.create(&physicalDevice, Bench::mouse);
+    PluginFixture fixture;
+    PlainPhysicalDevice physicalDevice(fixture.timeline);
+    HostedDevice &device = fixture.create(&physicalDevice, PluginFixture::mouse);
     QVERIFY(device.start());
-    QCOMPARE(bench.take(),
-             timelineText(wholeStart({warningLine(u"Unable to get IPhysicalDeviceDongle interface"_s)},
-                                     u"signal instanceNumberChanged(0)"_s)));
+    COMPARE_LINES(fixture.take(),
+                  wholeStart({warningLine(u"Unable to get IPhysicalDeviceDongle interface"_s)},
+                             u"signal instanceNumberChanged(0)"_s));
     QCOMPARE(device.device()->firmwareVersion(), 0U);
     QCOMPARE(device.device()->hasBatteryLevel(), false);
     QCOMPARE(device.device()->batteryLevel(), -1);
@@ -152,43 +152,43 @@ void tst_Lifecycle::physicalDeviceThatIsNoReceiver()
     QCOMPARE(device.device()->levelValue(), 0);
     QCOMPARE(device.device()->isSmartPointerSupported(), false);
     QCOMPARE(device.device()->reportRate(), 0);
-    QCOMPARE(device.device()->reportRateValues(), QStringList());
+    COMPARE_LINES(device.device()->reportRateValues(), {});
 }
 
 void tst_Lifecycle::noPhysicalDeviceAtAll()
 {
-    Bench bench;
-    HostedDevice &device = bench.create(nullptr, Bench::mouse);
+    PluginFixture fixture;
+    HostedDevice &device = fixture.create(nullptr, PluginFixture::mouse);
     QVERIFY(device.start());
-    QCOMPARE(bench.take(),
-             timelineText(wholeStart({warningLine(u"Unable to get IPhysicalDeviceDongle interface"_s)},
-                                     u"signal instanceNumberChanged(0)"_s)));
+    COMPARE_LINES(fixture.take(),
+                  wholeStart({warningLine(u"Unable to get IPhysicalDeviceDongle interface"_s)},
+                             u"signal instanceNumberChanged(0)"_s));
     QCOMPARE(device.device()->physicalDevice(), nullptr);
 }
 
 void tst_Lifecycle::noReceiverWarningNeedsItsSwitch()
 {
-    Bench bench({true, false, true});
-    HostedDevice &device = bench.create(nullptr, Bench::mouse);
+    PluginFixture fixture({true, false, true});
+    HostedDevice &device = fixture.create(nullptr, PluginFixture::mouse);
     device.start();
-    QCOMPARE(bench.take(), timelineText(wholeStart({}, u"signal instanceNumberChanged(0)"_s)));
+    COMPARE_LINES(fixture.take(), wholeStart({}, u"signal instanceNumberChanged(0)"_s));
 }
 
 void tst_Lifecycle::receiverSignalsAreConnectedBeforeTheStateIsRequested()
 {
-    Bench bench;
-    HostedDevice &device = bench.create();
-    bench.receiver.duringRequest = [&](const QString &operation) {
+    PluginFixture fixture;
+    HostedDevice &device = fixture.create();
+    fixture.receiver.duringRequest = [&](const QString &operation) {
         if (operation == u"requestInitialState1"_s) {
-            Q_EMIT bench.receiver.dpiMinChanged(100);
-            Q_EMIT bench.receiver.dpiMaxChanged(8000);
+            Q_EMIT fixture.receiver.dpiMinChanged(100);
+            Q_EMIT fixture.receiver.dpiMaxChanged(8000);
         }
     };
     device.start();
     QCOMPARE(device.device()->dpiMin(), 100);
     QCOMPARE(device.device()->dpiMax(), 8000);
 
-    Bench late;
+    PluginFixture late;
     HostedDevice &other = late.create();
     Q_EMIT late.receiver.dpiMinChanged(100);
     QCOMPARE(other.device()->dpiMin(), 0);
@@ -196,124 +196,122 @@ void tst_Lifecycle::receiverSignalsAreConnectedBeforeTheStateIsRequested()
 
 void tst_Lifecycle::receiverSignalsFromAnotherThreadAreQueued()
 {
-    Bench bench;
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
     OtherThread other;
-    other.run([&] { Q_EMIT bench.receiver.dpiMinChanged(200); });
+    other.run([&] { Q_EMIT fixture.receiver.dpiMinChanged(200); });
     QCOMPARE(device.device()->dpiMin(), 0);
-    QCOMPARE(bench.take(), QString());
+    COMPARE_LINES(fixture.take(), {});
     deliverQueuedCalls();
     QCOMPARE(device.device()->dpiMin(), 200);
-    QCOMPARE(bench.take(),
-             timelineText({debugLine(u"Updating dpiMin :  200"_s), u"signal dpiMinChanged(200)"_s}));
+    COMPARE_LINES(fixture.take(), {debugLine(u"Updating dpiMin :  200"_s), u"signal dpiMinChanged(200)"_s});
 }
 
 void tst_Lifecycle::secondStartConnectsTwice()
 {
-    Bench bench;
-    HostedDevice &device = bench.started();
-    QCOMPARE(bench.receiver.connectionCount("dpiMinChanged(int)"), 1);
-    QCOMPARE(bench.receiver.connectionCount("dpiMaxChanged(int)"), 1);
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
+    QCOMPARE(fixture.receiver.connectionCount("dpiMinChanged(int)"), 1);
+    QCOMPARE(fixture.receiver.connectionCount("dpiMaxChanged(int)"), 1);
     device.start();
-    QCOMPARE(bench.receiver.connectionCount("dpiMinChanged(int)"), 2);
-    QCOMPARE(bench.receiver.connectionCount("dpiMaxChanged(int)"), 2);
-    bench.take();
+    QCOMPARE(fixture.receiver.connectionCount("dpiMinChanged(int)"), 2);
+    QCOMPARE(fixture.receiver.connectionCount("dpiMaxChanged(int)"), 2);
+    fixture.take();
 
     // The change arrives twice, and the second arrival finds nothing new.
-    Q_EMIT bench.receiver.dpiMaxChanged(3000);
-    QCOMPARE(bench.take(),
-             timelineText({debugLine(u"Updating dpiMax :  3000"_s), u"signal dpiMaxChanged(3000)"_s}));
+    Q_EMIT fixture.receiver.dpiMaxChanged(3000);
+    COMPARE_LINES(fixture.take(), {debugLine(u"Updating dpiMax :  3000"_s), u"signal dpiMaxChanged(3000)"_s});
 }
 
 void tst_Lifecycle::startFromAnotherThread()
 {
-    Bench bench;
-    HostedDevice &device = bench.create();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.create();
     OtherThread other;
     other.run([&] { device.start(); });
     QStringList expected = wholeStart(wholeBinding(), QString());
     expected.removeAll(QString());
     for (QString &line : expected)
         line += u" on thread 2"_s;
-    QCOMPARE(bench.take(), timelineText(expected));
+    COMPARE_LINES(fixture.take(), expected);
     deliverQueuedCalls();
-    QCOMPARE(bench.take(), u"signal instanceNumberChanged(0)"_s);
+    COMPARE_LINES(fixture.take(), {u"signal instanceNumberChanged(0)"_s});
 }
 
 void tst_Lifecycle::stopSignalsTheDeviceItself()
 {
-    Bench bench;
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
     device.stop();
-    QCOMPARE(bench.take(), timelineText({u"call stop()"_s, debugLine(u"stop enter"_s),
-                                         u"signal stopped(\"this\")"_s, debugLine(u"stop exit"_s)}));
+    COMPARE_LINES(fixture.take(), {u"call stop()"_s, debugLine(u"stop enter"_s),
+                                   u"signal stopped(\"this\")"_s, debugLine(u"stop exit"_s)});
 }
 
 void tst_Lifecycle::stopLeavesEverythingElse()
 {
-    Bench bench;
-    HostedDevice &device = bench.started();
-    HostedDevice &second = bench.started(7);
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
+    HostedDevice &second = fixture.started(7);
     device.stop();
-    bench.take();
+    fixture.take();
     QCOMPARE(device.device()->instanceNumber(), 1);
     QCOMPARE(second.device()->instanceNumber(), 2);
     QCOMPARE(device.device()->firmwareVersion(), 258U);
-    QCOMPARE(bench.receiver.connectionCount("dpiMinChanged(int)"), 2);
+    QCOMPARE(fixture.receiver.connectionCount("dpiMinChanged(int)"), 2);
 
-    Q_EMIT bench.receiver.dpiMinChanged(150);
+    Q_EMIT fixture.receiver.dpiMinChanged(150);
     QCOMPARE(device.device()->dpiMin(), 150);
-    bench.take();
+    fixture.take();
     device.setReportRate(250);
-    QVERIFY(bench.take().contains(u"receiver setReportRate(250) -> true"_s));
+    QVERIFY(fixture.take().contains(u"receiver setReportRate(250) -> true"_s));
 }
 
 void tst_Lifecycle::stopBeforeStart()
 {
-    Bench bench;
-    HostedDevice &device = bench.create();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.create();
     device.stop();
     device.stop();
     const QStringList once{u"call stop()"_s, debugLine(u"stop enter"_s), u"signal stopped(\"this\")"_s,
                            debugLine(u"stop exit"_s)};
-    QCOMPARE(bench.take(), timelineText(once + once));
+    COMPARE_LINES(fixture.take(), once + once);
 }
 
 void tst_Lifecycle::stoppedIsEmittedOnTheCallingThread()
 {
-    Bench bench;
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
     OtherThread other;
     other.run([&] { device.stop(); });
-    QCOMPARE(bench.take(), timelineText({u"call stop() on thread 2"_s, debugLine(u"stop enter on thread 2"_s),
-                                         u"signal stopped(\"this\") on thread 2"_s,
-                                         debugLine(u"stop exit on thread 2"_s)}));
+    COMPARE_LINES(fixture.take(),
+                  {u"call stop() on thread 2"_s, debugLine(u"stop enter on thread 2"_s),
+                   u"signal stopped(\"this\") on thread 2"_s, debugLine(u"stop exit on thread 2"_s)});
 }
 
 void tst_Lifecycle::receiverDestroyedFirstDropsTheConnections()
 {
-    Bench bench;
-    auto receiver = std::make_unique<FakeReceiver>(bench.timeline);
-    HostedDevice &device = bench.create(receiver.get(), Bench::mouse);
+    PluginFixture fixture;
+    auto receiver = std::make_unique<FakeReceiver>(fixture.timeline);
+    HostedDevice &device = fixture.create(receiver.get(), PluginFixture::mouse);
     device.start();
     receiver.reset();
-    bench.take();
+    fixture.take();
     QCOMPARE(device.device()->firmwareVersion(), 258U);
-    bench.destroy(device);
-    QCOMPARE(bench.take(), timelineText({u"call destroyDevice()"_s, debugLine(u"~LogicalDevice enter"_s),
-                                         debugLine(u"~LogicalDevice exit"_s)}));
+    fixture.destroy(device);
+    COMPARE_LINES(fixture.take(), {u"call destroyDevice()"_s, debugLine(u"~LogicalDevice enter"_s),
+                                   debugLine(u"~LogicalDevice exit"_s)});
 }
 
 void tst_Lifecycle::deviceDestroyedFirstDropsTheConnections()
 {
-    Bench bench;
-    HostedDevice &device = bench.started();
-    bench.destroy(device);
-    QCOMPARE(bench.receiver.connectionCount("dpiMinChanged(int)"), 0);
-    QCOMPARE(bench.receiver.connectionCount("dpiMaxChanged(int)"), 0);
-    bench.take();
-    Q_EMIT bench.receiver.dpiMinChanged(100);
-    QCOMPARE(bench.take(), QString());
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
+    fixture.destroy(device);
+    QCOMPARE(fixture.receiver.connectionCount("dpiMinChanged(int)"), 0);
+    QCOMPARE(fixture.receiver.connectionCount("dpiMaxChanged(int)"), 0);
+    fixture.take();
+    Q_EMIT fixture.receiver.dpiMinChanged(100);
+    COMPARE_LINES(fixture.take(), {});
 }
 
 void tst_Lifecycle::libraryUnderAnotherNameIsReported_data()
@@ -328,11 +326,11 @@ void tst_Lifecycle::libraryUnderAnotherNameIsReported()
     QFETCH(const bool, isCriticalEnabled);
     QTemporaryDir folder;
     const QString copy =
-        folder.filePath(u"renamed"_s + Bench::builtPluginFile().section(u'.', -1).prepend(u'.'));
-    QVERIFY(QFile::copy(Bench::builtPluginFile(), copy));
+        folder.filePath(u"renamed"_s + PluginFixture::builtPluginFile().section(u'.', -1).prepend(u'.'));
+    QVERIFY(QFile::copy(PluginFixture::builtPluginFile(), copy));
 
-    Bench bench({false, false, isCriticalEnabled}, copy);
-    HostedDevice &device = bench.create();
+    PluginFixture fixture({false, false, isCriticalEnabled}, copy);
+    HostedDevice &device = fixture.create();
     QVERIFY(!device.start());
 
     // Bound and registered all the same.
@@ -343,7 +341,7 @@ void tst_Lifecycle::libraryUnderAnotherNameIsReported()
                    expected.end());
     if (isCriticalEnabled)
         expected += criticalLine(u"GetModuleHandleA failed, gle : \"0x7e\""_s);
-    QCOMPARE(bench.take(), timelineText(expected));
+    COMPARE_LINES(fixture.take(), expected);
     QCOMPARE(device.device()->firmwareVersion(), 258U);
     QCOMPARE(device.device()->instanceNumber(), 0);
 }
@@ -353,11 +351,11 @@ void tst_Lifecycle::libraryInAFolderWithBlanksAndUmlauts()
     QTemporaryDir folder;
     const QString name = u"Geräte Ordner Ω"_s;
     QVERIFY(QDir(folder.path()).mkdir(name));
-    const QString copy = folder.filePath(name + u'/' + Bench::builtPluginFile().section(u'/', -1));
-    QVERIFY(QFile::copy(Bench::builtPluginFile(), copy));
+    const QString copy = folder.filePath(name + u'/' + PluginFixture::builtPluginFile().section(u'/', -1));
+    QVERIFY(QFile::copy(PluginFixture::builtPluginFile(), copy));
 
-    Bench bench({true, true, true}, copy);
-    QVERIFY(bench.create().start());
+    PluginFixture fixture({true, true, true}, copy);
+    QVERIFY(fixture.create().start());
 }
 
 QTEST_GUILESS_MAIN(tst_Lifecycle)

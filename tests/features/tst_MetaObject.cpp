@@ -1,5 +1,5 @@
-#include "Bench.h"
 #include "OtherThread.h"
+#include "PluginFixture.h"
 #include "TimelineText.h"
 
 #include <QtCore/QMetaMethod>
@@ -114,8 +114,8 @@ private Q_SLOTS:
 
 void tst_MetaObject::classHasNothingBesideItsMethods()
 {
-    Bench bench;
-    const QMetaObject *metaObject = bench.create().object()->metaObject();
+    PluginFixture fixture;
+    const QMetaObject *metaObject = fixture.create().object()->metaObject();
     QCOMPARE(QByteArray(metaObject->className()), QByteArray("LogicalDevice"));
     QCOMPARE(metaObject->superClass(), &QObject::staticMetaObject);
     QCOMPARE(metaObject->propertyCount() - metaObject->propertyOffset(), 0);
@@ -127,21 +127,21 @@ void tst_MetaObject::classHasNothingBesideItsMethods()
 
 void tst_MetaObject::methodsStandInOrder()
 {
-    Bench bench;
-    const QMetaObject *metaObject = bench.create().object()->metaObject();
+    PluginFixture fixture;
+    const QMetaObject *metaObject = fixture.create().object()->metaObject();
     QStringList actual;
     for (int i = metaObject->methodOffset(); i < metaObject->methodCount(); ++i)
         actual.append(methodText(metaObject->method(i)));
     QStringList expected;
     for (const char *method : methodTable)
         expected.append(QString::fromLatin1(method));
-    QCOMPARE(actual.join(u'\n'), expected.join(u'\n'));
+    COMPARE_LINES(actual, expected);
 }
 
 void tst_MetaObject::everyMethodReturnsVoid()
 {
-    Bench bench;
-    const QMetaObject *metaObject = bench.create().object()->metaObject();
+    PluginFixture fixture;
+    const QMetaObject *metaObject = fixture.create().object()->metaObject();
     for (int i = 0; i < methodCount; ++i) {
         const QMetaMethod method = metaObject->method(ownIndex(metaObject, i));
         QCOMPARE(QByteArray(method.typeName()), QByteArray("void"));
@@ -152,8 +152,8 @@ void tst_MetaObject::everyMethodReturnsVoid()
 
 void tst_MetaObject::parameterTypesAreRegistered()
 {
-    Bench bench;
-    const QMetaObject *metaObject = bench.create().object()->metaObject();
+    PluginFixture fixture;
+    const QMetaObject *metaObject = fixture.create().object()->metaObject();
     for (int i = 0; i < methodCount; ++i) {
         const QMetaMethod method = metaObject->method(ownIndex(metaObject, i));
         for (int parameter = 0; parameter < method.parameterCount(); ++parameter) {
@@ -191,8 +191,8 @@ void tst_MetaObject::everySignalReachesItsEmitter()
 {
     QFETCH(const int, index);
     QFETCH(const QString, expected);
-    Bench bench;
-    HostedDevice &device = bench.create();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.create();
     const QMetaObject *metaObject = device.object()->metaObject();
     const QMetaMethod method = metaObject->method(ownIndex(metaObject, index));
 
@@ -221,13 +221,13 @@ void tst_MetaObject::everySignalReachesItsEmitter()
     const int rest =
         device.object()->qt_metacall(QMetaObject::InvokeMetaMethod, ownIndex(metaObject, index), arguments);
     QVERIFY(rest < 0);
-    QCOMPARE(bench.take(), expected);
+    COMPARE_LINES(fixture.take(), {expected});
 }
 
 void tst_MetaObject::everyVirtualSignalReachesTheSameEmitter()
 {
-    Bench bench;
-    HostedDevice &hosted = bench.create();
+    PluginFixture fixture;
+    HostedDevice &hosted = fixture.create();
     ILogicalDeviceGen3Mouse &device = *hosted.device();
     device.stopped(&device);
     device.firmwareVersionChanged(16);
@@ -258,52 +258,51 @@ void tst_MetaObject::everyVirtualSignalReachesTheSameEmitter()
     device.isScrollInversionEnabledChanged(true);
     device.isScrollInversionEnabledChangePendingChanged(false);
     hosted.gen3()->ppidChanged(u"G3 3"_s);
-    QCOMPARE(bench.take(), timelineText({u"signal stopped(\"this\")"_s,
-                                         u"signal firmwareVersionChanged(16)"_s,
-                                         u"signal instanceNumberChanged(45)"_s,
-                                         u"signal batteryLevelChanged(46)"_s,
-                                         u"signal pairedHostNameChanged(47, \"host\")"_s,
-                                         u"signal dpiLevelChanged(48)"_s,
-                                         u"signal isDPILevelChangePendingChanged(true)"_s,
-                                         u"signal isDPILevelSupportedChanged(false)"_s,
-                                         u"signal isSmartPointerSupportedChanged(true)"_s,
-                                         u"signal chargingStatusAndStateChanged(52)"_s,
-                                         u"signal dpiValueChanged(94)"_s,
-                                         u"signal dpiMinChanged(95)"_s,
-                                         u"signal dpiMaxChanged(96)"_s,
-                                         u"signal dpiDeltaChanged(97)"_s,
-                                         u"signal isDPIValueChangePendingChanged(false)"_s,
-                                         u"signal isDPIValueSupportedChanged(true)"_s,
-                                         u"signal activeDpiSlotIndexChanged(100)"_s,
-                                         u"signal dpiSlotValuesChanged([\"101\"])"_s,
-                                         u"signal dpiButtonIdChanged(102)"_s,
-                                         u"signal isActiveDpiSlotIndexChangePendingChanged(false)"_s,
-                                         u"signal isDpiSlotValuesChangePendingChanged(true)"_s,
-                                         u"signal isDpiButtonIdChangePendingChanged(false)"_s,
-                                         u"signal reportRateChanged(106)"_s,
-                                         u"signal reportRateValuesChanged([\"107\"])"_s,
-                                         u"signal isReportRateChangePendingChanged(true)"_s,
-                                         u"signal isReportRateSupportedChanged(false)"_s,
-                                         u"signal isScrollInversionEnabledChanged(true)"_s,
-                                         u"signal isScrollInversionEnabledChangePendingChanged(false)"_s,
-                                         u"signal ppidChanged(\"G3 3\")"_s}));
+    COMPARE_LINES(fixture.take(), {u"signal stopped(\"this\")"_s,
+                                   u"signal firmwareVersionChanged(16)"_s,
+                                   u"signal instanceNumberChanged(45)"_s,
+                                   u"signal batteryLevelChanged(46)"_s,
+                                   u"signal pairedHostNameChanged(47, \"host\")"_s,
+                                   u"signal dpiLevelChanged(48)"_s,
+                                   u"signal isDPILevelChangePendingChanged(true)"_s,
+                                   u"signal isDPILevelSupportedChanged(false)"_s,
+                                   u"signal isSmartPointerSupportedChanged(true)"_s,
+                                   u"signal chargingStatusAndStateChanged(52)"_s,
+                                   u"signal dpiValueChanged(94)"_s,
+                                   u"signal dpiMinChanged(95)"_s,
+                                   u"signal dpiMaxChanged(96)"_s,
+                                   u"signal dpiDeltaChanged(97)"_s,
+                                   u"signal isDPIValueChangePendingChanged(false)"_s,
+                                   u"signal isDPIValueSupportedChanged(true)"_s,
+                                   u"signal activeDpiSlotIndexChanged(100)"_s,
+                                   u"signal dpiSlotValuesChanged([\"101\"])"_s,
+                                   u"signal dpiButtonIdChanged(102)"_s,
+                                   u"signal isActiveDpiSlotIndexChangePendingChanged(false)"_s,
+                                   u"signal isDpiSlotValuesChangePendingChanged(true)"_s,
+                                   u"signal isDpiButtonIdChangePendingChanged(false)"_s,
+                                   u"signal reportRateChanged(106)"_s,
+                                   u"signal reportRateValuesChanged([\"107\"])"_s,
+                                   u"signal isReportRateChangePendingChanged(true)"_s,
+                                   u"signal isReportRateSupportedChanged(false)"_s,
+                                   u"signal isScrollInversionEnabledChanged(true)"_s,
+                                   u"signal isScrollInversionEnabledChangePendingChanged(false)"_s,
+                                   u"signal ppidChanged(\"G3 3\")"_s});
 }
 
 void tst_MetaObject::privateSlotsAreInvocable()
 {
-    Bench bench;
-    HostedDevice &device = bench.create();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.create();
     QVERIFY(QMetaObject::invokeMethod(device.object(), "onPPIDChanged", Q_ARG(QString, u"PP1"_s)));
     QVERIFY(QMetaObject::invokeMethod(device.object(), "onDpiMinChanged", Q_ARG(int, 100)));
     QVERIFY(QMetaObject::invokeMethod(device.object(), "onDpiMaxChanged", Q_ARG(int, 8000)));
     QVERIFY(QMetaObject::invokeMethod(device.object(), "onSmartPointerCtrReleaseTimerTimeout"));
-    QCOMPARE(bench.take(),
-             timelineText(
-                 {debugLine(u"onPPIDChanged enter"_s), debugLine(u"Updating ppid :  \"PP1\""_s),
-                  u"signal ppidChanged(\"PP1\")"_s, debugLine(u"onPPIDChanged exit"_s),
-                  debugLine(u"Updating dpiMin :  100"_s), u"signal dpiMinChanged(100)"_s,
-                  debugLine(u"Updating dpiMax :  8000"_s), u"signal dpiMaxChanged(8000)"_s,
-                  debugLine(u"onSmartPointerCtrReleaseTimerTimeout,  isSmartPointerCtrPressed false"_s)}));
+    COMPARE_LINES(fixture.take(),
+                  {debugLine(u"onPPIDChanged enter"_s), debugLine(u"Updating ppid :  \"PP1\""_s),
+                   u"signal ppidChanged(\"PP1\")"_s, debugLine(u"onPPIDChanged exit"_s),
+                   debugLine(u"Updating dpiMin :  100"_s), u"signal dpiMinChanged(100)"_s,
+                   debugLine(u"Updating dpiMax :  8000"_s), u"signal dpiMaxChanged(8000)"_s,
+                   debugLine(u"onSmartPointerCtrReleaseTimerTimeout,  isSmartPointerCtrPressed false"_s)});
 }
 
 void tst_MetaObject::castAnswers_data()
@@ -334,8 +333,8 @@ void tst_MetaObject::castAnswers()
 {
     QFETCH(const QByteArray, name);
     QFETCH(const QString, view);
-    Bench bench;
-    HostedDevice &device = bench.create();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.create();
     const void *answer = device.object()->qt_metacast(name.isNull() ? nullptr : name.constData());
     const void *expected = nullptr;
     if (view == u"object")
@@ -350,8 +349,8 @@ void tst_MetaObject::castAnswers()
 
 void tst_MetaObject::castsYieldTheViewsOfTheSameObject()
 {
-    Bench bench;
-    HostedDevice &device = bench.create();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.create();
     QObject *object = device.object();
     QCOMPARE(qobject_cast<IDevice *>(object), static_cast<IDevice *>(device.device()));
     QCOMPARE(qobject_cast<ILogicalDevice *>(object), static_cast<ILogicalDevice *>(device.device()));
@@ -362,8 +361,8 @@ void tst_MetaObject::castsYieldTheViewsOfTheSameObject()
 
 void tst_MetaObject::unknownMetaCallsChangeNothing()
 {
-    Bench bench;
-    HostedDevice &device = bench.create();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.create();
     void *arguments[2] = {nullptr, nullptr};
     const int behindTheLast = ownIndex(device.object()->metaObject(), methodCount);
     QCOMPARE(device.object()->qt_metacall(QMetaObject::InvokeMetaMethod, behindTheLast, arguments), 0);
@@ -372,13 +371,13 @@ void tst_MetaObject::unknownMetaCallsChangeNothing()
     QCOMPARE(device.object()->qt_metacall(QMetaObject::ReadProperty, property, arguments), 3);
     QCOMPARE(device.object()->qt_metacall(QMetaObject::WriteProperty, property, arguments), 3);
     QCOMPARE(device.object()->qt_metacall(QMetaObject::ResetProperty, property, arguments), 3);
-    QCOMPARE(bench.take(), QString());
+    COMPARE_LINES(fixture.take(), {});
 }
 
 void tst_MetaObject::registerMethodArgumentTypeAnswersInvalid()
 {
-    Bench bench;
-    HostedDevice &device = bench.create();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.create();
     const QMetaObject *metaObject = device.object()->metaObject();
     for (int i = 0; i < methodCount; ++i) {
         QMetaType type = QMetaType::fromType<int>();
@@ -394,8 +393,8 @@ void tst_MetaObject::registerMethodArgumentTypeAnswersInvalid()
 void tst_MetaObject::unknownMemberPointerLeavesTheIndexAlone()
 {
     // Answered by the static call of the class, which the meta-object holds.
-    Bench bench;
-    HostedDevice &device = bench.create();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.create();
     const QMetaObject *metaObject = device.object()->metaObject();
     QVERIFY(metaObject->d.static_metacall);
     int index = -7;
@@ -407,8 +406,8 @@ void tst_MetaObject::unknownMemberPointerLeavesTheIndexAlone()
 
 void tst_MetaObject::stoppedThroughAQueuedConnection()
 {
-    Bench bench;
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
     StoppedReceiver receiver;
     QVERIFY(connect(device.object(), "2stopped(IDevice*)", &receiver, "1onStopped(IDevice*)",
                     Qt::QueuedConnection));
@@ -418,8 +417,8 @@ void tst_MetaObject::stoppedThroughAQueuedConnection()
     QCOMPARE(receiver.count, 1);
     QCOMPARE(receiver.device, static_cast<IDevice *>(device.device()));
     // No line about an unregistered type either.
-    QCOMPARE(bench.take(), timelineText({u"call stop()"_s, debugLine(u"stop enter"_s),
-                                         u"signal stopped(\"this\")"_s, debugLine(u"stop exit"_s)}));
+    COMPARE_LINES(fixture.take(), {u"call stop()"_s, debugLine(u"stop enter"_s),
+                                   u"signal stopped(\"this\")"_s, debugLine(u"stop exit"_s)});
 }
 
 QTEST_GUILESS_MAIN(tst_MetaObject)

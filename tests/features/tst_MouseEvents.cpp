@@ -1,4 +1,4 @@
-#include "Bench.h"
+#include "PluginFixture.h"
 #include "TimelineText.h"
 
 #include <QtCore/QCoreApplication>
@@ -43,26 +43,27 @@ QStringList timeoutLines(bool wasPressed)
 constexpr int deadline = 60000;  // ms
 
 // Waits until the timer of a tap has run out, however long the machine takes.
-bool isReleasedByTimer(Bench &bench)
+bool isReleasedByTimer(PluginFixture &fixture)
 {
-    return QTest::qWaitFor([&] { return !bench.timeline.lines().filter(ctrlLine(false)).isEmpty(); },
+    return QTest::qWaitFor([&] { return !fixture.timeline.lines().filter(ctrlLine(false)).isEmpty(); },
                            deadline);
 }
 
 // Waits until the timer's slot wrote its line, with this value of the flag.
-bool isTimeoutWritten(Bench &bench, bool wasPressed)
+bool isTimeoutWritten(PluginFixture &fixture, bool wasPressed)
 {
     const QString line = timeoutLines(wasPressed).constFirst();
-    return QTest::qWaitFor([&] { return bench.timeline.lines().contains(line); }, deadline);
+    return QTest::qWaitFor([&] { return fixture.timeline.lines().contains(line); }, deadline);
 }
 
 // The host reports these events from inside the first entry that reads so.
-void reportInside(Bench &bench, HostedDevice &device, const QString &line, const QList<quint8> &events)
+void reportInside(PluginFixture &fixture, HostedDevice &device, const QString &line,
+                  const QList<quint8> &events)
 {
-    bench.timeline.setObserver([&bench, &device, line, events](const TimelineEntry &entry) {
+    fixture.timeline.setObserver([&fixture, &device, line, events](const TimelineEntry &entry) {
         if (Timeline::line(entry, Timeline::Style::Plain) != line)
             return;
-        bench.timeline.setObserver({});
+        fixture.timeline.setObserver({});
         for (const quint8 event : events)
             device.device()->mouseEventCallBack(event);
     });
@@ -127,104 +128,102 @@ private Q_SLOTS:
 
 void tst_MouseEvents::heldButtonIsOnePressAndOneRelease()
 {
-    Bench bench;
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
     device.mouseEventCallBack(0x01);
     device.mouseEventCallBack(0x01);
     device.mouseEventCallBack(0x00);
     device.mouseEventCallBack(0x00);
-    QCOMPARE(bench.take(), timelineText(report(1, {buttonLine(1, true)}) + report(1, {}) +
-                                        report(0, {buttonLine(1, false)}) + report(0, {})));
+    COMPARE_LINES(fixture.take(), report(1, {buttonLine(1, true)}) + report(1, {}) +
+                                      report(0, {buttonLine(1, false)}) + report(0, {}));
 }
 
 void tst_MouseEvents::buttonsAreToldInOrder()
 {
-    Bench bench;
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
     device.mouseEventCallBack(0x1f);
     device.mouseEventCallBack(0x00);
-    QCOMPARE(bench.take(),
-             timelineText(report(0x1f, {buttonLine(1, true), buttonLine(2, true), buttonLine(3, true),
-                                        buttonLine(4, true), buttonLine(5, true)}) +
-                          report(0, {buttonLine(1, false), buttonLine(2, false), buttonLine(3, false),
-                                     buttonLine(4, false), buttonLine(5, false)})));
+    COMPARE_LINES(fixture.take(),
+                  report(0x1f, {buttonLine(1, true), buttonLine(2, true), buttonLine(3, true),
+                                buttonLine(4, true), buttonLine(5, true)}) +
+                      report(0, {buttonLine(1, false), buttonLine(2, false), buttonLine(3, false),
+                                 buttonLine(4, false), buttonLine(5, false)}));
 }
 
 void tst_MouseEvents::reportFromInsideAButtonEventCounts()
 {
     // The host reports the third button from inside the event of the second: nothing is left to tell of it.
-    Bench bench({false, false, false});
-    HostedDevice &device = bench.started();
-    bench.timeline.setObserver([&](const TimelineEntry &entry) {
+    PluginFixture fixture({false, false, false});
+    HostedDevice &device = fixture.started();
+    fixture.timeline.setObserver([&](const TimelineEntry &entry) {
         if (entry.name == u"buttonEvent" && entry.arguments.at(1).toInt() == 2)
             device.device()->mouseEventCallBack(0x07);
     });
     device.mouseEventCallBack(0x1f);
-    bench.timeline.setObserver({});
-    QCOMPARE(bench.take(),
-             timelineText({u"call mouseEventCallBack(31)"_s, buttonLine(1, true), buttonLine(2, true),
-                           buttonLine(3, true), buttonLine(4, true), buttonLine(5, true)}));
+    fixture.timeline.setObserver({});
+    COMPARE_LINES(fixture.take(), {u"call mouseEventCallBack(31)"_s, buttonLine(1, true), buttonLine(2, true),
+                                   buttonLine(3, true), buttonLine(4, true), buttonLine(5, true)});
 }
 
 void tst_MouseEvents::buttonThatWasToldIsNotLookedAtAgain()
 {
     // From inside the event of the second button the host reports that the first is up again.
-    Bench bench({false, false, false});
-    HostedDevice &device = bench.started();
-    reportInside(bench, device, buttonLine(2, true), {0x02});
+    PluginFixture fixture({false, false, false});
+    HostedDevice &device = fixture.started();
+    reportInside(fixture, device, buttonLine(2, true), {0x02});
     device.mouseEventCallBack(0x03);
-    QCOMPARE(bench.take(), timelineText({u"call mouseEventCallBack(3)"_s, buttonLine(1, true),
-                                         buttonLine(2, true), buttonLine(1, false)}));
+    COMPARE_LINES(fixture.take(), {u"call mouseEventCallBack(3)"_s, buttonLine(1, true), buttonLine(2, true),
+                                   buttonLine(1, false)});
 }
 
 void tst_MouseEvents::keyIsDownBeforeTheHostHearsOfIt()
 {
-    Bench bench({false, false, false});
-    HostedDevice &device = bench.started();
-    reportInside(bench, device, ctrlLine(true), {0x80});
+    PluginFixture fixture({false, false, false});
+    HostedDevice &device = fixture.started();
+    reportInside(fixture, device, ctrlLine(true), {0x80});
     device.mouseEventCallBack(0x80);
-    QCOMPARE(bench.take(), timelineText({u"call mouseEventCallBack(128)"_s, ctrlLine(true)}));
+    COMPARE_LINES(fixture.take(), {u"call mouseEventCallBack(128)"_s, ctrlLine(true)});
 }
 
 void tst_MouseEvents::tapThatEndsInsideItsPressLeavesTheTimer()
 {
     // The timer is started when the host has heard of the press, and so after the report of the release.
-    Bench bench({false, false, false});
-    HostedDevice &device = bench.started();
-    reportInside(bench, device, ctrlLine(true), {0x00});
+    PluginFixture fixture({false, false, false});
+    HostedDevice &device = fixture.started();
+    reportInside(fixture, device, ctrlLine(true), {0x00});
     device.mouseEventCallBack(0x80);
-    QCOMPARE(bench.take(),
-             timelineText({u"call mouseEventCallBack(128)"_s, ctrlLine(true), ctrlLine(false)}));
-    bench.host.initialize(&bench.hostServices, true, true, true);
-    bench.take();
-    QVERIFY(isTimeoutWritten(bench, false));
-    QCOMPARE(bench.take(), timelineText(timeoutLines(false)));
+    COMPARE_LINES(fixture.take(), {u"call mouseEventCallBack(128)"_s, ctrlLine(true), ctrlLine(false)});
+    fixture.host.initialize(&fixture.hostServices, true, true, true);
+    fixture.take();
+    QVERIFY(isTimeoutWritten(fixture, false));
+    COMPARE_LINES(fixture.take(), timeoutLines(false));
 }
 
 void tst_MouseEvents::keyIsUpBeforeTheHostHearsOfTheTimer()
 {
-    Bench bench({false, false, false});
-    HostedDevice &device = bench.started();
+    PluginFixture fixture({false, false, false});
+    HostedDevice &device = fixture.started();
     device.mouseEventCallBack(0x80);
-    reportInside(bench, device, ctrlLine(false), {0x00});
-    bench.take();
-    QVERIFY(isReleasedByTimer(bench));
-    QCOMPARE(bench.take(), ctrlLine(false));
+    reportInside(fixture, device, ctrlLine(false), {0x00});
+    fixture.take();
+    QVERIFY(isReleasedByTimer(fixture));
+    COMPARE_LINES(fixture.take(), {ctrlLine(false)});
 }
 
 void tst_MouseEvents::timerIsStoppedBeforeItsLine()
 {
     // A tap that starts from inside the line runs on: the timer fires once more, with nothing to release.
-    Bench bench;
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
     device.mouseEventCallBack(0x80);
-    bench.take();
-    reportInside(bench, device, timeoutLines(true).constFirst(), {0x00, 0x80});
-    QVERIFY(isTimeoutWritten(bench, false));
+    fixture.take();
+    reportInside(fixture, device, timeoutLines(true).constFirst(), {0x00, 0x80});
+    QVERIFY(isTimeoutWritten(fixture, false));
     // Qt keeps lines that are written from inside another from the recorder.
-    QCOMPARE(bench.take(), timelineText(QStringList{timeoutLines(true).constFirst(), ctrlLine(false),
-                                                    ctrlLine(true), ctrlLine(false)} +
-                                        timeoutLines(false)));
+    COMPARE_LINES(fixture.take(), QStringList{timeoutLines(true).constFirst(), ctrlLine(false),
+                                              ctrlLine(true), ctrlLine(false)} +
+                                      timeoutLines(false));
 }
 
 void tst_MouseEvents::everyButtonHasItsBit_data()
@@ -242,197 +241,196 @@ void tst_MouseEvents::everyButtonHasItsBit()
 {
     QFETCH(const int, event);
     QFETCH(const int, button);
-    Bench bench;
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
     device.mouseEventCallBack(static_cast<quint8>(event));
-    QCOMPARE(bench.take(), timelineText(report(event, {buttonLine(button, true)})));
+    COMPARE_LINES(fixture.take(), report(event, {buttonLine(button, true)}));
 }
 
 void tst_MouseEvents::releasesAndPressesOfOneReport()
 {
-    Bench bench;
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
     device.mouseEventCallBack(0x15);
-    bench.take();
+    fixture.take();
     device.mouseEventCallBack(0x0b);
-    QCOMPARE(bench.take(), timelineText(report(0x0b, {buttonLine(2, true), buttonLine(3, false),
-                                                      buttonLine(4, true), buttonLine(5, false)})));
+    COMPARE_LINES(fixture.take(), report(0x0b, {buttonLine(2, true), buttonLine(3, false),
+                                                buttonLine(4, true), buttonLine(5, false)}));
 }
 
 void tst_MouseEvents::unusedBitsAreIgnored()
 {
-    Bench bench;
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
     device.mouseEventCallBack(0x60);
     device.mouseEventCallBack(0x20);
     device.mouseEventCallBack(0x41);
-    QCOMPARE(bench.take(),
-             timelineText(report(0x60, {}) + report(0x20, {}) + report(0x41, {buttonLine(1, true)})));
+    COMPARE_LINES(fixture.take(), report(0x60, {}) + report(0x20, {}) + report(0x41, {buttonLine(1, true)}));
 }
 
 void tst_MouseEvents::buttonsNeedNoDiversionAndNoStart()
 {
-    Bench bench;
-    HostedDevice &device = bench.create();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.create();
     device.mouseEventCallBack(0x02);
-    QCOMPARE(bench.take(), timelineText(report(2, {buttonLine(2, true)})));
+    COMPARE_LINES(fixture.take(), report(2, {buttonLine(2, true)}));
 }
 
 void tst_MouseEvents::ctrlTapEndsWithTheKey()
 {
-    Bench bench;
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
     device.mouseEventCallBack(0x80);
     device.mouseEventCallBack(0x00);
-    QCOMPARE(bench.take(), timelineText(report(0x80, {ctrlLine(true)}) + report(0, {ctrlLine(false)})));
+    COMPARE_LINES(fixture.take(), report(0x80, {ctrlLine(true)}) + report(0, {ctrlLine(false)}));
     // The timer was stopped: nothing comes, though many lengths of a tap go by.
     QTest::qWait(300);
-    QCOMPARE(bench.take(), QString());
+    COMPARE_LINES(fixture.take(), {});
 }
 
 void tst_MouseEvents::ctrlTapEndsWithTheTimer()
 {
-    Bench bench;
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
     device.mouseEventCallBack(0x80);
-    QCOMPARE(bench.take(), timelineText(report(0x80, {ctrlLine(true)})));
-    QVERIFY(isReleasedByTimer(bench));
-    QCOMPARE(bench.take(), timelineText(timeoutLines(true)));
+    COMPARE_LINES(fixture.take(), report(0x80, {ctrlLine(true)}));
+    QVERIFY(isReleasedByTimer(fixture));
+    COMPARE_LINES(fixture.take(), timeoutLines(true));
     // Stopped by its own slot: it fires once.
     QTest::qWait(300);
-    QCOMPARE(bench.take(), QString());
+    COMPARE_LINES(fixture.take(), {});
     device.mouseEventCallBack(0x00);
-    QCOMPARE(bench.take(), timelineText(report(0, {})));
+    COMPARE_LINES(fixture.take(), report(0, {}));
     device.mouseEventCallBack(0x80);
-    QCOMPARE(bench.take(), timelineText(report(0x80, {ctrlLine(true)})));
+    COMPARE_LINES(fixture.take(), report(0x80, {ctrlLine(true)}));
 }
 
 void tst_MouseEvents::heldKeyPressesAgainAfterTheTimer()
 {
-    Bench bench;
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
     device.mouseEventCallBack(0x80);
-    QVERIFY(isReleasedByTimer(bench));
-    bench.take();
+    QVERIFY(isReleasedByTimer(fixture));
+    fixture.take();
     device.mouseEventCallBack(0x80);
-    QCOMPARE(bench.take(), timelineText(report(0x80, {ctrlLine(true)})));
-    QVERIFY(isReleasedByTimer(bench));
-    QCOMPARE(bench.take(), timelineText(timeoutLines(true)));
+    COMPARE_LINES(fixture.take(), report(0x80, {ctrlLine(true)}));
+    QVERIFY(isReleasedByTimer(fixture));
+    COMPARE_LINES(fixture.take(), timeoutLines(true));
 }
 
 void tst_MouseEvents::timerIsNotRestartedWhileTheKeyIsHeld()
 {
-    Bench bench;
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
     device.mouseEventCallBack(0x80);
-    bench.take();
+    fixture.take();
     // Reports keep coming faster than the timer runs: restarted by each of them, it would never run out.
     QElapsedTimer sinceThePress;
     sinceThePress.start();
-    while (bench.timeline.lines().filter(ctrlLine(false)).isEmpty() && sinceThePress.elapsed() < deadline) {
-        bench.take();
+    while (fixture.timeline.lines().filter(ctrlLine(false)).isEmpty() && sinceThePress.elapsed() < deadline) {
+        fixture.take();
         device.mouseEventCallBack(0x80);
-        QCOMPARE(bench.timeline.lines().filter(ctrlLine(true)), QStringList());
+        COMPARE_LINES(fixture.timeline.lines().filter(ctrlLine(true)), {});
         QTest::qWait(1);
     }
-    QVERIFY(!bench.timeline.lines().filter(ctrlLine(false)).isEmpty());
+    QVERIFY(!fixture.timeline.lines().filter(ctrlLine(false)).isEmpty());
 }
 
 void tst_MouseEvents::timerHasTheTapsLength()
 {
-    Bench bench({false, false, false});
-    HostedDevice &device = bench.started();
+    PluginFixture fixture({false, false, false});
+    HostedDevice &device = fixture.started();
     TimerWatch watch;
     device.mouseEventCallBack(0x80);
-    QVERIFY(isReleasedByTimer(bench));
-    QCOMPARE(watch.seen, QStringList{u"interval 25 ms, repeating, no parent, on the device's thread"_s});
+    QVERIFY(isReleasedByTimer(fixture));
+    COMPARE_LINES(watch.seen, {u"interval 25 ms, repeating, no parent, on the device's thread"_s});
 }
 
 void tst_MouseEvents::lateTimerFindsNothingToDo()
 {
-    Bench bench;
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
     QVERIFY(QMetaObject::invokeMethod(device.object(), "onSmartPointerCtrReleaseTimerTimeout"));
-    QCOMPARE(bench.take(), timelineText(timeoutLines(false)));
+    COMPARE_LINES(fixture.take(), timeoutLines(false));
 }
 
 void tst_MouseEvents::ctrlComesBeforeTheButtons()
 {
-    Bench bench;
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
     device.mouseEventCallBack(0x81);
     device.mouseEventCallBack(0x00);
-    QCOMPARE(bench.take(), timelineText(report(0x81, {ctrlLine(true), buttonLine(1, true)}) +
-                                        report(0, {ctrlLine(false), buttonLine(1, false)})));
+    COMPARE_LINES(fixture.take(), report(0x81, {ctrlLine(true), buttonLine(1, true)}) +
+                                      report(0, {ctrlLine(false), buttonLine(1, false)}));
 }
 
 void tst_MouseEvents::smartPointerSupportIsNotAsked()
 {
-    Bench bench;
-    bench.receiver.answers.isSmartPointerSupported = false;
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    fixture.receiver.answers.isSmartPointerSupported = false;
+    HostedDevice &device = fixture.started();
     QVERIFY(!device.device()->isSmartPointerSupported());
     device.mouseEventCallBack(0x80);
-    QCOMPARE(bench.take(), timelineText(report(0x80, {ctrlLine(true)})));
+    COMPARE_LINES(fixture.take(), report(0x80, {ctrlLine(true)}));
 }
 
 void tst_MouseEvents::stopKeepsTheStates()
 {
-    Bench bench({false, false, false});
-    HostedDevice &device = bench.started();
+    PluginFixture fixture({false, false, false});
+    HostedDevice &device = fixture.started();
     device.mouseEventCallBack(0x81);
     device.stop();
-    bench.take();
+    fixture.take();
     device.mouseEventCallBack(0x81);
-    QCOMPARE(bench.take(), u"call mouseEventCallBack(129)"_s);
+    COMPARE_LINES(fixture.take(), {u"call mouseEventCallBack(129)"_s});
     // The timer runs on.
-    QVERIFY(isReleasedByTimer(bench));
-    QCOMPARE(bench.take(), ctrlLine(false));
+    QVERIFY(isReleasedByTimer(fixture));
+    COMPARE_LINES(fixture.take(), {ctrlLine(false)});
     device.mouseEventCallBack(0x00);
-    QCOMPARE(bench.take(), timelineText({u"call mouseEventCallBack(0)"_s, buttonLine(1, false)}));
+    COMPARE_LINES(fixture.take(), {u"call mouseEventCallBack(0)"_s, buttonLine(1, false)});
 }
 
 void tst_MouseEvents::destructionReleasesNothing()
 {
-    Bench bench({false, false, false});
-    HostedDevice &device = bench.started();
+    PluginFixture fixture({false, false, false});
+    HostedDevice &device = fixture.started();
     device.mouseEventCallBack(0x83);
-    bench.take();
-    bench.destroy(device);
+    fixture.take();
+    fixture.destroy(device);
     QTest::qWait(100);
-    QCOMPARE(bench.take(), u"call destroyDevice()"_s);
+    COMPARE_LINES(fixture.take(), {u"call destroyDevice()"_s});
 }
 
 void tst_MouseEvents::devicesHaveTheirOwnStates()
 {
-    Bench bench({false, false, false});
-    HostedDevice &first = bench.started(1);
-    HostedDevice &second = bench.started(2);
-    bench.take();
+    PluginFixture fixture({false, false, false});
+    HostedDevice &first = fixture.started(1);
+    HostedDevice &second = fixture.started(2);
+    fixture.take();
     first.mouseEventCallBack(0x01);
     second.mouseEventCallBack(0x01);
     first.mouseEventCallBack(0x00);
-    QCOMPARE(bench.take(Timeline::Style::WithDevice),
-             timelineText({u"call [1] mouseEventCallBack(1)"_s, buttonLine(1, true),
-                           u"call [2] mouseEventCallBack(1)"_s, buttonLine(1, true),
-                           u"call [1] mouseEventCallBack(0)"_s, buttonLine(1, false)}));
+    COMPARE_LINES(fixture.take(Timeline::Style::WithDevice),
+                  {u"call [1] mouseEventCallBack(1)"_s, buttonLine(1, true),
+                   u"call [2] mouseEventCallBack(1)"_s, buttonLine(1, true),
+                   u"call [1] mouseEventCallBack(0)"_s, buttonLine(1, false)});
 }
 
 void tst_MouseEvents::latestHostServicesAreUsed()
 {
-    Bench bench({false, false, false});
-    HostedDevice &device = bench.started();
+    PluginFixture fixture({false, false, false});
+    HostedDevice &device = fixture.started();
     Timeline otherTimeline;
     SimulatedHostServices otherServices(otherTimeline);
     device.mouseEventCallBack(0x80);
-    bench.host.initialize(&otherServices, false, false, false);
-    bench.take();
+    fixture.host.initialize(&otherServices, false, false, false);
+    fixture.take();
     device.mouseEventCallBack(0x81);
-    QCOMPARE(bench.take(), u"call mouseEventCallBack(129)"_s);
-    QCOMPARE(otherTimeline.take(), buttonLine(1, true));
+    COMPARE_LINES(fixture.take(), {u"call mouseEventCallBack(129)"_s});
+    COMPARE_LINES(otherTimeline.take(), {buttonLine(1, true)});
     QVERIFY(QTest::qWaitFor([&] { return !otherTimeline.lines().isEmpty(); }, deadline));
-    QCOMPARE(otherTimeline.lines(), QStringList{ctrlLine(false)});
-    bench.host.initialize(&bench.hostServices, false, false, false);
+    COMPARE_LINES(otherTimeline.lines(), {ctrlLine(false)});
+    fixture.host.initialize(&fixture.hostServices, false, false, false);
 }
 
 void tst_MouseEvents::iidNeedsNoAllocation()
@@ -454,25 +452,24 @@ void tst_MouseEvents::iidNeedsNoAllocation()
         QList<qsizetype> capacities;
     };
     Services services;
-    Bench bench({false, false, false});
-    HostedDevice &device = bench.started();
-    bench.host.initialize(&services, false, false, false);
+    PluginFixture fixture({false, false, false});
+    HostedDevice &device = fixture.started();
+    fixture.host.initialize(&services, false, false, false);
     device.mouseEventCallBack(0x03);
     device.mouseEventCallBack(0x00);
     QCOMPARE(services.capacities, QList<qsizetype>({0, 0, 0, 0}));
-    bench.host.initialize(&bench.hostServices, false, false, false);
+    fixture.host.initialize(&fixture.hostServices, false, false, false);
 }
 
 void tst_MouseEvents::switchesOff()
 {
-    Bench bench({false, true, true});
-    HostedDevice &device = bench.started();
+    PluginFixture fixture({false, true, true});
+    HostedDevice &device = fixture.started();
     device.mouseEventCallBack(0x81);
     device.mouseEventCallBack(0x00);
     QMetaObject::invokeMethod(device.object(), "onSmartPointerCtrReleaseTimerTimeout");
-    QCOMPARE(bench.take(),
-             timelineText({u"call mouseEventCallBack(129)"_s, ctrlLine(true), buttonLine(1, true),
-                           u"call mouseEventCallBack(0)"_s, ctrlLine(false), buttonLine(1, false)}));
+    COMPARE_LINES(fixture.take(), {u"call mouseEventCallBack(129)"_s, ctrlLine(true), buttonLine(1, true),
+                                   u"call mouseEventCallBack(0)"_s, ctrlLine(false), buttonLine(1, false)});
 }
 
 QTEST_GUILESS_MAIN(tst_MouseEvents)

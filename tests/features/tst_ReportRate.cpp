@@ -1,5 +1,5 @@
-#include "Bench.h"
 #include "OtherThread.h"
+#include "PluginFixture.h"
 #include "TimelineText.h"
 
 #include <QtTest/QTest>
@@ -49,9 +49,8 @@ QStringList repeatedRequest(int rate)
 }
 
 // The part of a start that deals with the rates.
-QStringList ratesOfStart(const QString &timeline)
+QStringList ratesOfStart(const QStringList &lines)
 {
-    QStringList lines = timeline.split(u'\n');
     const auto isLine = [](const QString &text) {
         return [text](const QString &line) { return line.startsWith(text); };
     };
@@ -109,11 +108,11 @@ private Q_SLOTS:
 
 void tst_ReportRate::isSupportedInEveryState()
 {
-    Bench bench;
-    HostedDevice &device = bench.create();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.create();
     QVERIFY(device.device()->isReportRateSupported());
     QCOMPARE(device.device()->reportRate(), 0);
-    QCOMPARE(device.device()->reportRateValues(), QStringList());
+    COMPARE_LINES(device.device()->reportRateValues(), {});
     QVERIFY(!device.device()->isReportRateChangePending());
     device.start();
     QVERIFY(device.device()->isReportRateSupported());
@@ -183,12 +182,12 @@ void tst_ReportRate::startReadsTheRates()
     QFETCH(const int, rate);
     QFETCH(const bool, isPending);
 
-    Bench bench;
-    bench.receiver.answers.reportRateInfo = info;
-    HostedDevice &device = bench.create();
+    PluginFixture fixture;
+    fixture.receiver.answers.reportRateInfo = info;
+    HostedDevice &device = fixture.create();
     QVERIFY(device.start());
 
-    QCOMPARE(ratesOfStart(bench.take()).mid(1), expected);
+    COMPARE_LINES(ratesOfStart(fixture.take()).mid(1), expected);
     QCOMPARE(device.device()->reportRateValues(), rates);
     QCOMPARE(device.device()->reportRate(), rate);
     QCOMPARE(device.device()->isReportRateChangePending(), isPending);
@@ -196,21 +195,21 @@ void tst_ReportRate::startReadsTheRates()
 
 void tst_ReportRate::startWithoutRecordLeavesTheDefaults()
 {
-    Bench bench;
-    bench.receiver.answers.hasReportRateInfo = false;
-    HostedDevice &device = bench.create();
+    PluginFixture fixture;
+    fixture.receiver.answers.hasReportRateInfo = false;
+    HostedDevice &device = fixture.create();
     device.start();
 
-    QCOMPARE(ratesOfStart(bench.take()), QStringList{u"receiver getReportRateInfo() -> false"_s});
+    COMPARE_LINES(ratesOfStart(fixture.take()), {u"receiver getReportRateInfo() -> false"_s});
     QCOMPARE(device.device()->reportRate(), 0);
-    QCOMPARE(device.device()->reportRateValues(), QStringList());
+    COMPARE_LINES(device.device()->reportRateValues(), {});
 }
 
 void tst_ReportRate::startLeavesThe125PreferenceToListedRates()
 {
-    Bench bench;
-    bench.receiver.answers.reportRateInfo = rateInfo(1000, {250, 0, 125});
-    HostedDevice &device = bench.create();
+    PluginFixture fixture;
+    fixture.receiver.answers.reportRateInfo = rateInfo(1000, {250, 0, 125});
+    HostedDevice &device = fixture.create();
     device.start();
 
     QCOMPARE(device.device()->reportRate(), 250);
@@ -218,189 +217,187 @@ void tst_ReportRate::startLeavesThe125PreferenceToListedRates()
 
 void tst_ReportRate::secondStartAppendsTheRatesAgain()
 {
-    Bench bench;
-    bench.receiver.answers.reportRateInfo = rateInfo(250, {125, 250});
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    fixture.receiver.answers.reportRateInfo = rateInfo(250, {125, 250});
+    HostedDevice &device = fixture.started();
     device.start();
 
-    QCOMPARE(device.device()->reportRateValues(), QStringList({u"125"_s, u"250"_s, u"125"_s, u"250"_s}));
+    COMPARE_LINES(device.device()->reportRateValues(), {u"125"_s, u"250"_s, u"125"_s, u"250"_s});
 }
 
 void tst_ReportRate::secondStartWithAnEmptyListRequestsItsFirstEntryZero()
 {
-    Bench bench;
-    HostedDevice &device = bench.started();
-    bench.receiver.answers.reportRateInfo = rateInfo(500, {0, 125});
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
+    fixture.receiver.answers.reportRateInfo = rateInfo(500, {0, 125});
     device.start();
 
-    QCOMPARE(ratesOfStart(bench.take()).mid(1),
-             QStringList{warningLine(u"current report rate not found in list :  500"_s)} +
-                 acceptedRequest(0));
+    COMPARE_LINES(ratesOfStart(fixture.take()).mid(1),
+                  QStringList{warningLine(u"current report rate not found in list :  500"_s)} +
+                      acceptedRequest(0));
     QCOMPARE(device.device()->reportRate(), 0);
-    QCOMPARE(device.device()->reportRateValues(), QStringList({u"125"_s, u"250"_s, u"500"_s, u"1000"_s}));
+    COMPARE_LINES(device.device()->reportRateValues(), {u"125"_s, u"250"_s, u"500"_s, u"1000"_s});
 }
 
 void tst_ReportRate::setReportRateIgnoresTheCurrentRate()
 {
-    Bench bench;
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
     device.setReportRate(500);
 
-    QCOMPARE(bench.take(), u"call setReportRate(500)"_s);
+    COMPARE_LINES(fixture.take(), {u"call setReportRate(500)"_s});
 }
 
 void tst_ReportRate::setReportRateIsPendingUntilConfirmed()
 {
-    Bench bench;
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
     device.setReportRate(1000);
 
-    QCOMPARE(bench.take(), timelineText(QStringList{u"call setReportRate(1000)"_s} + acceptedRequest(1000)));
+    COMPARE_LINES(fixture.take(), QStringList{u"call setReportRate(1000)"_s} + acceptedRequest(1000));
     QCOMPARE(device.device()->reportRate(), 1000);
     QVERIFY(device.device()->isReportRateChangePending());
 
     device.reportRateConfirmed(1000);
 
-    QCOMPARE(bench.take(), timelineText({u"call reportRateConfirmed(1000)"_s, confirmedLine(1000, 1000),
-                                         u"signal isReportRateChangePendingChanged(false)"_s}));
+    COMPARE_LINES(fixture.take(), {u"call reportRateConfirmed(1000)"_s, confirmedLine(1000, 1000),
+                                   u"signal isReportRateChangePendingChanged(false)"_s});
     QCOMPARE(device.device()->reportRate(), 1000);
     QVERIFY(!device.device()->isReportRateChangePending());
 
     // Nothing is pending any more: the same confirmation again is a report of the current rate.
     device.reportRateConfirmed(1000);
-    QCOMPARE(bench.take(), timelineText({u"call reportRateConfirmed(1000)"_s, confirmedLine(1000, 0)}));
+    COMPARE_LINES(fixture.take(), {u"call reportRateConfirmed(1000)"_s, confirmedLine(1000, 0)});
 }
 
 void tst_ReportRate::setReportRateKeepsTheNewRateWhenTheReceiverRefuses()
 {
-    Bench bench;
-    HostedDevice &device = bench.started();
-    bench.receiver.answers.acceptsRequests = false;
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
+    fixture.receiver.answers.acceptsRequests = false;
     device.setReportRate(1000);
 
-    QCOMPARE(bench.take(),
-             timelineText(
-                 {u"call setReportRate(1000)"_s, updatingLine(1000),
-                  u"signal isReportRateChangePendingChanged(true)"_s,
-                  u"receiver setReportRate(1000) -> false"_s, warningLine(u"Dongle set report rate failed"_s),
-                  u"signal isReportRateChangePendingChanged(false)"_s, u"signal reportRateChanged(1000)"_s}));
+    COMPARE_LINES(fixture.take(),
+                  {u"call setReportRate(1000)"_s, updatingLine(1000),
+                   u"signal isReportRateChangePendingChanged(true)"_s,
+                   u"receiver setReportRate(1000) -> false"_s,
+                   warningLine(u"Dongle set report rate failed"_s),
+                   u"signal isReportRateChangePendingChanged(false)"_s, u"signal reportRateChanged(1000)"_s});
     QCOMPARE(device.device()->reportRate(), 1000);
     QVERIFY(!device.device()->isReportRateChangePending());
 
     // The request left nothing pending: another rate is taken as the mouse's own.
     device.reportRateConfirmed(500);
-    QCOMPARE(bench.take(), timelineText({u"call reportRateConfirmed(500)"_s, confirmedLine(500, 0),
-                                         u"signal reportRateChanged(500)"_s}));
+    COMPARE_LINES(fixture.take(), {u"call reportRateConfirmed(500)"_s, confirmedLine(500, 0),
+                                   u"signal reportRateChanged(500)"_s});
 }
 
 void tst_ReportRate::requestIsKnownWhenItsFlagIsSignalled()
 {
     // A slot of the flag's signal that has the mouse's answer already ends the request with it.
-    Bench bench({false, false, false});
-    HostedDevice &device = bench.started();
-    bench.timeline.setObserver([&](const TimelineEntry &entry) {
+    PluginFixture fixture({false, false, false});
+    HostedDevice &device = fixture.started();
+    fixture.timeline.setObserver([&](const TimelineEntry &entry) {
         if (entry.name == u"isReportRateChangePendingChanged" && device.device()->isReportRateChangePending())
             device.device()->reportRateConfirmed(1000);
     });
     device.setReportRate(1000);
-    bench.timeline.setObserver({});
-    QCOMPARE(bench.take(),
-             timelineText({u"call setReportRate(1000)"_s, u"signal isReportRateChangePendingChanged(true)"_s,
-                           u"signal isReportRateChangePendingChanged(false)"_s,
-                           u"receiver setReportRate(1000) -> true"_s, u"signal reportRateChanged(1000)"_s}));
+    fixture.timeline.setObserver({});
+    COMPARE_LINES(fixture.take(),
+                  {u"call setReportRate(1000)"_s, u"signal isReportRateChangePendingChanged(true)"_s,
+                   u"signal isReportRateChangePendingChanged(false)"_s,
+                   u"receiver setReportRate(1000) -> true"_s, u"signal reportRateChanged(1000)"_s});
     QVERIFY(!device.device()->isReportRateChangePending());
 }
 
 void tst_ReportRate::requestIsOverWhenItsFlagIsSignalled()
 {
     // A slot of the flag's signal already meets a device that waits for nothing: what it reports is stored.
-    Bench bench({false, false, false});
-    HostedDevice &device = bench.started();
+    PluginFixture fixture({false, false, false});
+    HostedDevice &device = fixture.started();
     device.setReportRate(1000);
-    bench.take();
-    bench.timeline.setObserver([&](const TimelineEntry &entry) {
+    fixture.take();
+    fixture.timeline.setObserver([&](const TimelineEntry &entry) {
         if (entry.name == u"isReportRateChangePendingChanged")
             device.device()->reportRateConfirmed(250);
     });
     device.reportRateConfirmed(1000);
-    bench.timeline.setObserver({});
-    QCOMPARE(bench.take(),
-             timelineText({u"call reportRateConfirmed(1000)"_s,
-                           u"signal isReportRateChangePendingChanged(false)"_s,
-                           u"signal reportRateChanged(250)"_s, u"signal reportRateChanged(1000)"_s}));
+    fixture.timeline.setObserver({});
+    COMPARE_LINES(fixture.take(),
+                  {u"call reportRateConfirmed(1000)"_s, u"signal isReportRateChangePendingChanged(false)"_s,
+                   u"signal reportRateChanged(250)"_s, u"signal reportRateChanged(1000)"_s});
 }
 
 void tst_ReportRate::refusedRequestIsOverWhenItsFlagIsSignalled()
 {
     // A slot of the flag's signal already meets a device that waits for nothing: what it reports is stored.
-    Bench bench({false, false, false});
-    HostedDevice &device = bench.started();
-    bench.receiver.answers.acceptsRequests = false;
-    bench.timeline.setObserver([&](const TimelineEntry &entry) {
+    PluginFixture fixture({false, false, false});
+    HostedDevice &device = fixture.started();
+    fixture.receiver.answers.acceptsRequests = false;
+    fixture.timeline.setObserver([&](const TimelineEntry &entry) {
         if (entry.name == u"isReportRateChangePendingChanged" &&
             !device.device()->isReportRateChangePending())
             device.device()->reportRateConfirmed(250);
     });
     device.setReportRate(1000);
-    bench.timeline.setObserver({});
-    QCOMPARE(bench.take(),
-             timelineText({u"call setReportRate(1000)"_s, u"signal isReportRateChangePendingChanged(true)"_s,
-                           u"receiver setReportRate(1000) -> false"_s,
-                           u"signal isReportRateChangePendingChanged(false)"_s,
-                           u"signal reportRateChanged(250)"_s, u"signal reportRateChanged(250)"_s}));
+    fixture.timeline.setObserver({});
+    COMPARE_LINES(fixture.take(),
+                  {u"call setReportRate(1000)"_s, u"signal isReportRateChangePendingChanged(true)"_s,
+                   u"receiver setReportRate(1000) -> false"_s,
+                   u"signal isReportRateChangePendingChanged(false)"_s, u"signal reportRateChanged(250)"_s,
+                   u"signal reportRateChanged(250)"_s});
 }
 
 void tst_ReportRate::setReportRateWithoutReceiverTakesTheRateSilently()
 {
-    Bench bench;
-    HostedDevice &device = bench.create();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.create();
     device.setReportRate(1000);
 
-    QCOMPARE(bench.take(), timelineText({u"call setReportRate(1000)"_s, updatingLine(1000),
-                                         warningLine(u"Unknown IPhysicalDevice interface"_s)}));
+    COMPARE_LINES(fixture.take(), {u"call setReportRate(1000)"_s, updatingLine(1000),
+                                   warningLine(u"Unknown IPhysicalDevice interface"_s)});
     QCOMPARE(device.device()->reportRate(), 1000);
     QVERIFY(!device.device()->isReportRateChangePending());
 }
 
 void tst_ReportRate::setReportRateKeepsWaitingForTheFirstRequest()
 {
-    Bench bench;
-    bench.receiver.answers.reportRateInfo = rateInfo(125, {125, 500, 1000});
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    fixture.receiver.answers.reportRateInfo = rateInfo(125, {125, 500, 1000});
+    HostedDevice &device = fixture.started();
     device.setReportRate(500);
-    bench.take();
+    fixture.take();
     device.setReportRate(1000);
 
-    QCOMPARE(bench.take(), timelineText(QStringList{u"call setReportRate(1000)"_s} + repeatedRequest(1000)));
+    COMPARE_LINES(fixture.take(), QStringList{u"call setReportRate(1000)"_s} + repeatedRequest(1000));
 
     device.reportRateConfirmed(1000);
-    QCOMPARE(bench.take(), timelineText({u"call reportRateConfirmed(1000)"_s, confirmedLine(1000, 500)}));
+    COMPARE_LINES(fixture.take(), {u"call reportRateConfirmed(1000)"_s, confirmedLine(1000, 500)});
     QVERIFY(device.device()->isReportRateChangePending());
 
     device.reportRateConfirmed(500);
-    QCOMPARE(bench.take(), timelineText({u"call reportRateConfirmed(500)"_s, confirmedLine(500, 500),
-                                         u"signal isReportRateChangePendingChanged(false)"_s,
-                                         u"signal reportRateChanged(500)"_s}));
+    COMPARE_LINES(fixture.take(),
+                  {u"call reportRateConfirmed(500)"_s, confirmedLine(500, 500),
+                   u"signal isReportRateChangePendingChanged(false)"_s, u"signal reportRateChanged(500)"_s});
     QCOMPARE(device.device()->reportRate(), 500);
 }
 
 void tst_ReportRate::secondRequestRefusedEndsTheFirst()
 {
-    Bench bench;
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
     device.setReportRate(1000);
-    bench.take();
-    bench.receiver.answers.acceptsRequests = false;
+    fixture.take();
+    fixture.receiver.answers.acceptsRequests = false;
     device.setReportRate(250);
 
-    QCOMPARE(bench.take(),
-             timelineText(
-                 {u"call setReportRate(250)"_s, updatingLine(250), u"receiver setReportRate(250) -> false"_s,
-                  warningLine(u"Dongle set report rate failed"_s),
-                  u"signal isReportRateChangePendingChanged(false)"_s, u"signal reportRateChanged(250)"_s}));
+    COMPARE_LINES(fixture.take(),
+                  {u"call setReportRate(250)"_s, updatingLine(250), u"receiver setReportRate(250) -> false"_s,
+                   warningLine(u"Dongle set report rate failed"_s),
+                   u"signal isReportRateChangePendingChanged(false)"_s, u"signal reportRateChanged(250)"_s});
     device.reportRateConfirmed(1000);
-    QCOMPARE(bench.take(), timelineText({u"call reportRateConfirmed(1000)"_s, confirmedLine(1000, 0),
-                                         u"signal reportRateChanged(1000)"_s}));
+    COMPARE_LINES(fixture.take(), {u"call reportRateConfirmed(1000)"_s, confirmedLine(1000, 0),
+                                   u"signal reportRateChanged(1000)"_s});
 }
 
 void tst_ReportRate::setReportRatePassesAnyNumber_data()
@@ -416,47 +413,45 @@ void tst_ReportRate::setReportRatePassesAnyNumber_data()
 void tst_ReportRate::setReportRatePassesAnyNumber()
 {
     QFETCH(const int, rate);
-    Bench bench;
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
     device.setReportRate(rate);
 
-    QCOMPARE(bench.take(),
-             timelineText(QStringList{u"call setReportRate(%1)"_s.arg(rate)} + acceptedRequest(rate)));
+    COMPARE_LINES(fixture.take(), QStringList{u"call setReportRate(%1)"_s.arg(rate)} + acceptedRequest(rate));
     device.reportRateConfirmed(rate);
-    QCOMPARE(bench.take(),
-             timelineText({u"call reportRateConfirmed(%1)"_s.arg(rate), confirmedLine(rate, rate),
-                           u"signal isReportRateChangePendingChanged(false)"_s}));
+    COMPARE_LINES(fixture.take(), {u"call reportRateConfirmed(%1)"_s.arg(rate), confirmedLine(rate, rate),
+                                   u"signal isReportRateChangePendingChanged(false)"_s});
     QCOMPARE(device.device()->reportRate(), rate);
 }
 
 void tst_ReportRate::setReportRateZeroLeavesTheFlagWithNothingToWaitFor()
 {
-    Bench bench;
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
     device.setReportRate(0);
-    QCOMPARE(bench.take(), timelineText(QStringList{u"call setReportRate(0)"_s} + acceptedRequest(0)));
+    COMPARE_LINES(fixture.take(), QStringList{u"call setReportRate(0)"_s} + acceptedRequest(0));
 
     device.reportRateConfirmed(250);
-    QCOMPARE(bench.take(), timelineText({u"call reportRateConfirmed(250)"_s, confirmedLine(250, 0),
-                                         u"signal reportRateChanged(250)"_s}));
+    COMPARE_LINES(fixture.take(), {u"call reportRateConfirmed(250)"_s, confirmedLine(250, 0),
+                                   u"signal reportRateChanged(250)"_s});
     QVERIFY(device.device()->isReportRateChangePending());
 
     device.reportRateConfirmed(0);
-    QCOMPARE(bench.take(), timelineText({u"call reportRateConfirmed(0)"_s, confirmedLine(0, 0),
-                                         u"signal isReportRateChangePendingChanged(false)"_s,
-                                         u"signal reportRateChanged(0)"_s}));
+    COMPARE_LINES(fixture.take(),
+                  {u"call reportRateConfirmed(0)"_s, confirmedLine(0, 0),
+                   u"signal isReportRateChangePendingChanged(false)"_s, u"signal reportRateChanged(0)"_s});
     QCOMPARE(device.device()->reportRate(), 0);
 }
 
 void tst_ReportRate::negativePendingRateIgnoresOtherConfirmations()
 {
-    Bench bench;
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
     device.setReportRate(-125);
-    bench.take();
+    fixture.take();
     device.reportRateConfirmed(250);
 
-    QCOMPARE(bench.take(), timelineText({u"call reportRateConfirmed(250)"_s, confirmedLine(250, -125)}));
+    COMPARE_LINES(fixture.take(), {u"call reportRateConfirmed(250)"_s, confirmedLine(250, -125)});
     QCOMPARE(device.device()->reportRate(), -125);
     QVERIFY(device.device()->isReportRateChangePending());
 }
@@ -476,68 +471,67 @@ void tst_ReportRate::confirmationWithNothingPending()
 {
     QFETCH(const int, rate);
     QFETCH(const QStringList, expected);
-    Bench bench;
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
     device.reportRateConfirmed(rate);
 
-    QCOMPARE(bench.take(), timelineText(QStringList{u"call reportRateConfirmed(%1)"_s.arg(rate)} + expected));
+    COMPARE_LINES(fixture.take(), QStringList{u"call reportRateConfirmed(%1)"_s.arg(rate)} + expected);
     QCOMPARE(device.device()->reportRate(), rate);
     QVERIFY(!device.device()->isReportRateChangePending());
 }
 
 void tst_ReportRate::disagreeingConfirmationSendsThePendingRateAgain()
 {
-    Bench bench;
-    bench.receiver.answers.reportRateInfo = rateInfo(125, {125, 250, 500});
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    fixture.receiver.answers.reportRateInfo = rateInfo(125, {125, 250, 500});
+    HostedDevice &device = fixture.started();
     device.setReportRate(500);
-    bench.take();
+    fixture.take();
     int rateDuringRequest = -1;
-    bench.receiver.duringRequest = [&](const QString &) {
+    fixture.receiver.duringRequest = [&](const QString &) {
         rateDuringRequest = device.device()->reportRate();
     };
     device.reportRateConfirmed(250);
 
-    QCOMPARE(bench.take(),
-             timelineText(QStringList{u"call reportRateConfirmed(250)"_s, confirmedLine(250, 500)} +
-                          repeatedRequest(500)));
+    COMPARE_LINES(fixture.take(), QStringList{u"call reportRateConfirmed(250)"_s, confirmedLine(250, 500)} +
+                                      repeatedRequest(500));
     QCOMPARE(rateDuringRequest, 500);
     QCOMPARE(device.device()->reportRate(), 500);
     QVERIFY(device.device()->isReportRateChangePending());
 
     device.reportRateConfirmed(500);
-    QCOMPARE(bench.take(), timelineText({u"call reportRateConfirmed(500)"_s, confirmedLine(500, 500),
-                                         u"signal isReportRateChangePendingChanged(false)"_s}));
+    COMPARE_LINES(fixture.take(), {u"call reportRateConfirmed(500)"_s, confirmedLine(500, 500),
+                                   u"signal isReportRateChangePendingChanged(false)"_s});
 }
 
 void tst_ReportRate::disagreeingConfirmationRepeatsWithoutLimit()
 {
-    Bench bench;
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
     device.setReportRate(1000);
-    bench.take();
+    fixture.take();
     for (int i = 0; i < 1000; ++i) {
         device.reportRateConfirmed(250);
-        QCOMPARE(bench.take(),
-                 timelineText(QStringList{u"call reportRateConfirmed(250)"_s, confirmedLine(250, 1000)} +
-                              repeatedRequest(1000)));
+        COMPARE_LINES(fixture.take(),
+                      QStringList{u"call reportRateConfirmed(250)"_s, confirmedLine(250, 1000)} +
+                          repeatedRequest(1000));
     }
 }
 
 void tst_ReportRate::refusedRepeatEndsTheRequest()
 {
-    Bench bench;
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
     device.setReportRate(1000);
-    bench.take();
-    bench.receiver.answers.acceptsRequests = false;
+    fixture.take();
+    fixture.receiver.answers.acceptsRequests = false;
     device.reportRateConfirmed(250);
 
-    QCOMPARE(bench.take(),
-             timelineText(
-                 {u"call reportRateConfirmed(250)"_s, confirmedLine(250, 1000), updatingLine(1000),
-                  u"receiver setReportRate(1000) -> false"_s, warningLine(u"Dongle set report rate failed"_s),
-                  u"signal isReportRateChangePendingChanged(false)"_s, u"signal reportRateChanged(1000)"_s}));
+    COMPARE_LINES(fixture.take(),
+                  {u"call reportRateConfirmed(250)"_s, confirmedLine(250, 1000), updatingLine(1000),
+                   u"receiver setReportRate(1000) -> false"_s,
+                   warningLine(u"Dongle set report rate failed"_s),
+                   u"signal isReportRateChangePendingChanged(false)"_s, u"signal reportRateChanged(1000)"_s});
     QCOMPARE(device.device()->reportRate(), 1000);
 }
 
@@ -607,41 +601,41 @@ void tst_ReportRate::reportReplacesTheListAndConfirms()
     QFETCH(const QStringList, rates);
     QFETCH(const int, rate);
 
-    Bench bench;
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
     device.reportRateChangedCallBack(&info);
 
-    QCOMPARE(bench.take().split(u'\n').mid(1), expected);
+    COMPARE_LINES(fixture.take().mid(1), expected);
     QCOMPARE(device.device()->reportRateValues(), rates);
     QCOMPARE(device.device()->reportRate(), rate);
 }
 
 void tst_ReportRate::reportOfAnUnlistedRateWithoutReceiver()
 {
-    Bench bench;
-    HostedDevice &device = bench.create();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.create();
     const ReportRateInfo info = rateInfo(1000, {500, 125});
     device.reportRateChangedCallBack(&info);
 
     // Without a receiver 125 is not preferred: the first listed rate is taken, and cannot be sent.
-    QCOMPARE(bench.take().split(u'\n').mid(1),
-             QStringList({supportedLine(500), supportedLine(125),
-                          u"signal reportRateValuesChanged([\"500\", \"125\"])"_s, updatingLine(500),
-                          warningLine(u"Unknown IPhysicalDevice interface"_s)}));
+    COMPARE_LINES(fixture.take().mid(1),
+                  {supportedLine(500), supportedLine(125),
+                   u"signal reportRateValuesChanged([\"500\", \"125\"])"_s, updatingLine(500),
+                   warningLine(u"Unknown IPhysicalDevice interface"_s)});
     QCOMPARE(device.device()->reportRate(), 500);
 }
 
 void tst_ReportRate::reportWhileARequestIsPending()
 {
-    Bench bench;
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
     device.setReportRate(1000);
-    bench.take();
+    fixture.take();
     const ReportRateInfo info = rateInfo(250, {250, 1000});
     device.reportRateChangedCallBack(&info);
 
-    QCOMPARE(
-        bench.take().split(u'\n').mid(1),
+    COMPARE_LINES(
+        fixture.take().mid(1),
         QStringList({supportedLine(250), supportedLine(1000),
                      u"signal reportRateValuesChanged([\"250\", \"1000\"])"_s, confirmedLine(250, 1000)}) +
             repeatedRequest(1000));
@@ -649,72 +643,71 @@ void tst_ReportRate::reportWhileARequestIsPending()
 
 void tst_ReportRate::confirmationInsideTheRequest()
 {
-    Bench bench;
-    HostedDevice &device = bench.started();
-    bench.receiver.duringRequest = [&](const QString &) { device.reportRateConfirmed(1000); };
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
+    fixture.receiver.duringRequest = [&](const QString &) { device.reportRateConfirmed(1000); };
     device.setReportRate(1000);
 
-    QCOMPARE(bench.take(),
-             timelineText({u"call setReportRate(1000)"_s, updatingLine(1000),
-                           u"signal isReportRateChangePendingChanged(true)"_s,
-                           u"receiver setReportRate(1000) -> true"_s, u"call reportRateConfirmed(1000)"_s,
-                           confirmedLine(1000, 1000), u"signal isReportRateChangePendingChanged(false)"_s,
-                           u"signal reportRateChanged(1000)"_s}));
+    COMPARE_LINES(fixture.take(),
+                  {u"call setReportRate(1000)"_s, updatingLine(1000),
+                   u"signal isReportRateChangePendingChanged(true)"_s,
+                   u"receiver setReportRate(1000) -> true"_s, u"call reportRateConfirmed(1000)"_s,
+                   confirmedLine(1000, 1000), u"signal isReportRateChangePendingChanged(false)"_s,
+                   u"signal reportRateChanged(1000)"_s});
     QVERIFY(!device.device()->isReportRateChangePending());
 }
 
 void tst_ReportRate::otherThreadChangesAtOnceAndSignalsLater()
 {
-    Bench bench;
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
     OtherThread other;
     other.run([&] { device.setReportRate(1000); });
 
     QCOMPARE(device.device()->reportRate(), 1000);
     QVERIFY(device.device()->isReportRateChangePending());
-    QCOMPARE(bench.take(),
-             timelineText({u"call setReportRate(1000) on thread 2"_s, updatingLine(1000) + u" on thread 2"_s,
-                           u"receiver setReportRate(1000) -> true on thread 2"_s}));
+    COMPARE_LINES(fixture.take(),
+                  {u"call setReportRate(1000) on thread 2"_s, updatingLine(1000) + u" on thread 2"_s,
+                   u"receiver setReportRate(1000) -> true on thread 2"_s});
     deliverQueuedCalls();
-    QCOMPARE(bench.take(), timelineText({u"signal isReportRateChangePendingChanged(true)"_s,
-                                         u"signal reportRateChanged(1000)"_s}));
+    COMPARE_LINES(fixture.take(),
+                  {u"signal isReportRateChangePendingChanged(true)"_s, u"signal reportRateChanged(1000)"_s});
 
     other.run([&] { device.reportRateConfirmed(1000); });
     QVERIFY(!device.device()->isReportRateChangePending());
-    bench.take();
+    fixture.take();
     deliverQueuedCalls();
-    QCOMPARE(bench.take(), u"signal isReportRateChangePendingChanged(false)"_s);
+    COMPARE_LINES(fixture.take(), {u"signal isReportRateChangePendingChanged(false)"_s});
 }
 
 void tst_ReportRate::otherThreadSignalsCarryTheValueAtDelivery()
 {
-    Bench bench;
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
     OtherThread other;
     other.run([&] {
         device.reportRateConfirmed(250);
         device.reportRateConfirmed(1000);
     });
-    bench.take();
+    fixture.take();
     deliverQueuedCalls();
-    QCOMPARE(bench.take(),
-             timelineText({u"signal reportRateChanged(1000)"_s, u"signal reportRateChanged(1000)"_s}));
+    COMPARE_LINES(fixture.take(), {u"signal reportRateChanged(1000)"_s, u"signal reportRateChanged(1000)"_s});
 
     other.run([&] {
         device.setReportRate(125);
         device.reportRateConfirmed(125);
     });
-    bench.take();
+    fixture.take();
     deliverQueuedCalls();
-    QCOMPARE(bench.take(), timelineText({u"signal isReportRateChangePendingChanged(false)"_s,
-                                         u"signal reportRateChanged(125)"_s,
-                                         u"signal isReportRateChangePendingChanged(false)"_s}));
+    COMPARE_LINES(fixture.take(),
+                  {u"signal isReportRateChangePendingChanged(false)"_s, u"signal reportRateChanged(125)"_s,
+                   u"signal isReportRateChangePendingChanged(false)"_s});
 }
 
 void tst_ReportRate::otherThreadReportsTheListAtDelivery()
 {
-    Bench bench;
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
     OtherThread other;
     other.run([&] {
         const ReportRateInfo first = rateInfo(500, {500});
@@ -722,24 +715,24 @@ void tst_ReportRate::otherThreadReportsTheListAtDelivery()
         const ReportRateInfo second = rateInfo(500, {500, 125});
         device.reportRateChangedCallBack(&second);
     });
-    QCOMPARE(device.device()->reportRateValues(), QStringList({u"500"_s, u"125"_s}));
-    bench.take();
+    COMPARE_LINES(device.device()->reportRateValues(), {u"500"_s, u"125"_s});
+    fixture.take();
     deliverQueuedCalls();
-    QCOMPARE(bench.take(), timelineText({u"signal reportRateValuesChanged([\"500\", \"125\"])"_s,
-                                         u"signal reportRateValuesChanged([\"500\", \"125\"])"_s}));
+    COMPARE_LINES(fixture.take(), {u"signal reportRateValuesChanged([\"500\", \"125\"])"_s,
+                                   u"signal reportRateValuesChanged([\"500\", \"125\"])"_s});
 }
 
 void tst_ReportRate::requestSurvivesStop()
 {
-    Bench bench;
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
     device.setReportRate(1000);
     device.stop();
     QVERIFY(device.device()->isReportRateChangePending());
-    bench.take();
+    fixture.take();
     device.reportRateConfirmed(1000);
-    QCOMPARE(bench.take(), timelineText({u"call reportRateConfirmed(1000)"_s, confirmedLine(1000, 1000),
-                                         u"signal isReportRateChangePendingChanged(false)"_s}));
+    COMPARE_LINES(fixture.take(), {u"call reportRateConfirmed(1000)"_s, confirmedLine(1000, 1000),
+                                   u"signal isReportRateChangePendingChanged(false)"_s});
 }
 
 void tst_ReportRate::logSwitchesChangeNothingElse_data()
@@ -755,9 +748,9 @@ void tst_ReportRate::logSwitchesChangeNothingElse()
 {
     QFETCH(const bool, debug);
     QFETCH(const bool, warning);
-    Bench bench({debug, warning, false});
-    HostedDevice &device = bench.started();
-    bench.receiver.answers.acceptsRequests = false;
+    PluginFixture fixture({debug, warning, false});
+    HostedDevice &device = fixture.started();
+    fixture.receiver.answers.acceptsRequests = false;
     device.setReportRate(1000);
 
     QStringList expected{u"call setReportRate(1000)"_s};
@@ -768,7 +761,7 @@ void tst_ReportRate::logSwitchesChangeNothingElse()
     if (warning)
         expected += warningLine(u"Dongle set report rate failed"_s);
     expected += {u"signal isReportRateChangePendingChanged(false)"_s, u"signal reportRateChanged(1000)"_s};
-    QCOMPARE(bench.take(), timelineText(expected));
+    COMPARE_LINES(fixture.take(), expected);
 }
 
 QTEST_GUILESS_MAIN(tst_ReportRate)

@@ -1,5 +1,5 @@
-#include "Bench.h"
 #include "OtherThread.h"
+#include "PluginFixture.h"
 #include "TimelineText.h"
 
 #include <QtTest/QTest>
@@ -29,38 +29,37 @@ private Q_SLOTS:
 
 void tst_Settings::applySettingsWritesTheMap()
 {
-    Bench bench;
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
     device.applySettings({{u"zoom"_s, 2}, {u"name"_s, u"Mäuschen"_s}, {u"isOn"_s, true}});
     // Sorted by name, each value with its type.
-    QCOMPARE(bench.take().split(u'\n').mid(1),
-             QStringList{debugLine(u"applySettings : QMap((\"isOn\", QVariant(bool, true))(\"name\", "
-                                   "QVariant(QString, \"Mäuschen\"))(\"zoom\", QVariant(int, 2)))"_s)});
+    COMPARE_LINES(fixture.take().mid(1),
+                  {debugLine(u"applySettings : QMap((\"isOn\", QVariant(bool, true))(\"name\", "
+                             "QVariant(QString, \"Mäuschen\"))(\"zoom\", QVariant(int, 2)))"_s)});
 }
 
 void tst_Settings::applySettingsWritesAnEmptyMap()
 {
-    Bench bench;
-    HostedDevice &device = bench.create();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.create();
     device.applySettings({});
-    QCOMPARE(bench.take(),
-             timelineText({u"call applySettings({})"_s, debugLine(u"applySettings : QMap()"_s)}));
+    COMPARE_LINES(fixture.take(), {u"call applySettings({})"_s, debugLine(u"applySettings : QMap()"_s)});
 }
 
 void tst_Settings::applySettingsWithTheSwitchOff()
 {
-    Bench bench({false, true, true});
-    HostedDevice &device = bench.started();
+    PluginFixture fixture({false, true, true});
+    HostedDevice &device = fixture.started();
     device.applySettings({{u"reportRate"_s, 1000}});
-    QCOMPARE(bench.take(), u"call applySettings({\"reportRate\": 1000})"_s);
+    COMPARE_LINES(fixture.take(), {u"call applySettings({\"reportRate\": 1000})"_s});
 }
 
 void tst_Settings::applySettingsChangesNothing()
 {
-    Bench bench;
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
     device.applySettings({{u"reportRate"_s, 1000}, {u"dpiButtonId"_s, 3}});
-    QCOMPARE(bench.take().split(u'\n').size(), qsizetype(2));
+    QCOMPARE(fixture.take().size(), qsizetype(2));
     QCOMPARE(device.device()->reportRate(), 500);
     QCOMPARE(device.device()->dpiButtonId(), 15);
 }
@@ -75,26 +74,26 @@ void tst_Settings::resetSettingsOnAFreshMask_data()
 void tst_Settings::resetSettingsOnAFreshMask()
 {
     QFETCH(const bool, isStarted);
-    Bench bench;
-    HostedDevice &device = isStarted ? bench.started() : bench.create();
+    PluginFixture fixture;
+    HostedDevice &device = isStarted ? fixture.started() : fixture.create();
     device.resetSettings();
-    QCOMPARE(bench.take(), timelineText({u"call resetSettings()"_s, debugLine(u"resetSettings"_s)}));
+    COMPARE_LINES(fixture.take(), {u"call resetSettings()"_s, debugLine(u"resetSettings"_s)});
 }
 
 void tst_Settings::resetSettingsKeepsTheDisabledButtons()
 {
-    Bench bench;
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
     device.disbaleButtonsOrKeys({1, 2, 3, 4, 5, 8});
-    bench.take();
+    fixture.take();
     device.resetSettings();
-    QCOMPARE(bench.take(), timelineText({u"call resetSettings()"_s, debugLine(u"resetSettings"_s)}));
+    COMPARE_LINES(fixture.take(), {u"call resetSettings()"_s, debugLine(u"resetSettings"_s)});
 }
 
 void tst_Settings::resetSettingsResetsNothingElse()
 {
-    Bench bench;
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
     device.dpiButtonIdChangedCallBack(3);
     device.activeDpiSlotIndexChangedCallBack(4);
     device.setReportRate(1000);
@@ -107,18 +106,18 @@ void tst_Settings::resetSettingsResetsNothingElse()
 
 void tst_Settings::capabilityChangeIsSignalled()
 {
-    Bench bench;
-    HostedDevice &device = bench.started();
-    bench.receiver.answers.isSmartPointerSupported = false;
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
+    fixture.receiver.answers.isSmartPointerSupported = false;
     device.capabilityChangedCallBack(1);
-    QCOMPARE(bench.take(), timelineText({u"call capabilityChangedCallBack(1)"_s,
-                                         debugLine(u"capabilityChangedCallBack, capability : 1"_s),
-                                         u"receiver isSmartPointerSupported() -> false"_s,
-                                         u"signal isSmartPointerSupportedChanged(false)"_s}));
+    COMPARE_LINES(fixture.take(), {u"call capabilityChangedCallBack(1)"_s,
+                                   debugLine(u"capabilityChangedCallBack, capability : 1"_s),
+                                   u"receiver isSmartPointerSupported() -> false"_s,
+                                   u"signal isSmartPointerSupportedChanged(false)"_s});
     QVERIFY(!device.device()->isSmartPointerSupported());
-    bench.receiver.answers.isSmartPointerSupported = true;
+    fixture.receiver.answers.isSmartPointerSupported = true;
     device.capabilityChangedCallBack(1);
-    QVERIFY(bench.take().endsWith(u"signal isSmartPointerSupportedChanged(true)"_s));
+    QCOMPARE(fixture.take().last(), u"signal isSmartPointerSupportedChanged(true)"_s);
     QVERIFY(device.device()->isSmartPointerSupported());
 }
 
@@ -133,50 +132,49 @@ void tst_Settings::capabilityIsReadWhateverTheArgument_data()
 void tst_Settings::capabilityIsReadWhateverTheArgument()
 {
     QFETCH(const int, capability);
-    Bench bench;
-    HostedDevice &device = bench.started();
-    bench.receiver.answers.isSmartPointerSupported = false;
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
+    fixture.receiver.answers.isSmartPointerSupported = false;
     device.capabilityChangedCallBack(static_cast<quint8>(capability));
-    QCOMPARE(bench.take(),
-             timelineText({u"call capabilityChangedCallBack(%1)"_s.arg(capability),
-                           debugLine(u"capabilityChangedCallBack, capability : %1"_s.arg(capability)),
-                           u"receiver isSmartPointerSupported() -> false"_s,
-                           u"signal isSmartPointerSupportedChanged(false)"_s}));
+    COMPARE_LINES(fixture.take(), {u"call capabilityChangedCallBack(%1)"_s.arg(capability),
+                                   debugLine(u"capabilityChangedCallBack, capability : %1"_s.arg(capability)),
+                                   u"receiver isSmartPointerSupported() -> false"_s,
+                                   u"signal isSmartPointerSupportedChanged(false)"_s});
 }
 
 void tst_Settings::sameCapabilityIsNotSignalled()
 {
-    Bench bench;
-    HostedDevice &device = bench.started();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
     device.capabilityChangedCallBack(1);
     device.capabilityChangedCallBack(1);
     const QStringList once{u"call capabilityChangedCallBack(1)"_s,
                            debugLine(u"capabilityChangedCallBack, capability : 1"_s),
                            u"receiver isSmartPointerSupported() -> true"_s};
-    QCOMPARE(bench.take(), timelineText(once + once));
+    COMPARE_LINES(fixture.take(), once + once);
 }
 
 void tst_Settings::capabilityWithoutReceiver()
 {
-    Bench bench;
-    HostedDevice &device = bench.create();
+    PluginFixture fixture;
+    HostedDevice &device = fixture.create();
     device.capabilityChangedCallBack(1);
-    QCOMPARE(bench.take(), timelineText({u"call capabilityChangedCallBack(1)"_s,
-                                         debugLine(u"capabilityChangedCallBack, capability : 1"_s)}));
+    COMPARE_LINES(fixture.take(), {u"call capabilityChangedCallBack(1)"_s,
+                                   debugLine(u"capabilityChangedCallBack, capability : 1"_s)});
 }
 
 void tst_Settings::capabilityIsSignalledOnTheCallingThread()
 {
-    Bench bench({false, false, false});
-    HostedDevice &device = bench.started();
-    bench.receiver.answers.isSmartPointerSupported = false;
+    PluginFixture fixture({false, false, false});
+    HostedDevice &device = fixture.started();
+    fixture.receiver.answers.isSmartPointerSupported = false;
     OtherThread other;
     other.run([&] { device.capabilityChangedCallBack(1); });
-    QCOMPARE(bench.take(), timelineText({u"call capabilityChangedCallBack(1) on thread 2"_s,
-                                         u"receiver isSmartPointerSupported() -> false on thread 2"_s,
-                                         u"signal isSmartPointerSupportedChanged(false) on thread 2"_s}));
+    COMPARE_LINES(fixture.take(), {u"call capabilityChangedCallBack(1) on thread 2"_s,
+                                   u"receiver isSmartPointerSupported() -> false on thread 2"_s,
+                                   u"signal isSmartPointerSupportedChanged(false) on thread 2"_s});
     deliverQueuedCalls();
-    QCOMPARE(bench.take(), QString());
+    COMPARE_LINES(fixture.take(), {});
 }
 
 QTEST_GUILESS_MAIN(tst_Settings)

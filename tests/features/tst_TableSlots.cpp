@@ -1,4 +1,4 @@
-#include "Bench.h"
+#include "PluginFixture.h"
 #include "TableCalls.h"
 #include "TimelineText.h"
 
@@ -184,19 +184,19 @@ private Q_SLOTS:
 
 void tst_TableSlots::everyGetterOfAFreshDevice()
 {
-    Bench bench;
-    HostedDevice &device = bench.create();
-    everyGetter(TableCalls(bench.timeline, device));
-    QCOMPARE(bench.take(), QString::fromLatin1(freshAnswers));
+    PluginFixture fixture;
+    HostedDevice &device = fixture.create();
+    everyGetter(TableCalls(fixture.timeline, device));
+    COMPARE_LINES(fixture.take(), linesOf(QString::fromLatin1(freshAnswers)));
 }
 
 void tst_TableSlots::everyGetterAfterEverythingChanged()
 {
-    Bench bench({false, false, false});
-    bench.started(1);
-    HostedDevice &device = bench.started();
-    Q_EMIT bench.receiver.dpiMinChanged(100);
-    Q_EMIT bench.receiver.dpiMaxChanged(8000);
+    PluginFixture fixture({false, false, false});
+    fixture.started(1);
+    HostedDevice &device = fixture.started();
+    Q_EMIT fixture.receiver.dpiMinChanged(100);
+    Q_EMIT fixture.receiver.dpiMaxChanged(8000);
     device.setFirmwareVersion(7);
     device.setBatteryLevel(12);
     device.dpiValueChangedCallBack(1600);
@@ -209,15 +209,15 @@ void tst_TableSlots::everyGetterAfterEverythingChanged()
     device.setDpiButtonId(5);
     device.setReportRate(1000);
     device.ppidChangedCallBack(u"RV418-0001"_s);
-    bench.take();
-    everyGetter(TableCalls(bench.timeline, device));
-    QCOMPARE(bench.take(), QString::fromLatin1(changedAnswers));
+    fixture.take();
+    everyGetter(TableCalls(fixture.timeline, device));
+    COMPARE_LINES(fixture.take(), linesOf(QString::fromLatin1(changedAnswers)));
 }
 
 void tst_TableSlots::operationsWithoutEffect()
 {
-    Bench bench;
-    const TableCalls call(bench.timeline, bench.started());
+    PluginFixture fixture;
+    const TableCalls call(fixture.timeline, fixture.started());
     call(MOUSE(setDpiLevel), 3);
     call(MOUSE(notify38));
     call(MOUSE(notify42));
@@ -229,18 +229,17 @@ void tst_TableSlots::operationsWithoutEffect()
     call(MOUSE(notify90));
     call(MOUSE(notify92));
     call(MOUSE(notify93));
-    QCOMPARE(bench.take(),
-             timelineText({u"call setDpiLevel(3)"_s, u"call notify38()"_s, u"call notify42()"_s,
-                           u"call notify43()"_s, u"call notify44()"_s, u"call setDpiValue(800)"_s,
-                           u"call setScrollInversionEnabled(true)"_s, u"call notify87()"_s,
-                           u"call notify90()"_s, u"call notify92()"_s, u"call notify93()"_s}));
+    COMPARE_LINES(fixture.take(), {u"call setDpiLevel(3)"_s, u"call notify38()"_s, u"call notify42()"_s,
+                                   u"call notify43()"_s, u"call notify44()"_s, u"call setDpiValue(800)"_s,
+                                   u"call setScrollInversionEnabled(true)"_s, u"call notify87()"_s,
+                                   u"call notify90()"_s, u"call notify92()"_s, u"call notify93()"_s});
 }
 
 void tst_TableSlots::everySignalIsEmittedByItsSlot()
 {
-    Bench bench;
-    HostedDevice &device = bench.create();
-    const TableCalls call(bench.timeline, device);
+    PluginFixture fixture;
+    HostedDevice &device = fixture.create();
+    const TableCalls call(fixture.timeline, device);
     call(MOUSE(stopped), static_cast<IDevice *>(device.device()));
     call(MOUSE(firmwareVersionChanged), 16U);
     call(MOUSE(instanceNumberChanged), 45);
@@ -272,7 +271,7 @@ void tst_TableSlots::everySignalIsEmittedByItsSlot()
     call(GEN3(ppidChanged), u"G3 3"_s);
 
     // One signal each, of the same name and with the same values.
-    const QStringList lines = bench.timeline.lines();
+    const QStringList lines = fixture.timeline.lines();
     QCOMPARE(lines.size(), 2 * 29);
     QCOMPARE(lines.at(0), u"call stopped(\"device\")"_s);
     QCOMPARE(lines.at(1), u"signal stopped(\"this\")"_s);
@@ -290,16 +289,17 @@ void tst_TableSlots::deviceIsDeletedThroughEitherTable_data()
 void tst_TableSlots::deviceIsDeletedThroughEitherTable()
 {
     QFETCH(const QString, destructor);
-    Bench bench;
-    const std::unique_ptr<HostedDevice> device = bench.host.createDevice(&bench.receiver, Bench::mouse);
-    bench.take();
-    bench.timeline.record(TimelineEntry::Kind::Call, Bench::mouse, destructor);
+    PluginFixture fixture;
+    const std::unique_ptr<HostedDevice> device =
+        fixture.host.createDevice(&fixture.receiver, PluginFixture::mouse);
+    fixture.take();
+    fixture.timeline.record(TimelineEntry::Kind::Call, PluginFixture::mouse, destructor);
     if (destructor == u"~ILogicalDeviceGen3")
         delete device->gen3();
     else
         delete device->device();
-    QCOMPARE(bench.take(), timelineText({u"call %1()"_s.arg(destructor), debugLine(u"~LogicalDevice enter"_s),
-                                         debugLine(u"~LogicalDevice exit"_s)}));
+    COMPARE_LINES(fixture.take(), {u"call %1()"_s.arg(destructor), debugLine(u"~LogicalDevice enter"_s),
+                                   debugLine(u"~LogicalDevice exit"_s)});
 }
 
 QTEST_GUILESS_MAIN(tst_TableSlots)

@@ -78,7 +78,7 @@ void LibraryRun::unload()
     deliverQueuedCalls();
 }
 
-QString LibraryRun::take()
+QStringList LibraryRun::take()
 {
     return m_bench.take(Timeline::Style::WithDevice);
 }

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "Bench.h"
 #include "Operation.h"
 #include "PlainPhysicalDevice.h"
+#include "PluginFixture.h"
 
 #include <QtCore/QUuid>
 
@@ -27,7 +27,7 @@ public:
     void unload();
 
     /// What came on the timeline since the last call.
-    QString take();
+    QStringList take();
 
     /// Null where there is none.
     const HostedDevice *device(int slot) const;
@@ -55,7 +55,7 @@ private:
     Entry &entry(int slot);
 
     OtherThread &m_otherThread;
-    Bench m_bench;
+    PluginFixture m_bench;
     FakeReceiver m_secondReceiver;
     PlainPhysicalDevice m_plainDevice;
     std::array<Entry, deviceSlotCount> m_entries;

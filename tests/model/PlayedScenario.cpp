@@ -1,13 +1,13 @@
 #include "PlayedScenario.h"
 
-#include "Bench.h"
+#include "PluginFixture.h"
 #include "Scenario.h"
 
 using namespace Qt::StringLiterals;
 
 KvxRun play(const QString &scenario)
 {
-    return runKvx({u"run"_s, u"-"_s, u"--plugin"_s, Bench::builtPluginFile()}, scenario.toUtf8());
+    return runKvx({u"run"_s, u"-"_s, u"--plugin"_s, PluginFixture::builtPluginFile()}, scenario.toUtf8());
 }
 
 // instead.

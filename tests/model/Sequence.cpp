@@ -102,10 +102,9 @@ private:
 
     void compareLines(const OperationPointer &operation)
     {
-        const QString seen = m_library.take();
-        if (seen != m_world.lines.join(u'\n') || !m_values.isEmpty())
-            m_result.deviation = Deviation{operation, m_insideReport, m_world.lines,
-                                           seen.isEmpty() ? QStringList() : seen.split(u'\n'), m_values};
+        const QStringList seen = m_library.take();
+        if (seen != m_world.lines || !m_values.isEmpty())
+            m_result.deviation = Deviation{operation, m_insideReport, m_world.lines, seen, m_values};
         m_world.lines.clear();
     }
 

@@ -1,4 +1,4 @@
-#include "Bench.h"
+#include "PluginFixture.h"
 #include "LibraryFile.h"
 #include "ThisSystem.h"
 
@@ -14,7 +14,7 @@ namespace {
 
 QByteArray pluginBytes()
 {
-    QFile file(Bench::builtPluginFile());
+    QFile file(PluginFixture::builtPluginFile());
     return file.open(QFile::ReadOnly) ? file.readAll() : QByteArray();
 }
 

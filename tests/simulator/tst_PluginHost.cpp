@@ -1,9 +1,10 @@
-#include "Bench.h"
 #include "ILogicalDevicePlugin.h"
 #include "LogRecorder.h"
+#include "PluginFixture.h"
 #include "PluginHost.h"
 #include "PluginInspection.h"
 #include "ThisSystem.h"
+#include "TimelineText.h"
 
 #include <QtCore/QDir>
 #include <QtCore/QFile>
@@ -23,7 +24,7 @@ QString wrongLibrary(const QString &name)
 
 QByteArray pluginBytes()
 {
-    QFile file(Bench::builtPluginFile());
+    QFile file(PluginFixture::builtPluginFile());
     return file.open(QFile::ReadOnly) ? file.readAll() : QByteArray();
 }
 
@@ -119,7 +120,7 @@ void tst_PluginHost::unusableFiles()
     QVERIFY2(reason.contains(cause), qPrintable(reason));
     QVERIFY2(!reason.contains(u'\n'), qPrintable(reason));
     QVERIFY(!host.factory());
-    QCOMPARE(timeline.take(), QString());
+    COMPARE_LINES(timeline.take(), {});
 }
 
 void tst_PluginHost::hugeFileIsRefusedUnread()
@@ -189,7 +190,7 @@ void tst_PluginHost::metadataIsJudged()
 
 void tst_PluginHost::ownDemandsAcceptTheBuiltPlugin()
 {
-    const PluginInspection inspection = inspectPlugin(Bench::builtPluginFile());
+    const PluginInspection inspection = inspectPlugin(PluginFixture::builtPluginFile());
     QCOMPARE(inspection.judgement.reason, QString());
     QCOMPARE(inspection.metaData.value("className"_L1).toString(), u"LogicalDevicePlugin"_s);
     QCOMPARE(PluginDemands::own().qtVersion >> 8, QT_VERSION >> 8);
@@ -200,10 +201,10 @@ void tst_PluginHost::loadGivesTheFactory()
 {
     Timeline timeline;
     PluginHost host(timeline);
-    QVERIFY(!host.load(Bench::builtPluginFile()).has_value());
+    QVERIFY(!host.load(PluginFixture::builtPluginFile()).has_value());
     QVERIFY(host.factory());
     QVERIFY(host.root());
-    QCOMPARE(host.fileName(), QFileInfo(Bench::builtPluginFile()).absoluteFilePath());
+    QCOMPARE(host.fileName(), QFileInfo(PluginFixture::builtPluginFile()).absoluteFilePath());
 }
 
 void tst_PluginHost::unloadReallyUnloads()
@@ -212,7 +213,7 @@ void tst_PluginHost::unloadReallyUnloads()
     PluginHost host(timeline);
     QVERIFY(!isLibraryInProcess());
     for (int round = 0; round < 2; ++round) {
-        QVERIFY(!host.load(Bench::builtPluginFile()).has_value());
+        QVERIFY(!host.load(PluginFixture::builtPluginFile()).has_value());
         QVERIFY(isLibraryInProcess());
         QVERIFY(host.unload());
         QVERIFY(!isLibraryInProcess());
@@ -225,7 +226,7 @@ void tst_PluginHost::unloadDeletesTheDevices()
 {
     Timeline timeline;
     PluginHost host(timeline);
-    QVERIFY(!host.load(Bench::builtPluginFile()).has_value());
+    QVERIFY(!host.load(PluginFixture::builtPluginFile()).has_value());
     const std::unique_ptr<HostedDevice> device = host.createDevice(nullptr, 1);
     const QPointer<QObject> object = device->object();
     QVERIFY(object);
@@ -239,7 +240,7 @@ void tst_PluginHost::loadsAgainAfterAFailure()
     PluginHost host(timeline);
     QVERIFY(host.load(wrongLibrary(u"FactorylessPlugin"_s)).has_value());
     QVERIFY(host.load(u"/nowhere"_s).has_value());
-    QVERIFY(!host.load(Bench::builtPluginFile()).has_value());
+    QVERIFY(!host.load(PluginFixture::builtPluginFile()).has_value());
     QVERIFY(host.load(u"/nowhere"_s).has_value());
     QVERIFY(!host.factory());
 }
@@ -249,15 +250,15 @@ void tst_PluginHost::callsOfTheFactoryAreRecorded()
     Timeline timeline;
     SimulatedHostServices hostServices(timeline);
     PluginHost host(timeline);
-    QVERIFY(!host.load(Bench::builtPluginFile()).has_value());
+    QVERIFY(!host.load(PluginFixture::builtPluginFile()).has_value());
     host.initialize(&hostServices, false, false, true);
     std::unique_ptr<HostedDevice> device = host.createDevice(nullptr, 7);
     const QPointer<QObject> object = device->object();
     host.destroyDevice(std::move(device));
     QVERIFY(!object);
-    QCOMPARE(
-        timeline.take(Timeline::Style::WithDevice),
-        u"call initialize(false, false, true)\ncall [7] createLogicalDevice()\ncall [7] destroyDevice()"_s);
+    COMPARE_LINES(timeline.take(Timeline::Style::WithDevice),
+                  {u"call initialize(false, false, true)"_s, u"call [7] createLogicalDevice()"_s,
+                   u"call [7] destroyDevice()"_s});
 }
 
 void tst_PluginHost::logRecordersNest()
@@ -271,8 +272,8 @@ void tst_PluginHost::logRecordersNest()
         qCritical("two");
     }
     qInfo("three");
-    QCOMPARE(outerTimeline.take(), u"warning default: one\ninfo default: three"_s);
-    QCOMPARE(innerTimeline.take(), u"critical default: two"_s);
+    COMPARE_LINES(outerTimeline.take(), {u"warning default: one"_s, u"info default: three"_s});
+    COMPARE_LINES(innerTimeline.take(), {u"critical default: two"_s});
 }
 
 QTEST_GUILESS_MAIN(tst_PluginHost)

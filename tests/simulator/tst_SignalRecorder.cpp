@@ -1,6 +1,7 @@
-#include "Bench.h"
 #include "OtherThread.h"
+#include "PluginFixture.h"
 #include "SignalRecorder.h"
+#include "TimelineText.h"
 
 #include <QtCore/QPoint>
 #include <QtTest/QTest>
@@ -57,11 +58,11 @@ void tst_SignalRecorder::recordsEverySignalBelowQObject()
     Q_EMIT emitter.withDefault(1);
     Q_EMIT emitter.opaque({1, 2});
     emitter.notASignal();
-    QCOMPARE(timeline.lines(Timeline::Style::WithDevice),
-             QStringList({u"signal [42] inherited()"_s,
-                          u"signal [42] numbers(true, -5, 4294967295, \"18014398509481984\", 7, 255)"_s,
-                          u"signal [42] texts(\"a \\\"b\\\"\", [\"x\", \"y\"])"_s,
-                          u"signal [42] withDefault(1, 2)"_s, u"signal [42] opaque(\"QPoint\")"_s}));
+    COMPARE_LINES(timeline.lines(Timeline::Style::WithDevice),
+                  {u"signal [42] inherited()"_s,
+                   u"signal [42] numbers(true, -5, 4294967295, \"18014398509481984\", 7, 255)"_s,
+                   u"signal [42] texts(\"a \\\"b\\\"\", [\"x\", \"y\"])"_s,
+                   u"signal [42] withDefault(1, 2)"_s, u"signal [42] opaque(\"QPoint\")"_s});
 }
 
 void tst_SignalRecorder::recordsOnTheEmittingThread()
@@ -71,7 +72,7 @@ void tst_SignalRecorder::recordsOnTheEmittingThread()
     const SignalRecorder recorder(timeline, &emitter, {});
     OtherThread other;
     other.run([&] { Q_EMIT emitter.inherited(); });
-    QCOMPARE(timeline.take(), u"signal inherited() on thread 2"_s);
+    COMPARE_LINES(timeline.take(), {u"signal inherited() on thread 2"_s});
 }
 
 void tst_SignalRecorder::recordsBeforeLaterSlots()
@@ -81,7 +82,7 @@ void tst_SignalRecorder::recordsBeforeLaterSlots()
     const SignalRecorder recorder(timeline, &emitter, {});
     connect(&emitter, &Emitter::inherited, &emitter, [&] { timeline.recordVerdict(u"slot"_s); });
     Q_EMIT emitter.inherited();
-    QCOMPARE(timeline.take(), u"signal inherited()\nverdict slot"_s);
+    COMPARE_LINES(timeline.take(), {u"signal inherited()"_s, u"verdict slot"_s});
 }
 
 void tst_SignalRecorder::senderMayGoFirst()
@@ -90,7 +91,7 @@ void tst_SignalRecorder::senderMayGoFirst()
     auto emitter = std::make_unique<Emitter>();
     const SignalRecorder recorder(timeline, emitter.get(), {});
     emitter.reset();
-    QCOMPARE(timeline.take(), QString());
+    COMPARE_LINES(timeline.take(), {});
 }
 
 void tst_SignalRecorder::recorderMayGoFirst()
@@ -100,7 +101,7 @@ void tst_SignalRecorder::recorderMayGoFirst()
     auto recorder = std::make_unique<SignalRecorder>(timeline, &emitter, std::nullopt);
     recorder.reset();
     Q_EMIT emitter.inherited();
-    QCOMPARE(timeline.take(), QString());
+    COMPARE_LINES(timeline.take(), {});
 }
 
 void tst_SignalRecorder::missingSenderIsTold()
@@ -108,26 +109,27 @@ void tst_SignalRecorder::missingSenderIsTold()
     Timeline timeline;
     const SignalRecorder recorder(timeline, nullptr, 42);
     QVERIFY(!recorder.isComplete());
-    QCOMPARE(timeline.take(Timeline::Style::WithDevice),
-             u"verdict [42] there is no object whose signals could be recorded"_s);
+    COMPARE_LINES(timeline.take(Timeline::Style::WithDevice),
+                  {u"verdict [42] there is no object whose signals could be recorded"_s});
 }
 
 void tst_SignalRecorder::deviceArgumentIsThisOrOther()
 {
-    Bench bench({false, false, false});
-    HostedDevice &first = bench.create(1);
-    HostedDevice &second = bench.create(2);
+    PluginFixture fixture({false, false, false});
+    HostedDevice &first = fixture.create(1);
+    HostedDevice &second = fixture.create(2);
     first.device()->stopped(first.device());
     first.device()->stopped(second.device());
     first.device()->stopped(nullptr);
-    QCOMPARE(bench.take(Timeline::Style::WithDevice),
-             u"signal [1] stopped(\"this\")\nsignal [1] stopped(\"other\")\nsignal [1] stopped(null)"_s);
+    COMPARE_LINES(fixture.take(Timeline::Style::WithDevice),
+                  {u"signal [1] stopped(\"this\")"_s, u"signal [1] stopped(\"other\")"_s,
+                   u"signal [1] stopped(null)"_s});
 }
 
 void tst_SignalRecorder::everySignalOfADeviceIsRecorded()
 {
-    Bench bench({false, false, false});
-    HostedDevice &device = bench.create();
+    PluginFixture fixture({false, false, false});
+    HostedDevice &device = fixture.create();
     const QMetaObject *metaObject = device.object()->metaObject();
     int signalCount = 0;
     for (int index = metaObject->methodOffset(); index < metaObject->methodCount(); ++index) {
@@ -135,7 +137,7 @@ void tst_SignalRecorder::everySignalOfADeviceIsRecorded()
         if (method.methodType() != QMetaMethod::Signal)
             continue;
         ++signalCount;
-        bench.take();
+        fixture.take();
         void *arguments[] = {nullptr, nullptr, nullptr};
         QVariant values[2];
         for (int parameter = 0; parameter < method.parameterCount(); ++parameter) {
@@ -143,9 +145,10 @@ void tst_SignalRecorder::everySignalOfADeviceIsRecorded()
             arguments[parameter + 1] = values[parameter].data();
         }
         QMetaObject::activate(device.object(), metaObject, index - metaObject->methodOffset(), arguments);
-        const QString line = bench.take();
-        QVERIFY2(line.startsWith(u"signal "_s + QString::fromLatin1(method.name()) + u'('), qPrintable(line));
-        QVERIFY2(!line.contains(u'\n'), qPrintable(line));
+        const QStringList lines = fixture.take();
+        QCOMPARE(lines.size(), qsizetype(1));
+        QVERIFY2(lines.first().startsWith(u"signal "_s + QString::fromLatin1(method.name()) + u'('),
+                 qPrintable(lines.first()));
     }
     QCOMPARE(signalCount, 29);
 }

@@ -1,6 +1,7 @@
-#include "Bench.h"
 #include "OtherThread.h"
+#include "PluginFixture.h"
 #include "SimulatedReceiver.h"
+#include "TimelineText.h"
 #include "TimelineWait.h"
 
 #include <QtTest/QTest>
@@ -35,7 +36,7 @@ struct Air
     Air()
     {
         receiver.setMouse(mouse, SimulatedMouse());
-        if (const std::optional<QString> reason = host.load(Bench::builtPluginFile()))
+        if (const std::optional<QString> reason = host.load(PluginFixture::builtPluginFile()))
             qFatal("%s", qPrintable(*reason));
         host.initialize(&hostServices, false, false, false);
         device = host.createDevice(&receiver, mouse);
@@ -48,7 +49,7 @@ struct Air
         return waitForTimeline(timeline, [this] { return receiver.isIdle(); }, deadline);
     }
 
-    QString takeSettled() { return settle() ? timeline.take() : u"never settled"_s; }
+    QStringList takeSettled() { return settle() ? timeline.take() : QStringList{u"never settled"_s}; }
 
     /// Started and settled, with nothing on the timeline.
     void start()
@@ -59,11 +60,6 @@ struct Air
         timeline.clear();
     }
 };
-
-QString joined(const QStringList &lines)
-{
-    return lines.join(u'\n');
-}
 
 }  // namespace
 
@@ -125,14 +121,14 @@ void tst_SimulatedReceiver::readsAreAnsweredFromTheMouse()
     QCOMPARE(receiver.getReportRateInfo(1, &info), true);
     QCOMPARE(info.currentRate, 250);
     QCOMPARE(info.supportedRates[3], 1000);
-    QCOMPARE(
-        timeline.take(Timeline::Style::WithDevice),
-        joined({u"receiver [1] getFirmwareVersion() -> 4294967295"_s,
-                u"receiver [1] hasBatteryLevel() -> true"_s, u"receiver [1] getBatteryLevel() -> -3"_s,
-                u"receiver [1] getStatusValue() -> 1"_s, u"receiver [1] getDeviceValue() -> 2"_s,
-                u"receiver [1] getLevelValue() -> 3"_s, u"receiver [1] isSmartPointerSupported() -> true"_s,
-                u"receiver [1] forwardedOperation(2, 3) -> 99"_s, u"receiver forwardedCall(4, 5, 6) -> 4"_s,
-                u"receiver [1] getReportRateInfo() -> true"_s}));
+    COMPARE_LINES(timeline.take(Timeline::Style::WithDevice),
+                  {u"receiver [1] getFirmwareVersion() -> 4294967295"_s,
+                   u"receiver [1] hasBatteryLevel() -> true"_s, u"receiver [1] getBatteryLevel() -> -3"_s,
+                   u"receiver [1] getStatusValue() -> 1"_s, u"receiver [1] getDeviceValue() -> 2"_s,
+                   u"receiver [1] getLevelValue() -> 3"_s,
+                   u"receiver [1] isSmartPointerSupported() -> true"_s,
+                   u"receiver [1] forwardedOperation(2, 3) -> 99"_s,
+                   u"receiver forwardedCall(4, 5, 6) -> 4"_s, u"receiver [1] getReportRateInfo() -> true"_s});
 }
 
 void tst_SimulatedReceiver::refusedRateRecordIsLeftAlone()
@@ -153,14 +149,14 @@ void tst_SimulatedReceiver::reservedOperationsAreJudged()
     SimulatedReceiver receiver(timeline);
     receiver.reserved0();
     receiver.reserved64();
-    QCOMPARE(
-        timeline.take(),
-        joined({u"receiver reserved0()"_s, u"verdict a plugin must not call reserved0 of the receiver"_s,
-                u"receiver reserved64()"_s, u"verdict a plugin must not call reserved64 of the receiver"_s}));
+    COMPARE_LINES(timeline.take(),
+                  {u"receiver reserved0()"_s, u"verdict a plugin must not call reserved0 of the receiver"_s,
+                   u"receiver reserved64()"_s,
+                   u"verdict a plugin must not call reserved64 of the receiver"_s});
     SimulatedHostServices hostServices(timeline);
     hostServices.reserved1();
-    QCOMPARE(timeline.take(), joined({u"host reserved1()"_s,
-                                      u"verdict a plugin must not call reserved1 of the host services"_s}));
+    COMPARE_LINES(timeline.take(), {u"host reserved1()"_s,
+                                    u"verdict a plugin must not call reserved1 of the host services"_s});
 }
 
 void tst_SimulatedReceiver::unknownMouseIsRefused()
@@ -170,9 +166,9 @@ void tst_SimulatedReceiver::unknownMouseIsRefused()
     const QString verdict = u"verdict [5] the receiver knows no mouse with the id 5"_s;
     QCOMPARE(receiver.setReportRate(5, 500), false);
     QCOMPARE(receiver.getFirmwareVersion(5), 0U);
-    QCOMPARE(timeline.take(Timeline::Style::WithDevice),
-             joined({u"receiver [5] setReportRate(500) -> false"_s, verdict,
-                     u"receiver [5] getFirmwareVersion() -> 0"_s, verdict}));
+    COMPARE_LINES(timeline.take(Timeline::Style::WithDevice),
+                  {u"receiver [5] setReportRate(500) -> false"_s, verdict,
+                   u"receiver [5] getFirmwareVersion() -> 0"_s, verdict});
     QVERIFY(receiver.isIdle());
     QVERIFY(!receiver.changeMouse(5, [](SimulatedMouse &) {}));
     receiver.setMouse(5, SimulatedMouse());
@@ -190,14 +186,13 @@ void tst_SimulatedReceiver::initialStateIsReported()
     air.receiver.requestInitialState3(Air::mouse);
     QVERIFY(air.settle());
     const QStringList reports = air.timeline.lines().filter(u"report "_s);
-    QCOMPARE(reports,
-             QStringList(
-                 {u"report dpiMinChanged(100)"_s, u"report dpiMaxChanged(8000)"_s,
+    COMPARE_LINES(
+        reports, {u"report dpiMinChanged(100)"_s, u"report dpiMaxChanged(8000)"_s,
                   u"report dpiSlotValuesChangedCallBack([800, 1600, 2400, 3200, 4000])"_s,
                   u"report activeDpiSlotIndexChangedCallBack(2)"_s, u"report dpiButtonIdChangedCallBack(6)"_s,
                   u"report dpiValueChangedCallBack(1600)"_s, u"report ppidChangedCallBack(\"RV418-0001\")"_s,
                   u"report reportRateChangedCallBack({\"currentRate\": 500, \"supportedRates\": "
-                  "[125, 250, 500, 1000], \"unused\": 0})"_s}));
+                  "[125, 250, 500, 1000], \"unused\": 0})"_s});
     QCOMPARE(air.device->device()->reportRateValues().size(), 4);
 }
 
@@ -210,11 +205,11 @@ void tst_SimulatedReceiver::answersComeThroughTheEventLoop()
     const QStringList request{u"call setReportRate(1000)"_s,
                               u"signal isReportRateChangePendingChanged(true)"_s,
                               u"receiver setReportRate(1000) -> true"_s, u"signal reportRateChanged(1000)"_s};
-    QCOMPARE(air.timeline.take(), joined(request));
+    COMPARE_LINES(air.timeline.take(), request);
     QVERIFY(!air.receiver.isIdle());
     QCOMPARE(air.receiver.mouse(Air::mouse).reportRate, 500);
-    QCOMPARE(air.takeSettled(), joined({u"report reportRateConfirmed(1000)"_s,
-                                        u"signal isReportRateChangePendingChanged(false)"_s}));
+    COMPARE_LINES(air.takeSettled(), {u"report reportRateConfirmed(1000)"_s,
+                                      u"signal isReportRateChangePendingChanged(false)"_s});
     QCOMPARE(air.receiver.mouse(Air::mouse).reportRate, 1000);
 }
 
@@ -316,9 +311,9 @@ void tst_SimulatedReceiver::faultsOnRequests()
     air.start();
     air.receiver.addFault(fault);
     QCOMPARE(air.receiver.setReportRate(Air::mouse, 250), isAccepted);
-    QCOMPARE(air.timeline.take(),
-             joined({u"receiver setReportRate(250) -> %1"_s.arg(isAccepted ? u"true"_s : u"false"_s),
-                     u"verdict fault on setReportRate: "_s + note}));
+    COMPARE_LINES(air.timeline.take(),
+                  {u"receiver setReportRate(250) -> %1"_s.arg(isAccepted ? u"true"_s : u"false"_s),
+                   u"verdict fault on setReportRate: "_s + note});
     QVERIFY(air.settle());
     QCOMPARE(air.timeline.lines().filter(u"report "_s), reports);
     QCOMPARE(air.receiver.mouse(Air::mouse).reportRate, rate);
@@ -354,8 +349,8 @@ void tst_SimulatedReceiver::faultsOnReports()
     air.start();
     air.receiver.addFault(fault);
     air.receiver.report(Air::mouse, {u"reportRateConfirmed"_s, {500}});
-    QCOMPARE(air.timeline.take(), QString());
-    QCOMPARE(air.takeSettled(), joined(lines));
+    COMPARE_LINES(air.timeline.take(), {});
+    COMPARE_LINES(air.takeSettled(), lines);
     QVERIFY(air.receiver.faults().isEmpty());
 }
 
@@ -424,9 +419,9 @@ void tst_SimulatedReceiver::delayedReportIsOvertaken()
     air.receiver.report(Air::mouse, {u"dpiValueChangedCallBack"_s, {1600}});
     QVERIFY(air.settle());
     const QList<TimelineEntry> entries = air.timeline.entries();
-    QCOMPARE(air.timeline.take(),
-             joined({u"verdict fault on reportRateConfirmed: delay"_s,
-                     u"report dpiValueChangedCallBack(1600)"_s, u"report reportRateConfirmed(500)"_s}));
+    COMPARE_LINES(air.timeline.take(),
+                  {u"verdict fault on reportRateConfirmed: delay"_s,
+                   u"report dpiValueChangedCallBack(1600)"_s, u"report reportRateConfirmed(500)"_s});
     QVERIFY(entries.last().time - entries.first().time >= delay.delay);
 }
 
@@ -442,10 +437,9 @@ void tst_SimulatedReceiver::stormIsStopped()
     const QStringList lines = air.timeline.lines();
     QCOMPARE(lines.filter(u"receiver setReportRate(333) -> true"_s).size(), 4);
     QCOMPARE(lines.filter(u"report reportRateConfirmed(500)"_s).size(), 3);
-    QCOMPARE(
-        lines.filter(u"verdict"_s),
-        QStringList{u"verdict setReportRate was sent again 3 times without an agreeing confirmation; it gets "
-                    "no more answers"_s});
+    COMPARE_LINES(lines.filter(u"verdict"_s),
+                  {u"verdict setReportRate was sent again 3 times without an agreeing confirmation; it gets "
+                   "no more answers"_s});
 
     // The host's next request is answered again, and may be repeated as often.
     air.timeline.clear();
@@ -519,7 +513,7 @@ void tst_SimulatedReceiver::detachedDeviceHearsNothing()
     air.receiver.detach(Air::mouse);
     air.receiver.requestInitialState1(Air::mouse);
     air.timeline.clear();
-    QCOMPARE(air.takeSettled(), QString());
+    COMPARE_LINES(air.takeSettled(), {});
     QCOMPARE(air.receiver.mouse(Air::mouse).reportRate, 1000);
     QCOMPARE(air.device->device()->reportRate(), 500);
 }
@@ -531,7 +525,7 @@ void tst_SimulatedReceiver::destroyedDeviceHearsNothing()
     air.device->setReportRate(1000);
     air.host.destroyDevice(std::move(air.device));
     air.timeline.clear();
-    QCOMPARE(air.takeSettled(), QString());
+    COMPARE_LINES(air.takeSettled(), {});
     QCOMPARE(air.receiver.mouse(Air::mouse).reportRate, 1000);
 }
 
@@ -589,8 +583,8 @@ void tst_SimulatedReceiver::reportNobodyKnowsIsJudged()
     Air air;
     air.start();
     air.receiver.report(Air::mouse, {u"stop"_s, {}});
-    QCOMPARE(air.takeSettled(),
-             joined({u"report stop()"_s, u"verdict there is no report with the name stop"_s}));
+    COMPARE_LINES(air.takeSettled(),
+                  {u"report stop()"_s, u"verdict there is no report with the name stop"_s});
 }
 
 void tst_SimulatedReceiver::waitAsksAgainAfterEachEntry()

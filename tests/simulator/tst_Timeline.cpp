@@ -1,5 +1,6 @@
 #include "OtherThread.h"
 #include "Timeline.h"
+#include "TimelineText.h"
 #include "TimelineValue.h"
 
 #include <QtCore/QJsonDocument>
@@ -176,8 +177,8 @@ void tst_Timeline::sequenceHasNoGaps()
     QCOMPARE(timeline.recordLog(u"info"_s, u"c"_s, u"t"_s), 2U);
     QCOMPARE(timeline.recordVerdict(u"v"_s, 3), 3U);
     QCOMPARE(timeline.lastSequence(), 3U);
-    QCOMPARE(timeline.lines(Timeline::Style::WithDevice),
-             QStringList({u"call a()"_s, u"info c: t"_s, u"verdict [3] v"_s}));
+    COMPARE_LINES(timeline.lines(Timeline::Style::WithDevice),
+                  {u"call a()"_s, u"info c: t"_s, u"verdict [3] v"_s});
 }
 
 void tst_Timeline::takeForgetsAndGoesOn()
@@ -185,12 +186,12 @@ void tst_Timeline::takeForgetsAndGoesOn()
     Timeline timeline;
     timeline.record(Kind::Call, {}, u"a"_s);
     timeline.record(Kind::Call, {}, u"b"_s);
-    QCOMPARE(timeline.take(), u"call a()\ncall b()"_s);
-    QCOMPARE(timeline.take(), QString());
+    COMPARE_LINES(timeline.take(), {u"call a()"_s, u"call b()"_s});
+    COMPARE_LINES(timeline.take(), {});
     timeline.record(Kind::Call, {}, u"c"_s);
     timeline.clear();
     QCOMPARE(timeline.record(Kind::Call, {}, u"d"_s), 4U);
-    QCOMPARE(timeline.take(), u"call d()"_s);
+    COMPARE_LINES(timeline.take(), {u"call d()"_s});
 }
 
 void tst_Timeline::entriesAfterANumber()
@@ -224,9 +225,9 @@ void tst_Timeline::resultOfAForgottenEntryIsIgnored()
     timeline.clear();
     const quint64 second = timeline.record(Kind::Call, {}, u"b"_s);
     timeline.setResult(first, 1);
-    QCOMPARE(timeline.lines(), QStringList{u"call b()"_s});
+    COMPARE_LINES(timeline.lines(), {u"call b()"_s});
     timeline.setResult(second, 2);
-    QCOMPARE(timeline.lines(), QStringList{u"call b() -> 2"_s});
+    COMPARE_LINES(timeline.lines(), {u"call b() -> 2"_s});
 }
 
 void tst_Timeline::observerSeesEachEntryWithNoLockHeld()
@@ -261,8 +262,8 @@ void tst_Timeline::witnessStaysWhenTheObserverChanges()
     timeline.recordVerdict(u"v"_s);
     timeline.setObserver({});
     timeline.recordVerdict(u"v"_s);
-    QCOMPARE(seen, QStringList({u"witness 1"_s, u"of 1"_s, u"witness 2"_s, u"of 2"_s, u"observer 2"_s,
-                                u"witness 3"_s, u"of 3"_s}));
+    COMPARE_LINES(seen, {u"witness 1"_s, u"of 1"_s, u"witness 2"_s, u"of 2"_s, u"observer 2"_s,
+                         u"witness 3"_s, u"of 3"_s});
 }
 
 void tst_Timeline::manyThreadsRecordAtOnce()

@@ -1,5 +1,6 @@
 #include "Timeline.h"
 #include "TimelineFile.h"
+#include "TimelineText.h"
 
 #include <QtCore/QDir>
 #include <QtCore/QFile>
@@ -44,7 +45,7 @@ void tst_TimelineFile::nothingIsWrittenUnasked()
     keepInTimelineFile(timeline);
     timeline.recordVerdict(u"v"_s);
     QVERIFY(QDir::setCurrent(before));
-    QCOMPARE(QDir(folder.path()).entryList(QDir::Files), QStringList());
+    COMPARE_LINES(QDir(folder.path()).entryList(QDir::Files), {});
 }
 
 void tst_TimelineFile::everyTimelineOfTheProcessIsKept()

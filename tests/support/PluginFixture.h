@@ -13,7 +13,7 @@
 /// Everything a test of the built library needs: the library loaded by the plugin loader, its factory
 /// initialized, one sane receiver, and the one timeline of calls, signals and log lines. When it goes, its
 /// devices are deleted and the library is unloaded, so that each test function meets a fresh process state.
-class Bench
+class PluginFixture
 {
 public:
     struct LogSwitches
@@ -26,9 +26,10 @@ public:
     static constexpr DeviceId mouse = 42;
 
     /// Ends the program with the reason when the library cannot be loaded: nothing could be tested.
-    explicit Bench(LogSwitches switches = {true, true, true}, const QString &pluginFile = builtPluginFile());
-    ~Bench();
-    Q_DISABLE_COPY_MOVE(Bench)
+    explicit PluginFixture(LogSwitches switches = {true, true, true},
+                           const QString &pluginFile = builtPluginFile());
+    ~PluginFixture();
+    Q_DISABLE_COPY_MOVE(PluginFixture)
 
     /// The library under test: the one of this build, or what the environment variable KVX_PLUGIN_FILE names.
     static QString builtPluginFile();
@@ -50,7 +51,7 @@ public:
     void destroy(HostedDevice &device);
 
     /// What came on the timeline since the last call.
-    QString take(Timeline::Style style = Timeline::Style::Plain);
+    QStringList take(Timeline::Style style = Timeline::Style::Plain);
 
 private:
     std::vector<std::unique_ptr<HostedDevice>> m_devices;

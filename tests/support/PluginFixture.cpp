@@ -1,15 +1,15 @@
-#include "Bench.h"
+#include "PluginFixture.h"
 
 #include "TimelineFile.h"
 
 #include <algorithm>
 
-QString Bench::builtPluginFile()
+QString PluginFixture::builtPluginFile()
 {
     return qEnvironmentVariable("KVX_PLUGIN_FILE", QStringLiteral(KVX_PLUGIN_FILE));
 }
 
-Bench::Bench(LogSwitches switches, const QString &pluginFile) : host(timeline)
+PluginFixture::PluginFixture(LogSwitches switches, const QString &pluginFile) : host(timeline)
 {
     keepInTimelineFile(timeline);
     if (const std::optional<QString> reason = host.load(pluginFile))
@@ -18,36 +18,36 @@ Bench::Bench(LogSwitches switches, const QString &pluginFile) : host(timeline)
     timeline.clear();
 }
 
-Bench::~Bench()
+PluginFixture::~PluginFixture()
 {
     while (!m_devices.empty())
         destroy(*m_devices.back());
 }
 
-HostedDevice &Bench::createRecorded(DeviceId id)
+HostedDevice &PluginFixture::createRecorded(DeviceId id)
 {
     return createRecorded(&receiver, id);
 }
 
-HostedDevice &Bench::createRecorded(IPhysicalDevice *physicalDevice, DeviceId id)
+HostedDevice &PluginFixture::createRecorded(IPhysicalDevice *physicalDevice, DeviceId id)
 {
     m_devices.push_back(host.createDevice(physicalDevice, id));
     return *m_devices.back();
 }
 
-HostedDevice &Bench::create(DeviceId id)
+HostedDevice &PluginFixture::create(DeviceId id)
 {
     return create(&receiver, id);
 }
 
-HostedDevice &Bench::create(IPhysicalDevice *physicalDevice, DeviceId id)
+HostedDevice &PluginFixture::create(IPhysicalDevice *physicalDevice, DeviceId id)
 {
     HostedDevice &device = createRecorded(physicalDevice, id);
     timeline.clear();
     return device;
 }
 
-HostedDevice &Bench::started(DeviceId id)
+HostedDevice &PluginFixture::started(DeviceId id)
 {
     HostedDevice &device = create(id);
     device.start();
@@ -55,7 +55,7 @@ HostedDevice &Bench::started(DeviceId id)
     return device;
 }
 
-void Bench::destroy(HostedDevice &device)
+void PluginFixture::destroy(HostedDevice &device)
 {
     const auto owner = std::find_if(m_devices.begin(), m_devices.end(),
                                     [&](const auto &candidate) { return candidate.get() == &device; });
@@ -64,7 +64,7 @@ void Bench::destroy(HostedDevice &device)
     host.destroyDevice(std::move(going));
 }
 
-QString Bench::take(Timeline::Style style)
+QStringList PluginFixture::take(Timeline::Style style)
 {
     return timeline.take(style);
 }
