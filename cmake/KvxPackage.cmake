@@ -1,5 +1,5 @@
-# What ./dev package makes of a build: the library with kvx beside it, the interfaces as a CMake package, scenarios to
-# try. For Windows a second package has Qt's Core as well, for machines without Qt.
+# The contents of the packages: library and kvx, the interfaces as a CMake package, example scenarios. For Windows a
+# second package also has Qt Core, for machines without Qt.
 include(CMakePackageConfigHelpers)
 
 set(packageFolder lib/cmake/KvxInterfaces)

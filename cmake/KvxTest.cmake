@@ -1,7 +1,7 @@
 # kvx_add_test(tst_Name [SOURCES file...] [LIBRARIES target...])
 #
 # A Qt Test program from tst_Name.cpp: file, class, target and ctest name are the same word. It gets the path
-# of the library under test, so that the same program can judge any build of it, and writes its results to
+# of the library under test, so that the same program can test any build of it, and writes its results to
 # test-results/ in the build folder.
 function(kvx_add_test name)
     cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LIBRARIES")

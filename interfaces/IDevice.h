@@ -65,8 +65,8 @@ public:
     /// Signal: setFirmwareVersion() was run.
     virtual void firmwareVersionChanged(uint fwVersion) = 0;
 
-    /// The device's capabilities may have changed: reads anew whether it has a smart-pointer key, whatever
-    /// capability is. Does nothing while no receiver is bound.
+    /// The device's capabilities may have changed: the device asks the receiver again whether the mouse has a
+    /// smart-pointer key, whatever capability is. Does nothing while no receiver is bound.
     /// Emits ILogicalDevice::isSmartPointerSupportedChanged when the answer differs, on the calling thread.
     virtual void capabilityChangedCallBack(quint8 capability) = 0;
 };

@@ -17,8 +17,8 @@ public:
     virtual void reserved2() = 0;
 
     /// A diverted button of a mouse went down (isPressed) or up. buttonNumber: 1 to 5. pluginIid: the IID
-    /// of the plugin whose device reports it. Its text lies in the plugin's library: a host that keeps it
-    /// beyond an unload of the library must copy the text. Called on the thread that delivers the mouse
+    /// of the plugin whose device reports it. The text is data of the plugin's library: a host that keeps it
+    /// after the library is unloaded must copy it. Called on the thread that delivers the mouse
     /// event to the device, which is the device's own.
     virtual void buttonEvent(const QString &pluginIid, int buttonNumber, bool isPressed) = 0;
 

@@ -21,7 +21,7 @@ public:
     /// 1 before start(). Takes the lock under which instanceNumberChanged may be emitted: never to be called
     /// from a slot directly connected to that signal.
     virtual int instanceNumber() const = 0;
-    /// Whether the mouse can tell its battery level; false before start().
+    /// Whether the mouse reports its battery level; false before start().
     virtual bool hasBatteryLevel() const = 0;
     /// The battery level in percent, -1 until known.
     virtual int batteryLevel() const = 0;

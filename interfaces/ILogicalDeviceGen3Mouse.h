@@ -51,7 +51,7 @@ public:
     /// number, or outside the range and neither 0 nor 65535, is sent as 0 with a warning.
     /// Emits isDpiSlotValuesChangePendingChanged when the flag changes.
     virtual void setDpiSlotValues(QStringList values) = 0;
-    /// Asks for another DPI button; 0 stands for the default, 6. A negative id is sent too, and blocks
+    /// Asks for another DPI button; 0 means the default, 6. A negative id is sent too, and blocks
     /// confirmations until a further request. The confirmed id again is ignored. Emits
     /// isDpiButtonIdChangePendingChanged when the flag changes.
     virtual void setDpiButtonId(int buttonId) = 0;

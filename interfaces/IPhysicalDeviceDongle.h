@@ -59,7 +59,7 @@ public:
     /// The firmware version of the mouse. Read once by each IDevice::start().
     virtual uint getFirmwareVersion(DeviceId id) = 0;
 
-    /// Whether the mouse can tell its battery level. Read once by each start.
+    /// Whether the mouse reports its battery level. Read once by each start.
     virtual bool hasBatteryLevel(DeviceId id) = 0;
 
     /// The battery level in percent. Read by start, only when hasBatteryLevel() answered true.
@@ -81,8 +81,8 @@ public:
     /// What IDevice::deviceValue() answers afterwards. Read once by each start.
     virtual int getDeviceValue(DeviceId id) = 0;
 
-    /// What ILogicalDevice::query26() is passed to: id stands in place of the caller's first argument, the
-    /// other words are opaque and unchanged, and the answer is returned to the caller.
+    /// Receives what a caller passes to ILogicalDevice::query26(): id replaces the first argument, the other
+    /// two are opaque and unchanged. The answer is returned to that caller.
     virtual quintptr forwardedOperation(DeviceId id, quintptr argument2, quintptr argument3) = 0;
 
     virtual void reserved44() = 0;

@@ -4,7 +4,7 @@
 
 namespace {
 
-// What a request for 0 asks for. It differs from the id of a device that the mouse has told nothing yet:
+// What a request for 0 asks for. A device to which the mouse has reported nothing yet has another id, 15:
 // kept, the host relies on it.
 constexpr int defaultDpiButtonId = 6;
 

@@ -6,7 +6,7 @@
 
 #include <memory>
 
-/// The smallest right way to implement an interface that declares a signal. Each macro stands for a mistake that
+/// The smallest correct way to implement an interface that declares a signal. Each macro makes a mistake that
 /// the compiler must refuse; test-interface-misuse sets them one at a time.
 class Gen3Implementer : public QObject, public ILogicalDeviceGen3
 {

@@ -2,7 +2,7 @@
 
 #include <type_traits>
 
-// The tables are judged with the stand-ins in stubs/QtCore/QtGlobal. They must be what Qt says, or the
+// The tables are compared with the stand-ins in stubs/QtCore/QtGlobal. They must be what Qt says, or the
 // verdict is about other interfaces than ours.
 static_assert(std::is_same_v<quint8, unsigned char>);
 static_assert(std::is_same_v<quint16, unsigned short>);
