@@ -6,13 +6,8 @@ namespace {
 
 void setPendingFlag(World &world, Device &device, bool isPending)
 {
-    if (device.isActiveSlotPending == isPending)
-        return;
-    device.isActiveSlotPending = isPending;
-    emitOnDeviceThread(world, device, [](World &itsWorld, Device &itsDevice) {
-        signal(itsWorld, itsDevice, "isActiveDpiSlotIndexChangePendingChanged",
-               itsDevice.isActiveSlotPending);
-    });
+    change(world, device, "isActiveDpiSlotIndexChangePendingChanged", &Device::isActiveSlotPending,
+           isPending);
 }
 
 }  // namespace
@@ -57,10 +52,7 @@ void activeDpiSlotIndexChanged(World &world, Device &device, int index)
     debug(world, "onActiveDpiSlotIndexChanged enter");
     if (index != device.activeSlot) {
         debug(world, "Updating activeDpiSlotIndex = ", index);
-        device.activeSlot = index;
-        emitOnDeviceThread(world, device, [](World &itsWorld, Device &itsDevice) {
-            signal(itsWorld, itsDevice, "activeDpiSlotIndexChanged", itsDevice.activeSlot);
-        });
+        change(world, device, "activeDpiSlotIndexChanged", &Device::activeSlot, index);
         if (index >= 1 && index <= device.slotValues.size())
             dpiValueChanged(world, device, device.slotValues.at(index - 1));
     }

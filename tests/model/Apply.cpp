@@ -8,76 +8,66 @@ namespace Model {
 
 namespace {
 
-using Kind = Operation::Kind;
-using Handler = std::function<void(World &, Device &)>;
+using Kind = Step::Kind;
 
-QString callLine(const Operation &operation, DeviceId id)
+QString callLine(const Step &step, DeviceId id)
 {
-    return u"call ["_s + QString::number(id) + u"] "_s + callText(operation);
+    return u"call ["_s + QString::number(id) + u"] "_s + callText(step);
 }
 
-// A slot of the device that Qt calls: on the device's thread, whatever thread asks for it.
-void callSlot(World &world, Device &device, const Handler &handler)
-{
-    if (world.isOnOtherThread)
-        world.queue.push_back({device.slot, handler});
-    else
-        handler(world, device);
-}
-
-void receiverSignal(World &world, int receiver, const Handler &handler)
+void receiverSignal(World &world, int receiver, const Call &call)
 {
     const std::vector<int> listeners = world.receivers.at(static_cast<std::size_t>(receiver)).listeners;
     for (const int slot : listeners)
-        callSlot(world, world.deviceIn(slot), handler);
+        callOnDeviceThread(world, world.deviceIn(slot), call);
 }
 
-Handler dpiMinHandler(int value)
+Call dpiMinHandler(int value)
 {
     return [value](World &world, Device &device) { onDpiMinChanged(world, device, value); };
 }
 
-Handler dpiMaxHandler(int value)
+Call dpiMaxHandler(int value)
 {
     return [value](World &world, Device &device) { onDpiMaxChanged(world, device, value); };
 }
 
-void forwardToPhysicalDevice(World &world, const Device &device, const Operation &operation)
+void forwardToPhysicalDevice(World &world, const Device &device, const Step &step)
 {
     const std::optional<int> receiver = ::receiverOf(device.physical);
     const quintptr result =
         receiver ? world.receiverOf(device).answers.forwardedResult : plainForwardedResult;
-    const QString arguments = argumentText(operation.words[0], operation.words[1], operation.words[2]);
-    writeLine(world, callLine(operation, device.id) + u" -> "_s + argumentText(result));
+    const QString arguments = argumentText(step.words[0], step.words[1], step.words[2]);
+    writeLine(world, callLine(step, device.id) + u" -> "_s + argumentText(result));
     writeLine(world, u"receiver forwardedCall("_s + arguments + u") -> "_s + argumentText(result));
 }
 
 // The device's id takes the place of the first argument.
-void query26(World &world, const Device &device, const Operation &operation)
+void query26(World &world, const Device &device, const Step &step)
 {
     const quintptr result = device.isBound ? world.receiverOf(device).answers.forwardedResult : 0;
-    writeLine(world, callLine(operation, device.id) + u" -> "_s + argumentText(result));
+    writeLine(world, callLine(step, device.id) + u" -> "_s + argumentText(result));
     if (device.isBound) {
-        const QString arguments = argumentText(operation.words[1], operation.words[2]);
+        const QString arguments = argumentText(step.words[1], step.words[2]);
         writeLine(world, u"receiver [%1] forwardedOperation(%2) -> %3"_s.arg(
                              QString::number(device.id), arguments, argumentText(result)));
     }
 }
 
-void performOnHost(World &world, const Operation &operation)
+void performOnHost(World &world, const Step &step)
 {
-    switch (operation.kind) {
+    switch (step.kind) {
     case Kind::CreateDevice:
-        writeLine(world, callLine(operation, deviceIds.at(static_cast<std::size_t>(operation.slot))));
-        create(world, operation.slot, operation.physical);
+        writeLine(world, callLine(step, deviceIds.at(static_cast<std::size_t>(step.slot))));
+        create(world, step.slot, step.physical);
         break;
     case Kind::Initialize:
-        writeLine(world, u"call "_s + callText(operation));
-        world.isDebugOn = operation.logSwitches[0];
-        world.isWarningOn = operation.logSwitches[1];
+        writeLine(world, u"call "_s + callText(step));
+        world.isDebugOn = step.logSwitches[0];
+        world.isWarningOn = step.logSwitches[1];
         break;
     case Kind::ChangeReceiver:
-        world.receivers.at(static_cast<std::size_t>(operation.receiver)).answers = operation.answers;
+        world.receivers.at(static_cast<std::size_t>(step.receiver)).answers = step.answers;
         break;
     default:
         deliverQueuedCalls(world);
@@ -85,35 +75,35 @@ void performOnHost(World &world, const Operation &operation)
 }
 
 // Operations that are no plain calls with a line of their own; answers whether it is one of those.
-bool performSpecial(World &world, Device &device, const Operation &operation)
+bool performSpecial(World &world, Device &device, const Step &step)
 {
-    const int number = operation.number;
-    switch (operation.kind) {
+    const int number = step.number;
+    switch (step.kind) {
     case Kind::ReceiverDpiMinChanged:
-        receiverSignal(world, operation.receiver, dpiMinHandler(number));
+        receiverSignal(world, step.receiver, dpiMinHandler(number));
         return true;
     case Kind::ReceiverDpiMaxChanged:
-        receiverSignal(world, operation.receiver, dpiMaxHandler(number));
+        receiverSignal(world, step.receiver, dpiMaxHandler(number));
         return true;
     case Kind::InvokeOnDpiMinChanged:
-        callSlot(world, device, dpiMinHandler(number));
+        callOnDeviceThread(world, device, dpiMinHandler(number));
         return true;
     case Kind::InvokeOnDpiMaxChanged:
-        callSlot(world, device, dpiMaxHandler(number));
+        callOnDeviceThread(world, device, dpiMaxHandler(number));
         return true;
     case Kind::InvokeOnPpidChanged:
-        callSlot(world, device, [ppid = operation.text](World &itsWorld, Device &itsDevice) {
+        callOnDeviceThread(world, device, [ppid = step.text](World &itsWorld, Device &itsDevice) {
             onPpidChanged(itsWorld, itsDevice, ppid);
         });
         return true;
     case Kind::InvokeTimerTimeout:
-        callSlot(world, device, &timerTimeout);
+        callOnDeviceThread(world, device, &timerTimeout);
         return true;
     case Kind::ForwardToPhysicalDevice:
-        forwardToPhysicalDevice(world, device, operation);
+        forwardToPhysicalDevice(world, device, step);
         return true;
     case Kind::Query26:
-        query26(world, device, operation);
+        query26(world, device, step);
         return true;
     case Kind::CallWhatDoesNothing:
         return true;
@@ -122,31 +112,31 @@ bool performSpecial(World &world, Device &device, const Operation &operation)
     }
 }
 
-void performCall(World &world, Device &device, const Operation &operation)
+void performCall(World &world, Device &device, const Step &step)
 {
-    const int number = operation.number;
-    switch (operation.kind) {
+    const int number = step.number;
+    switch (step.kind) {
     case Kind::DestroyDevice:
-        return destroy(world, operation.slot);
+        return destroy(world, step.slot);
     case Kind::Start:
         return start(world, device);
     case Kind::Stop:
         return stop(world, device);
     case Kind::SetFirmwareVersion:
-        return setFirmwareVersion(world, device, operation.firmwareVersion);
+        return setFirmwareVersion(world, device, step.firmwareVersion);
     case Kind::SetBatteryLevel:
         return setBatteryLevel(world, device, number);
     case Kind::DpiValueChangedCallBack:
         return dpiValueChanged(world, device, number);
     case Kind::PpidChangedCallBack:
-        return onPpidChanged(world, device, operation.text);
+        return onPpidChanged(world, device, step.text);
     case Kind::SetDpiSlotValues:
-        return setDpiSlotValues(world, device, operation.texts);
+        return setDpiSlotValues(world, device, step.texts);
     case Kind::DpiSlotValuesConfirmed:
-        return dpiSlotValuesConfirmed(world, device, operation.slotValues);
+        return dpiSlotValuesConfirmed(world, device, step.slotValues);
     case Kind::DpiSlotValuesChangedCallBack:
-        return dpiSlotValuesChanged(
-            world, device, QList<quint16>(operation.slotValues.cbegin(), operation.slotValues.cend()));
+        return dpiSlotValuesChanged(world, device,
+                                    QList<quint16>(step.slotValues.cbegin(), step.slotValues.cend()));
     case Kind::SetActiveDpiSlotIndex:
         return setActiveDpiSlotIndex(world, device, number);
     case Kind::ActiveDpiSlotIndexConfirmed:
@@ -164,9 +154,9 @@ void performCall(World &world, Device &device, const Operation &operation)
     case Kind::ReportRateConfirmed:
         return reportRateConfirmed(world, device, number);
     case Kind::ReportRateChangedCallBack:
-        return reportRateChanged(world, device, operation.rateInfo);
+        return reportRateChanged(world, device, step.rateInfo);
     case Kind::ApplySettings:
-        return applySettings(world, operation.settings);
+        return applySettings(world, step.settings);
     case Kind::ResetSettings:
         return resetSettings(world);
     case Kind::CapabilityChangedCallBack:
@@ -174,7 +164,7 @@ void performCall(World &world, Device &device, const Operation &operation)
     case Kind::SetButtonsOrKeysToDefault:
         return setButtonsOrKeysToDefault(world, device);
     case Kind::DisbaleButtonsOrKeys:
-        return disableButtonsOrKeys(world, device, operation.numbers);
+        return disableButtonsOrKeys(world, device, step.numbers);
     case Kind::MouseEventCallBack:
         return mouseEvent(world, device, number);
     default:
@@ -184,30 +174,30 @@ void performCall(World &world, Device &device, const Operation &operation)
 
 }  // namespace
 
-void apply(World &world, const OperationPointer &operation)
+void apply(World &world, const StepPointer &step)
 {
-    if (operation->route == Operation::Route::InsideRequest) {
-        world.receiverOf(world.deviceIn(operation->slot)).reportInsideRequest = operation;
+    if (step->route == Step::Route::InsideRequest) {
+        world.receiverOf(world.deviceIn(step->slot)).reportInsideRequest = step;
         return;
     }
-    world.isOnOtherThread = operation->route == Operation::Route::OtherThread;
-    perform(world, operation);
+    world.isOnOtherThread = step->route == Step::Route::OtherThread;
+    perform(world, step);
     world.isOnOtherThread = false;
 }
 
-void perform(World &world, const OperationPointer &operation)
+void perform(World &world, const StepPointer &step)
 {
-    if (isWithoutDevice(operation->kind)) {
-        performOnHost(world, *operation);
+    if (isWithoutDevice(step->kind)) {
+        performOnHost(world, *step);
         return;
     }
-    Device &device = world.deviceIn(operation->slot);
-    if (performSpecial(world, device, *operation))
+    Device &device = world.deviceIn(step->slot);
+    if (performSpecial(world, device, *step))
         return;
     // The library is loaded under its own name, so a start finds it.
-    const bool hasResult = operation->kind == Kind::Start;
-    writeLine(world, callLine(*operation, device.id) + (hasResult ? u" -> true"_s : QString()));
-    performCall(world, device, *operation);
+    const bool hasResult = step->kind == Kind::Start;
+    writeLine(world, callLine(*step, device.id) + (hasResult ? u" -> true"_s : QString()));
+    performCall(world, device, *step);
 }
 
 }  // namespace Model

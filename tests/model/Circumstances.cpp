@@ -1,7 +1,5 @@
 #include "Circumstances.h"
 
-#include "ScenarioCommand.h"
-
 #include <algorithm>
 #include <array>
 #include <limits>
@@ -10,86 +8,88 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-using Kind = Operation::Kind;
+using Kind = Step::Kind;
 
-bool isOf(const ModelStep &step, Kind kind)
+bool isOf(const MadeStep &made, Kind kind)
 {
-    return step.operation.kind == kind;
+    return made.step.kind == kind;
 }
 
-const Model::Device *deviceBefore(const ModelStep &step)
+const Model::Device *deviceBefore(const MadeStep &made)
 {
-    if (isWithoutDevice(step.operation.kind))
+    if (isWithoutDevice(made.step.kind))
         return nullptr;
-    return &step.before.devices.at(static_cast<std::size_t>(step.operation.slot)).value();
+    return &made.before.devices.at(static_cast<std::size_t>(made.step.slot)).value();
 }
 
-bool isOn(const ModelStep &step, Physical physical)
+bool isOn(const MadeStep &made, Physical physical)
 {
-    const Model::Device *device = deviceBefore(step);
+    const Model::Device *device = deviceBefore(made);
     return device && device->physical == physical;
 }
 
+// The receiver's getters answer true or false as well.
 bool isAnsweredRequest(const QString &line, QLatin1StringView answer)
 {
+    const QString name = line.section("] "_L1, 1);
     return line.startsWith("receiver"_L1) && line.section(" -> "_L1, 1).startsWith(answer) &&
-           answeredRequests().contains(line.section("] "_L1, 1).section(u'(', 0, 0));
+           (name.startsWith("set"_L1) || name.startsWith("request"_L1));
 }
 
-bool hasRequest(const ModelStep &step, QLatin1StringView answer)
+bool hasRequest(const MadeStep &made, QLatin1StringView answer)
 {
-    return std::any_of(step.after.lines.cbegin(), step.after.lines.cend(),
+    return std::any_of(made.after.lines.cbegin(), made.after.lines.cend(),
                        [&](const QString &line) { return isAnsweredRequest(line, answer); });
 }
 
 // What a start hears from its receiver; null when it asks none.
-const ReceiverAnswers *heardByStart(const ModelStep &step)
+const ReceiverAnswers *heardByStart(const MadeStep &made)
 {
-    if (!isOf(step, Kind::Start))
+    if (!isOf(made, Kind::Start))
         return nullptr;
-    const std::optional<int> receiver = receiverOf(deviceBefore(step)->physical);
-    return receiver ? &step.before.receivers.at(static_cast<std::size_t>(*receiver)).answers : nullptr;
+    const std::optional<int> receiver = receiverOf(deviceBefore(made)->physical);
+    return receiver ? &made.before.receivers.at(static_cast<std::size_t>(*receiver)).answers : nullptr;
 }
 
 template <int ReceiverAnswers::*value>
-bool isStartTold(const ModelStep &step, int smallest, int largest)
+bool isStartTold(const MadeStep &made, int smallest, int largest)
 {
-    const ReceiverAnswers *heard = heardByStart(step);
+    const ReceiverAnswers *heard = heardByStart(made);
     return heard && heard->*value >= smallest && heard->*value <= largest;
 }
 
 template <bool ReceiverAnswers::*value>
-bool isStartDenied(const ModelStep &step)
+bool isStartDenied(const MadeStep &made)
 {
-    const ReceiverAnswers *heard = heardByStart(step);
+    const ReceiverAnswers *heard = heardByStart(made);
     return heard && !(heard->*value);
 }
 
-bool isStartBehind(const ModelStep &step, int starts)
+bool isStartBehind(const MadeStep &made, int starts)
 {
-    return isOf(step, Kind::Start) && step.before.registrations(step.operation.slot) == starts;
+    return isOf(made, Kind::Start) && made.before.registrations(made.step.slot) == starts;
 }
 
-bool isStopBehind(const ModelStep &step, bool isStarted)
+bool isStopBehind(const MadeStep &made, bool isStarted)
 {
-    return isOf(step, Kind::Stop) && (step.before.registrations(step.operation.slot) > 0) == isStarted;
+    return isOf(made, Kind::Stop) && (made.before.registrations(made.step.slot) > 0) == isStarted;
 }
 
-bool isLogOf(const ModelStep &step, bool isDebugOn, bool isWarningOn)
+bool isLogOf(const MadeStep &made, bool isDebugOn, bool isWarningOn)
 {
-    return deviceBefore(step) && step.before.isDebugOn == isDebugOn && step.before.isWarningOn == isWarningOn;
+    return deviceBefore(made) && made.before.isDebugOn == isDebugOn && made.before.isWarningOn == isWarningOn;
 }
 
-bool isListOf(const ModelStep &step, qsizetype smallest, qsizetype largest)
+bool isListOf(const MadeStep &made, qsizetype smallest, qsizetype largest)
 {
-    const qsizetype size = step.operation.texts.size();
-    return isOf(step, Kind::SetDpiSlotValues) && size >= smallest && size <= largest;
+    const qsizetype size = made.step.texts.size();
+    return isOf(made, Kind::SetDpiSlotValues) && size >= smallest && size <= largest;
 }
 
-bool isConfirmation(const ModelStep &step)
+bool isConfirmation(const MadeStep &made)
 {
-    return isOf(step, Kind::DpiSlotValuesConfirmed) || isOf(step, Kind::ActiveDpiSlotIndexConfirmed) ||
-           isOf(step, Kind::DpiButtonIdConfirmed) || isOf(step, Kind::ReportRateConfirmed);
+    return isOf(made, Kind::DpiSlotValuesConfirmed) || isOf(made, Kind::ActiveDpiSlotIndexConfirmed) ||
+           isOf(made, Kind::DpiButtonIdConfirmed) || isOf(made, Kind::ReportRateConfirmed);
 }
 
 bool isPendingFor(Kind confirmation, const Model::Device &device)
@@ -106,45 +106,45 @@ bool isPendingFor(Kind confirmation, const Model::Device &device)
     }
 }
 
-bool isConfirmationWhile(const ModelStep &step, bool isPending)
+bool isConfirmationWhile(const MadeStep &made, bool isPending)
 {
-    return isConfirmation(step) && isPendingFor(step.operation.kind, *deviceBefore(step)) == isPending;
+    return isConfirmation(made) && isPendingFor(made.step.kind, *deviceBefore(made)) == isPending;
 }
 
-bool isReceiverSignal(const ModelStep &step)
+bool isReceiverSignal(const MadeStep &made)
 {
-    return isOf(step, Kind::ReceiverDpiMinChanged) || isOf(step, Kind::ReceiverDpiMaxChanged);
+    return isOf(made, Kind::ReceiverDpiMinChanged) || isOf(made, Kind::ReceiverDpiMaxChanged);
 }
 
-std::size_t listenerCount(const ModelStep &step)
+std::size_t listenerCount(const MadeStep &made)
 {
-    return step.before.receivers.at(static_cast<std::size_t>(step.operation.receiver)).listeners.size();
+    return made.before.receivers.at(static_cast<std::size_t>(made.step.receiver)).listeners.size();
 }
 
-bool isQueueOfDevice(const ModelStep &step)
+bool isQueueOfDevice(const MadeStep &made)
 {
-    return std::any_of(step.before.queue.cbegin(), step.before.queue.cend(),
-                       [&](const Model::QueuedCall &call) { return call.slot == step.operation.slot; });
+    return std::any_of(made.before.queue.cbegin(), made.before.queue.cend(),
+                       [&](const Model::QueuedCall &call) { return call.slot == made.step.slot; });
 }
 
-bool hasKeptBack(const ModelStep &step)
+bool hasKeptBack(const MadeStep &made)
 {
     return std::any_of(
-        step.before.receivers.cbegin(), step.before.receivers.cend(), [&](const Model::Receiver &receiver) {
-            return receiver.reportInsideRequest && receiver.reportInsideRequest->slot == step.operation.slot;
+        made.before.receivers.cbegin(), made.before.receivers.cend(), [&](const Model::Receiver &receiver) {
+            return receiver.reportInsideRequest && receiver.reportInsideRequest->slot == made.step.slot;
         });
 }
 
 }  // namespace
 
-const Operation *reportInsideRequest(const ModelStep &step)
+const Step *reportInsideRequest(const MadeStep &made)
 {
     // The one that is kept back for a device dies with it.
-    if (isOf(step, Kind::DestroyDevice))
+    if (isOf(made, Kind::DestroyDevice))
         return nullptr;
-    for (std::size_t index = 0; index < step.before.receivers.size(); ++index) {
-        const OperationPointer &report = step.before.receivers.at(index).reportInsideRequest;
-        if (report && !step.after.receivers.at(index).reportInsideRequest)
+    for (std::size_t index = 0; index < made.before.receivers.size(); ++index) {
+        const StepPointer &report = made.before.receivers.at(index).reportInsideRequest;
+        if (report && !made.after.receivers.at(index).reportInsideRequest)
             return report.get();
     }
     return nullptr;
@@ -152,98 +152,112 @@ const Operation *reportInsideRequest(const ModelStep &step)
 
 const std::vector<Circumstance> &circumstances()
 {
-    using Step = ModelStep;
+
     constexpr int smallestInt = std::numeric_limits<int>::min();
     constexpr int largestInt = std::numeric_limits<int>::max();
     constexpr int many = 1000;
     static const std::vector<Circumstance> all{
-        {"a request that is taken", [](const Step &step) { return hasRequest(step, "true"_L1); }},
-        {"a request that is refused", [](const Step &step) { return hasRequest(step, "false"_L1); }},
+        {"a request that is taken", [](const MadeStep &made) { return hasRequest(made, "true"_L1); }},
+        {"a request that is refused", [](const MadeStep &made) { return hasRequest(made, "false"_L1); }},
 
         {"a start that hears a large firmware version",
-         [](const Step &step) {
-             const ReceiverAnswers *heard = heardByStart(step);
+         [](const MadeStep &made) {
+             const ReceiverAnswers *heard = heardByStart(made);
              return heard && heard->firmwareVersion > uint(largestInt);
          }},
         {"a start that hears a battery level below 0",
-         [](const Step &step) { return isStartTold<&ReceiverAnswers::batteryLevel>(step, smallestInt, -1); }},
+         [](const MadeStep &made) {
+             return isStartTold<&ReceiverAnswers::batteryLevel>(made, smallestInt, -1);
+         }},
         {"a start that hears a battery level above 100",
-         [](const Step &step) { return isStartTold<&ReceiverAnswers::batteryLevel>(step, 101, largestInt); }},
+         [](const MadeStep &made) {
+             return isStartTold<&ReceiverAnswers::batteryLevel>(made, 101, largestInt);
+         }},
         {"a start that hears a status value below 0",
-         [](const Step &step) { return isStartTold<&ReceiverAnswers::statusValue>(step, smallestInt, -1); }},
+         [](const MadeStep &made) {
+             return isStartTold<&ReceiverAnswers::statusValue>(made, smallestInt, -1);
+         }},
         {"a start that hears a status value above 16 bits",
-         [](const Step &step) {
-             return isStartTold<&ReceiverAnswers::statusValue>(step, 65536, largestInt);
+         [](const MadeStep &made) {
+             return isStartTold<&ReceiverAnswers::statusValue>(made, 65536, largestInt);
          }},
         {"a start that hears a device value below 0",
-         [](const Step &step) { return isStartTold<&ReceiverAnswers::deviceValue>(step, smallestInt, -1); }},
+         [](const MadeStep &made) {
+             return isStartTold<&ReceiverAnswers::deviceValue>(made, smallestInt, -1);
+         }},
         {"a start that hears a device value above 16 bits",
-         [](const Step &step) {
-             return isStartTold<&ReceiverAnswers::deviceValue>(step, 65536, largestInt);
+         [](const MadeStep &made) {
+             return isStartTold<&ReceiverAnswers::deviceValue>(made, 65536, largestInt);
          }},
         {"a start that hears a level value below 0",
-         [](const Step &step) { return isStartTold<&ReceiverAnswers::levelValue>(step, smallestInt, -1); }},
+         [](const MadeStep &made) {
+             return isStartTold<&ReceiverAnswers::levelValue>(made, smallestInt, -1);
+         }},
         {"a start that hears a level value above 16 bits",
-         [](const Step &step) { return isStartTold<&ReceiverAnswers::levelValue>(step, 65536, largestInt); }},
+         [](const MadeStep &made) {
+             return isStartTold<&ReceiverAnswers::levelValue>(made, 65536, largestInt);
+         }},
         {"a start without a battery level", isStartDenied<&ReceiverAnswers::hasBatteryLevel>},
         {"a start without report rates", isStartDenied<&ReceiverAnswers::hasReportRateInfo>},
         {"a start without a smart pointer", isStartDenied<&ReceiverAnswers::isSmartPointerSupported>},
         {"a start that is refused its state", isStartDenied<&ReceiverAnswers::acceptsRequests>},
-        {"a first start", [](const Step &step) { return isStartBehind(step, 0); }},
-        {"a second start", [](const Step &step) { return isStartBehind(step, 1); }},
-        {"a stop behind a start", [](const Step &step) { return isStopBehind(step, true); }},
-        {"a stop without a start", [](const Step &step) { return isStopBehind(step, false); }},
+        {"a first start", [](const MadeStep &made) { return isStartBehind(made, 0); }},
+        {"a second start", [](const MadeStep &made) { return isStartBehind(made, 1); }},
+        {"a stop behind a start", [](const MadeStep &made) { return isStopBehind(made, true); }},
+        {"a stop without a start", [](const MadeStep &made) { return isStopBehind(made, false); }},
 
         {"a device on the second receiver",
-         [](const Step &step) { return isOn(step, Physical::SecondReceiver); }},
+         [](const MadeStep &made) { return isOn(made, Physical::SecondReceiver); }},
         {"a device with a physical device that is no receiver",
-         [](const Step &step) { return isOn(step, Physical::NoReceiver); }},
+         [](const MadeStep &made) { return isOn(made, Physical::NoReceiver); }},
         {"a device without a physical device",
-         [](const Step &step) { return isOn(step, Physical::Nothing); }},
+         [](const MadeStep &made) { return isOn(made, Physical::Nothing); }},
         {"devices in all slots",
-         [](const Step &step) { return step.before.creationOrder.size() == deviceSlotCount; }},
+         [](const MadeStep &made) { return made.before.creationOrder.size() == deviceSlotCount; }},
 
-        {"debug off and warning on", [](const Step &step) { return isLogOf(step, false, true); }},
-        {"debug on and warning off", [](const Step &step) { return isLogOf(step, true, false); }},
-        {"debug and warning off", [](const Step &step) { return isLogOf(step, false, false); }},
+        {"debug off and warning on", [](const MadeStep &made) { return isLogOf(made, false, true); }},
+        {"debug on and warning off", [](const MadeStep &made) { return isLogOf(made, true, false); }},
+        {"debug and warning off", [](const MadeStep &made) { return isLogOf(made, false, false); }},
         {"only critical off",
-         [](const Step &step) {
-             return isOf(step, Kind::Initialize) &&
-                    step.operation.logSwitches == std::array<bool, 3>{true, true, false};
+         [](const MadeStep &made) {
+             return isOf(made, Kind::Initialize) &&
+                    made.step.logSwitches == std::array<bool, 3>{true, true, false};
          }},
 
-        {"a list of no slot value", [](const Step &step) { return isListOf(step, 0, 0); }},
-        {"a list of one slot value", [](const Step &step) { return isListOf(step, 1, 1); }},
-        {"a list of four slot values", [](const Step &step) { return isListOf(step, 4, 4); }},
-        {"a list of six slot values", [](const Step &step) { return isListOf(step, 6, 6); }},
-        {"a list of a thousand slot values", [](const Step &step) { return isListOf(step, many, many); }},
+        {"a list of no slot value", [](const MadeStep &made) { return isListOf(made, 0, 0); }},
+        {"a list of one slot value", [](const MadeStep &made) { return isListOf(made, 1, 1); }},
+        {"a list of four slot values", [](const MadeStep &made) { return isListOf(made, 4, 4); }},
+        {"a list of six slot values", [](const MadeStep &made) { return isListOf(made, 6, 6); }},
+        {"a list of a thousand slot values", [](const MadeStep &made) { return isListOf(made, many, many); }},
 
         {"a confirmation that agrees",
-         [](const Step &step) {
-             return isConfirmationWhile(step, true) &&
-                    !isPendingFor(step.operation.kind,
-                                  *step.after.devices.at(static_cast<std::size_t>(step.operation.slot)));
+         [](const MadeStep &made) {
+             return isConfirmationWhile(made, true) &&
+                    !isPendingFor(made.step.kind,
+                                  *made.after.devices.at(static_cast<std::size_t>(made.step.slot)));
          }},
         {"a confirmation that disagrees",
-         [](const Step &step) { return isConfirmation(step) && hasRequest(step, "true"_L1); }},
+         [](const MadeStep &made) { return isConfirmation(made) && hasRequest(made, "true"_L1); }},
         {"a confirmation that nothing waits for",
-         [](const Step &step) { return isConfirmationWhile(step, false); }},
+         [](const MadeStep &made) { return isConfirmationWhile(made, false); }},
 
         {"queued calls that are delivered",
-         [](const Step &step) { return isOf(step, Kind::DeliverQueuedCalls) && !step.before.queue.empty(); }},
+         [](const MadeStep &made) {
+             return isOf(made, Kind::DeliverQueuedCalls) && !made.before.queue.empty();
+         }},
         {"queued calls that die with their device",
-         [](const Step &step) { return isOf(step, Kind::DestroyDevice) && isQueueOfDevice(step); }},
+         [](const MadeStep &made) { return isOf(made, Kind::DestroyDevice) && isQueueOfDevice(made); }},
         {"a kept back report that dies with its device",
-         [](const Step &step) { return isOf(step, Kind::DestroyDevice) && hasKeptBack(step); }},
+         [](const MadeStep &made) { return isOf(made, Kind::DestroyDevice) && hasKeptBack(made); }},
         {"a report inside a request of another device",
-         [](const Step &step) {
-             const Operation *report = reportInsideRequest(step);
-             return report && report->slot != step.operation.slot;
+         [](const MadeStep &made) {
+             const Step *report = reportInsideRequest(made);
+             return report && report->slot != made.step.slot;
          }},
         {"a receiver's signal that nobody hears",
-         [](const Step &step) { return isReceiverSignal(step) && listenerCount(step) == 0; }},
+         [](const MadeStep &made) { return isReceiverSignal(made) && listenerCount(made) == 0; }},
         {"a receiver's signal that several devices hear",
-         [](const Step &step) { return isReceiverSignal(step) && listenerCount(step) > 1; }},
+         [](const MadeStep &made) { return isReceiverSignal(made) && listenerCount(made) > 1; }},
     };
     return all;
 }

@@ -4,22 +4,22 @@
 
 #include <vector>
 
-/// One operation that was made on the model, not merely kept back.
-struct ModelStep
+/// One step that was made on the model, not merely kept back.
+struct MadeStep
 {
-    const Operation &operation;
+    const Step &step;
     const Model::World &before;
-    const Model::World &after;  // with the lines of the operation
+    const Model::World &after;  // with the lines of the step
 };
 
-/// Something that the library has to cope with and that an operation may meet.
+/// Something that the library has to cope with and that a step may meet.
 struct Circumstance
 {
     const char *name;
-    bool (*holds)(const ModelStep &step);
+    bool (*holds)(const MadeStep &made);
 };
 
 const std::vector<Circumstance> &circumstances();
 
-/// The report that was kept back before and was made inside a request of this operation; null when there was none.
-const Operation *reportInsideRequest(const ModelStep &step);
+/// The report that was kept back before and was made inside a request of this step; null when there was none.
+const Step *reportInsideRequest(const MadeStep &made);

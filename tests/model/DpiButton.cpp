@@ -8,12 +8,7 @@ constexpr int defaultButton = 6;
 
 void setPendingFlag(World &world, Device &device, bool isPending)
 {
-    if (device.isButtonIdPending == isPending)
-        return;
-    device.isButtonIdPending = isPending;
-    emitOnDeviceThread(world, device, [](World &itsWorld, Device &itsDevice) {
-        signal(itsWorld, itsDevice, "isDpiButtonIdChangePendingChanged", itsDevice.isButtonIdPending);
-    });
+    change(world, device, "isDpiButtonIdChangePendingChanged", &Device::isButtonIdPending, isPending);
 }
 
 }  // namespace
@@ -60,10 +55,7 @@ void dpiButtonIdChanged(World &world, Device &device, int id)
     debug(world, "onDpiButtonIdChanged enter");
     if (id != device.buttonId) {
         debug(world, "Updating dpiButtonId = ", id);
-        device.buttonId = id;
-        emitOnDeviceThread(world, device, [](World &itsWorld, Device &itsDevice) {
-            signal(itsWorld, itsDevice, "dpiButtonIdChanged", itsDevice.buttonId);
-        });
+        change(world, device, "dpiButtonIdChanged", &Device::buttonId, id);
     }
     debug(world, "onDpiButtonIdChanged exit");
 }

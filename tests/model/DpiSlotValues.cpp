@@ -9,9 +9,7 @@ namespace {
 
 void emitPendingFlag(World &world, Device &device)
 {
-    emitOnDeviceThread(world, device, [](World &itsWorld, Device &itsDevice) {
-        signal(itsWorld, itsDevice, "isDpiSlotValuesChangePendingChanged", itsDevice.isSlotValuesPending);
-    });
+    emitOnDeviceThread(world, device, "isDpiSlotValuesChangePendingChanged", &Device::isSlotValuesPending);
 }
 
 QStringList decimals(const QList<quint16> &values)
@@ -102,7 +100,7 @@ void dpiSlotValuesChanged(World &world, Device &device, const QList<quint16> &va
     if (values != device.slotValues) {
         debug(world, "Updating dpiSlotValues : ", values);
         device.slotValues = values;
-        emitOnDeviceThread(world, device, [](World &itsWorld, Device &itsDevice) {
+        callOnDeviceThread(world, device, [](World &itsWorld, Device &itsDevice) {
             signal(itsWorld, itsDevice, "dpiSlotValuesChanged", decimals(itsDevice.slotValues));
         });
     }

@@ -7,90 +7,19 @@
 
 namespace {
 
-using Kind = Operation::Kind;
-using Route = Operation::Route;
+using Kind = Step::Kind;
+using Route = Step::Route;
 
-// How often a kind is drawn, by how often it stands here.
-constexpr std::array kinds{
-    Kind::CreateDevice,
-    Kind::CreateDevice,
-    Kind::DestroyDevice,
-    Kind::Initialize,
-    Kind::DeliverQueuedCalls,
-    Kind::DeliverQueuedCalls,
-    Kind::DeliverQueuedCalls,
-    Kind::DeliverQueuedCalls,
-    Kind::DeliverQueuedCalls,
-    Kind::ChangeReceiver,
-    Kind::ChangeReceiver,
-    Kind::ChangeReceiver,
-    Kind::Start,
-    Kind::Start,
-    Kind::Start,
-    Kind::Start,
-    Kind::Start,
-    Kind::Stop,
-    Kind::ForwardToPhysicalDevice,
-    Kind::Query26,
-    Kind::CallWhatDoesNothing,
-    Kind::SetFirmwareVersion,
-    Kind::SetBatteryLevel,
-    Kind::SetBatteryLevel,
-    Kind::ReceiverDpiMinChanged,
-    Kind::ReceiverDpiMinChanged,
-    Kind::ReceiverDpiMinChanged,
-    Kind::ReceiverDpiMaxChanged,
-    Kind::ReceiverDpiMaxChanged,
-    Kind::ReceiverDpiMaxChanged,
-    Kind::InvokeOnDpiMinChanged,
-    Kind::InvokeOnDpiMaxChanged,
-    Kind::DpiValueChangedCallBack,
-    Kind::PpidChangedCallBack,
-    Kind::InvokeOnPpidChanged,
-    Kind::SetDpiSlotValues,
-    Kind::SetDpiSlotValues,
-    Kind::SetDpiSlotValues,
-    Kind::SetDpiSlotValues,
-    Kind::SetDpiSlotValues,
-    Kind::DpiSlotValuesConfirmed,
-    Kind::DpiSlotValuesConfirmed,
-    Kind::DpiSlotValuesConfirmed,
-    Kind::DpiSlotValuesConfirmed,
-    Kind::DpiSlotValuesChangedCallBack,
-    Kind::DpiSlotValuesChangedCallBack,
-    Kind::SetActiveDpiSlotIndex,
-    Kind::SetActiveDpiSlotIndex,
-    Kind::SetActiveDpiSlotIndex,
-    Kind::ActiveDpiSlotIndexConfirmed,
-    Kind::ActiveDpiSlotIndexConfirmed,
-    Kind::ActiveDpiSlotIndexConfirmed,
-    Kind::ActiveDpiSlotIndexChangedCallBack,
-    Kind::SetDpiButtonId,
-    Kind::SetDpiButtonId,
-    Kind::SetDpiButtonId,
-    Kind::DpiButtonIdConfirmed,
-    Kind::DpiButtonIdConfirmed,
-    Kind::DpiButtonIdConfirmed,
-    Kind::DpiButtonIdChangedCallBack,
-    Kind::SetReportRate,
-    Kind::SetReportRate,
-    Kind::SetReportRate,
-    Kind::ReportRateConfirmed,
-    Kind::ReportRateConfirmed,
-    Kind::ReportRateConfirmed,
-    Kind::ReportRateChangedCallBack,
-    Kind::ReportRateChangedCallBack,
-    Kind::ApplySettings,
-    Kind::ResetSettings,
-    Kind::CapabilityChangedCallBack,
-    Kind::SetButtonsOrKeysToDefault,
-    Kind::DisbaleButtonsOrKeys,
-    Kind::DisbaleButtonsOrKeys,
-    Kind::MouseEventCallBack,
-    Kind::MouseEventCallBack,
-    Kind::MouseEventCallBack,
-    Kind::InvokeTimerTimeout,
-};
+// Each kind as often as its weight says.
+std::vector<Kind> weightedKinds()
+{
+    std::vector<Kind> all;
+    for (std::size_t index = 0; index < kindCount; ++index) {
+        const auto kind = static_cast<Kind>(index);
+        all.insert(all.end(), static_cast<std::size_t>(weightOf(kind)), kind);
+    }
+    return all;
+}
 
 std::optional<int> freeSlot(const Model::World &world)
 {
@@ -125,11 +54,11 @@ bool isAnyOtherStartedTwice(const Model::World &world, int slot)
 
 // A device that was started twice leaves an entry behind when it dies, so it has to be the last one. A first
 // start is common, a further one is not.
-bool isDetermined(const Model::World &world, const Operation &operation, const Draw &draw)
+bool isDetermined(const Model::World &world, const Step &step, const Draw &draw)
 {
     constexpr int furtherStart = 240;
-    const int slot = operation.slot;
-    switch (operation.kind) {
+    const int slot = step.slot;
+    switch (step.kind) {
     case Kind::Start:
         return world.registrations(slot) == 0 ||
                (draw.choices[0] >= furtherStart && !isAnyOtherStartedTwice(world, slot));
@@ -142,23 +71,9 @@ bool isDetermined(const Model::World &world, const Operation &operation, const D
     }
 }
 
-// A kind with the same effect that scenarios have a command for.
-Kind simplerKind(Kind kind)
-{
-    switch (kind) {
-    case Kind::InvokeOnDpiMinChanged:
-        return Kind::ReceiverDpiMinChanged;
-    case Kind::InvokeOnDpiMaxChanged:
-        return Kind::ReceiverDpiMaxChanged;
-    case Kind::InvokeOnPpidChanged:
-        return Kind::PpidChangedCallBack;
-    default:
-        return kind;
-    }
-}
-
 Kind kindOf(const Draw &draw)
 {
+    static const std::vector<Kind> kinds = weightedKinds();
     return kinds.at(static_cast<std::size_t>(draw.kind) % kinds.size());
 }
 
@@ -173,8 +88,6 @@ std::vector<Draw> simplerDraws(const Draw &draw)
             simpler.back().*field = value;
         }
     };
-    const auto *sameEffect = std::find(kinds.cbegin(), kinds.cend(), simplerKind(kindOf(draw)));
-    tryWith(&Draw::kind, static_cast<int>(sameEffect - kinds.cbegin()));
     tryWith(&Draw::route, 0);
     tryWith(&Draw::target, 0);
     for (std::size_t i = 0; i < draw.choices.size(); ++i) {
@@ -188,29 +101,29 @@ std::vector<Draw> simplerDraws(const Draw &draw)
     return simpler;
 }
 
-OperationPointer resolve(const Model::World &world, const Draw &draw)
+StepPointer resolve(const Model::World &world, const Draw &draw)
 {
-    auto operation = std::make_shared<Operation>();
-    operation->kind = kindOf(draw);
+    auto step = std::make_shared<Step>();
+    step->kind = kindOf(draw);
     const Model::Device *device = nullptr;
-    if (operation->kind == Kind::CreateDevice) {
+    if (step->kind == Kind::CreateDevice) {
         const std::optional<int> slot = freeSlot(world);
         if (!slot)
             return nullptr;
-        operation->slot = *slot;
-    } else if (!isWithoutDevice(operation->kind)) {
+        step->slot = *slot;
+    } else if (!isWithoutDevice(step->kind)) {
         if (world.creationOrder.empty())
             return nullptr;
-        operation->slot =
+        step->slot =
             world.creationOrder.at(static_cast<std::size_t>(draw.target) % world.creationOrder.size());
-        device = &world.devices.at(static_cast<std::size_t>(operation->slot)).value();
-        operation->receiver = receiverOf(device->physical).value_or(0);
+        device = &world.devices.at(static_cast<std::size_t>(step->slot)).value();
+        step->receiver = receiverOf(device->physical).value_or(0);
     }
-    operation->route = routeOf(draw, operation->kind, device);
-    if (!isDetermined(world, *operation, draw))
+    step->route = routeOf(draw, step->kind, device);
+    if (!isDetermined(world, *step, draw))
         return nullptr;
-    drawValues(*operation, world, draw);
-    return operation;
+    drawValues(*step, world, draw);
+    return step;
 }
 
 std::ostream &operator<<(std::ostream &stream, const Draw &draw)

@@ -18,23 +18,10 @@ struct Draw
     std::array<int, 3> choices{};
 };
 
-/// A draw of what next() gives, numbers of 0 to Draw::largest.
-template <typename Next>
-Draw drawn(const Next &next)
-{
-    Draw draw;
-    draw.kind = next();
-    draw.target = next();
-    draw.route = next();
-    for (int &choice : draw.choices)
-        choice = next();
-    return draw;
-}
-
 /// The draws that a sequence can be made simpler with, the simplest first.
 std::vector<Draw> simplerDraws(const Draw &draw);
 
 /// What the step is in this state, or nothing where it makes no sense or its outcome is not determined.
-OperationPointer resolve(const Model::World &world, const Draw &draw);
+StepPointer resolve(const Model::World &world, const Draw &draw);
 
 std::ostream &operator<<(std::ostream &stream, const Draw &draw);

@@ -4,8 +4,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-using Kind = Operation::Kind;
-using Route = Operation::Route;
+using Kind = Step::Kind;
+using Route = Step::Route;
 
 template <typename Value>
 std::size_t indexOf(Value value)
@@ -43,13 +43,13 @@ QString routeName(Route route)
 
 DrawnCounts::DrawnCounts() : m_byCircumstance(circumstances().size()) {}
 
-void DrawnCounts::count(const ModelStep &step)
+void DrawnCounts::count(const MadeStep &made)
 {
-    ++m_byKindAndRoute.at(indexOf(step.operation.kind)).at(indexOf(step.operation.route));
-    if (const Operation *report = reportInsideRequest(step))
+    ++m_byKindAndRoute.at(indexOf(made.step.kind)).at(indexOf(made.step.route));
+    if (const Step *report = reportInsideRequest(made))
         ++m_byKindAndRoute.at(indexOf(report->kind)).at(indexOf(Route::InsideRequest));
     for (std::size_t index = 0; index < m_byCircumstance.size(); ++index) {
-        if (circumstances().at(index).holds(step))
+        if (circumstances().at(index).holds(made))
             ++m_byCircumstance.at(index);
     }
 }
@@ -61,7 +61,7 @@ QList<QPair<QString, qint64>> DrawnCounts::all() const
         for (std::size_t route = 0; route < routeCount; ++route) {
             if (!mayComeBy(static_cast<Route>(route), static_cast<Kind>(kind)))
                 continue;
-            const QString name = QString::fromLatin1(operationName(static_cast<Kind>(kind))) + u' ' +
+            const QString name = QString::fromLatin1(nameOf(static_cast<Kind>(kind))) + u' ' +
                                  routeName(static_cast<Route>(route));
             counts.append({name, m_byKindAndRoute.at(kind).at(route)});
         }

@@ -16,7 +16,7 @@ public:
     DrawnCounts();
 
     /// Not for reports that are only kept back: they count when they are made.
-    void count(const ModelStep &step);
+    void count(const MadeStep &made);
 
     /// All that there is to count, with what it came to.
     QList<QPair<QString, qint64>> all() const;

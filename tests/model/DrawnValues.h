@@ -2,6 +2,6 @@
 
 #include "Draw.h"
 
-/// Fills in the values that the operation carries: mostly sane ones that requests and confirmations share, and
+/// Fills in the values that the step carries: mostly sane ones that requests and confirmations share, and
 /// every now and then one that nobody should send.
-void drawValues(Operation &operation, const Model::World &world, const Draw &draw);
+void drawValues(Step &step, const Model::World &world, const Draw &draw);

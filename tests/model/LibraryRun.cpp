@@ -10,7 +10,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-using Kind = Operation::Kind;
+using Kind = Step::Kind;
 
 void callWhatDoesNothing(ILogicalDeviceGen3Mouse &device, int number)
 {
@@ -38,7 +38,7 @@ LibraryRun::LibraryRun(OtherThread &otherThread)
     m_plainDevice.forwardedResult = plainForwardedResult;
     for (int index = 0; index < 2; ++index) {
         receiver(index).duringRequest = [this, index](const QString &) {
-            const OperationPointer report =
+            const StepPointer report =
                 std::exchange(m_reportInsideRequest[static_cast<std::size_t>(index)], nullptr);
             if (report)
                 perform(*report);
@@ -56,17 +56,17 @@ LibraryRun::~LibraryRun()
     m_bench.host.unload();
 }
 
-void LibraryRun::apply(const OperationPointer &operation)
+void LibraryRun::apply(const StepPointer &step)
 {
-    switch (operation->route) {
-    case Operation::Route::Direct:
-        perform(*operation);
+    switch (step->route) {
+    case Step::Route::Direct:
+        perform(*step);
         break;
-    case Operation::Route::OtherThread:
-        m_otherThread.run([&] { perform(*operation); });
+    case Step::Route::OtherThread:
+        m_otherThread.run([&] { perform(*step); });
         break;
-    case Operation::Route::InsideRequest:
-        m_reportInsideRequest[static_cast<std::size_t>(operation->receiver)] = operation;
+    case Step::Route::InsideRequest:
+        m_reportInsideRequest[static_cast<std::size_t>(step->receiver)] = step;
         break;
     }
 }
@@ -88,85 +88,80 @@ const HostedDevice *LibraryRun::device(int slot) const
     return m_entries.at(static_cast<std::size_t>(slot)).device.get();
 }
 
-QUuid LibraryRun::instanceId(int slot) const
+const CreatedWith &LibraryRun::createdWith(int slot) const
 {
-    return m_entries.at(static_cast<std::size_t>(slot)).instanceId;
+    return m_entries.at(static_cast<std::size_t>(slot)).createdWith;
 }
 
-const IPhysicalDevice *LibraryRun::physicalDevice(int slot) const
+void LibraryRun::perform(const Step &step)
 {
-    return m_entries.at(static_cast<std::size_t>(slot)).physicalDevice;
-}
-
-void LibraryRun::perform(const Operation &operation)
-{
-    if (isWithoutDevice(operation.kind)) {
-        performOnHost(operation);
+    if (isWithoutDevice(step.kind)) {
+        performOnHost(step);
         return;
     }
-    if (operation.kind == Kind::DestroyDevice) {
-        destroyDevice(operation.slot);
+    if (step.kind == Kind::DestroyDevice) {
+        destroyDevice(step.slot);
         return;
     }
-    HostedDevice &device = *entry(operation.slot).device;
-    if (operation.kind == Kind::Start)
-        ++entry(operation.slot).starts;
-    if (!performSpecial(device, operation))
-        performCall(device, operation);
+    HostedDevice &device = *entry(step.slot).device;
+    if (step.kind == Kind::Start)
+        ++entry(step.slot).starts;
+    if (!performSpecial(device, step))
+        performCall(device, step);
 }
 
-void LibraryRun::performOnHost(const Operation &operation)
+void LibraryRun::performOnHost(const Step &step)
 {
-    switch (operation.kind) {
+    switch (step.kind) {
     case Kind::CreateDevice:
-        createDevice(operation);
+        createDevice(step);
         break;
     case Kind::Initialize:
-        m_bench.host.initialize(&m_bench.hostServices, operation.logSwitches[0], operation.logSwitches[1],
-                                operation.logSwitches[2]);
+        m_bench.host.initialize(&m_bench.hostServices, step.logSwitches[0], step.logSwitches[1],
+                                step.logSwitches[2]);
         break;
     case Kind::ChangeReceiver:
-        receiver(operation.receiver).answers = operation.answers;
+        receiver(step.receiver).answers = step.answers;
         break;
     default:
         deliverQueuedCalls();
     }
 }
 
-bool LibraryRun::performSpecial(HostedDevice &device, const Operation &operation)
+bool LibraryRun::performSpecial(HostedDevice &device, const Step &step)
 {
-    const char *name = operationName(operation.kind);
-    switch (operation.kind) {
+    const char *name = nameOf(step.kind);
+    switch (step.kind) {
     case Kind::ReceiverDpiMinChanged:
-        Q_EMIT receiver(operation.receiver).dpiMinChanged(operation.number);
+        Q_EMIT receiver(step.receiver).dpiMinChanged(step.number);
         return true;
     case Kind::ReceiverDpiMaxChanged:
-        Q_EMIT receiver(operation.receiver).dpiMaxChanged(operation.number);
+        Q_EMIT receiver(step.receiver).dpiMaxChanged(step.number);
         return true;
     case Kind::InvokeOnDpiMinChanged:
     case Kind::InvokeOnDpiMaxChanged:
-        QMetaObject::invokeMethod(device.object(), name, Q_ARG(int, operation.number));
+        QMetaObject::invokeMethod(device.object(), name, Q_ARG(int, step.number));
         return true;
     case Kind::InvokeOnPpidChanged:
-        QMetaObject::invokeMethod(device.object(), name, Q_ARG(QString, operation.text));
+        QMetaObject::invokeMethod(device.object(), name, Q_ARG(QString, step.text));
         return true;
     case Kind::InvokeTimerTimeout:
         QMetaObject::invokeMethod(device.object(), name);
         return true;
     case Kind::CallWhatDoesNothing:
-        callWhatDoesNothing(*device.device(), operation.number);
+        callWhatDoesNothing(*device.device(), step.number);
         return true;
     default:
         return false;
     }
 }
 
-void LibraryRun::performCall(HostedDevice &device, const Operation &operation)
+void LibraryRun::performCall(HostedDevice &device, const Step &step)
 {
-    const int number = operation.number;
+    const int number = step.number;
     const auto byte = static_cast<quint8>(number);
-    const auto &words = operation.words;
-    switch (operation.kind) {
+    const auto &words = step.words;
+    switch (step.kind) {
     case Kind::Start:
         device.start();
         break;
@@ -179,19 +174,19 @@ void LibraryRun::performCall(HostedDevice &device, const Operation &operation)
         device.query26(words[0], words[1], words[2]);
         break;
     case Kind::SetFirmwareVersion:
-        return device.setFirmwareVersion(operation.firmwareVersion);
+        return device.setFirmwareVersion(step.firmwareVersion);
     case Kind::SetBatteryLevel:
         return device.setBatteryLevel(number);
     case Kind::DpiValueChangedCallBack:
         return device.dpiValueChangedCallBack(number);
     case Kind::PpidChangedCallBack:
-        return device.ppidChangedCallBack(operation.text);
+        return device.ppidChangedCallBack(step.text);
     case Kind::SetDpiSlotValues:
-        return device.setDpiSlotValues(operation.texts);
+        return device.setDpiSlotValues(step.texts);
     case Kind::DpiSlotValuesConfirmed:
-        return device.dpiSlotValuesConfirmed(operation.slotValues.data());
+        return device.dpiSlotValuesConfirmed(step.slotValues.data());
     case Kind::DpiSlotValuesChangedCallBack:
-        return device.dpiSlotValuesChangedCallBack(operation.slotValues.data());
+        return device.dpiSlotValuesChangedCallBack(step.slotValues.data());
     case Kind::SetActiveDpiSlotIndex:
         return device.setActiveDpiSlotIndex(number);
     case Kind::ActiveDpiSlotIndexConfirmed:
@@ -209,9 +204,9 @@ void LibraryRun::performCall(HostedDevice &device, const Operation &operation)
     case Kind::ReportRateConfirmed:
         return device.reportRateConfirmed(number);
     case Kind::ReportRateChangedCallBack:
-        return device.reportRateChangedCallBack(&operation.rateInfo);
+        return device.reportRateChangedCallBack(&step.rateInfo);
     case Kind::ApplySettings:
-        return device.applySettings(operation.settings);
+        return device.applySettings(step.settings);
     case Kind::ResetSettings:
         return device.resetSettings();
     case Kind::CapabilityChangedCallBack:
@@ -219,7 +214,7 @@ void LibraryRun::performCall(HostedDevice &device, const Operation &operation)
     case Kind::SetButtonsOrKeysToDefault:
         return device.setButtonsOrKeysToDefault();
     case Kind::DisbaleButtonsOrKeys:
-        return device.disbaleButtonsOrKeys(operation.numbers);
+        return device.disbaleButtonsOrKeys(step.numbers);
     case Kind::MouseEventCallBack:
         return device.mouseEventCallBack(byte);
     default:
@@ -227,20 +222,19 @@ void LibraryRun::performCall(HostedDevice &device, const Operation &operation)
     }
 }
 
-void LibraryRun::createDevice(const Operation &operation)
+void LibraryRun::createDevice(const Step &step)
 {
-    Entry &created = entry(operation.slot);
+    Entry &created = entry(step.slot);
     created = {};
-    created.physicalDevice = physicalDevice(operation.physical);
-    created.device = m_bench.host.createDevice(created.physicalDevice,
-                                               deviceIds.at(static_cast<std::size_t>(operation.slot)));
-    created.instanceId = created.device->device()->instanceId();
+    IPhysicalDevice *physical = physicalDevice(step.physical);
+    created.device = m_bench.host.createDevice(physical, deviceIds.at(static_cast<std::size_t>(step.slot)));
+    created.createdWith = {created.device->device()->instanceId(), physical};
 }
 
 void LibraryRun::destroyDevice(int slot)
 {
     m_bench.host.destroyDevice(std::exchange(entry(slot).device, nullptr));
-    for (OperationPointer &report : m_reportInsideRequest) {
+    for (StepPointer &report : m_reportInsideRequest) {
         if (report && report->slot == slot)
             report.reset();
     }

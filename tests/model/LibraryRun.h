@@ -1,13 +1,11 @@
 #pragma once
 
-#include "Operation.h"
+#include "Getters.h"
 #include "PlainPhysicalDevice.h"
 #include "PluginFixture.h"
-
-#include <QtCore/QUuid>
+#include "Step.h"
 
 #include <array>
-#include <functional>
 #include <memory>
 
 class OtherThread;
@@ -21,8 +19,8 @@ public:
     ~LibraryRun();
     Q_DISABLE_COPY_MOVE(LibraryRun)
 
-    /// Makes the operation by its route.
-    void apply(const OperationPointer &operation);
+    /// Makes the step by its route.
+    void apply(const StepPointer &step);
     /// Unloads the library; the devices that are left die with their factory.
     void unload();
 
@@ -31,24 +29,21 @@ public:
 
     /// Null where there is none.
     const HostedDevice *device(int slot) const;
-    /// As it was at creation.
-    QUuid instanceId(int slot) const;
-    const IPhysicalDevice *physicalDevice(int slot) const;
+    const CreatedWith &createdWith(int slot) const;
 
 private:
     struct Entry
     {
         std::unique_ptr<HostedDevice> device;
-        QUuid instanceId;
-        IPhysicalDevice *physicalDevice = nullptr;
+        CreatedWith createdWith;
         int starts = 0;
     };
 
-    void perform(const Operation &operation);
-    void performOnHost(const Operation &operation);
-    bool performSpecial(HostedDevice &device, const Operation &operation);
-    static void performCall(HostedDevice &device, const Operation &operation);
-    void createDevice(const Operation &operation);
+    void perform(const Step &step);
+    void performOnHost(const Step &step);
+    bool performSpecial(HostedDevice &device, const Step &step);
+    static void performCall(HostedDevice &device, const Step &step);
+    void createDevice(const Step &step);
     void destroyDevice(int slot);
     FakeReceiver &receiver(int index);
     IPhysicalDevice *physicalDevice(Physical physical);
@@ -59,5 +54,5 @@ private:
     FakeReceiver m_secondReceiver;
     PlainPhysicalDevice m_plainDevice;
     std::array<Entry, deviceSlotCount> m_entries;
-    std::array<OperationPointer, 2> m_reportInsideRequest;  // by receiver
+    std::array<StepPointer, 2> m_reportInsideRequest;  // by receiver
 };

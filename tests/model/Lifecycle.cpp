@@ -115,24 +115,15 @@ void stop(World &world, Device &device)
 
 void setFirmwareVersion(World &world, Device &device, uint version)
 {
-    if (world.isOnOtherThread) {
-        world.queue.push_back({device.slot, [version](World &itsWorld, Device &itsDevice) {
-                                   setFirmwareVersion(itsWorld, itsDevice, version);
-                               }});
-        return;
-    }
-    device.firmwareVersion = version;
-    signal(world, device, "firmwareVersionChanged", version);
+    callOnDeviceThread(world, device, [version](World &itsWorld, Device &itsDevice) {
+        itsDevice.firmwareVersion = version;
+        signal(itsWorld, itsDevice, "firmwareVersionChanged", version);
+    });
 }
 
 void setBatteryLevel(World &world, Device &device, int level)
 {
-    if (level == device.batteryLevel)
-        return;
-    device.batteryLevel = level;
-    emitOnDeviceThread(world, device, [](World &itsWorld, Device &itsDevice) {
-        signal(itsWorld, itsDevice, "batteryLevelChanged", itsDevice.batteryLevel);
-    });
+    change(world, device, "batteryLevelChanged", &Device::batteryLevel, level);
 }
 
 void deliverQueuedCalls(World &world)

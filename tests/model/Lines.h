@@ -3,21 +3,20 @@
 #include "Model.h"
 #include "TimelineValue.h"
 
+#include <QtCore/QDebug>
 #include <QtCore/QString>
 
 /// How the model writes its lines.
 namespace Model {
 
-/// A value as the message logger's stream operators write it. Plain texts stay as they are, QStrings get quotes.
-QString streamed(int value);
-QString streamed(uint value);
-QString streamed(bool value);
-QString streamed(const char *text);
-QString streamed(const void *address);
-QString streamed(const QString &text);
-QString streamed(const QList<int> &values);
-QString streamed(const QList<quint16> &values);
-QString streamed(const QVariantMap &map);
+/// A value as the message logger's stream operators write it: texts in quotes, but literals as they are.
+template <typename Value>
+QString streamed(const Value &value)
+{
+    QString text;
+    QDebug(&text).nospace() << value;
+    return text;
+}
 
 /// What is streamed into one line stands with a blank between.
 template <typename... Values>
@@ -64,9 +63,27 @@ void signal(World &world, const Device &device, const char *name, const Value &v
     writeSignal(world, device, name, argumentText(value));
 }
 
-using Emission = void (*)(World &, Device &);
-/// On the device's thread at once; else queued, and then with the value of the moment when it runs.
-void emitOnDeviceThread(World &world, Device &device, Emission emission);
+/// At once on the device's thread; else queued.
+void callOnDeviceThread(World &world, Device &device, const Call &call);
+
+/// On the device's thread, with the value of the moment when it runs.
+template <typename Value>
+void emitOnDeviceThread(World &world, Device &device, const char *name, Value Device::*value)
+{
+    callOnDeviceThread(world, device, [=](World &itsWorld, Device &itsDevice) {
+        signal(itsWorld, itsDevice, name, itsDevice.*value);
+    });
+}
+
+/// Stores the value and emits the signal; does nothing when it is the same.
+template <typename Value>
+void change(World &world, Device &device, const char *name, Value Device::*value, Value newValue)
+{
+    if (device.*value == newValue)
+        return;
+    device.*value = newValue;
+    emitOnDeviceThread(world, device, name, value);
+}
 
 /// A value that the device asks its receiver for. The device must be bound.
 template <typename Value>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Operation.h"
+#include "Step.h"
 
 #include <QtCore/QList>
 #include <QtCore/QStringList>
@@ -62,14 +62,16 @@ struct Receiver
 {
     ReceiverAnswers answers;
     std::vector<int> listeners;  // the slot of the device behind each connection, in the order of connecting
-    OperationPointer reportInsideRequest;
+    StepPointer reportInsideRequest;
 };
+
+using Call = std::function<void(World &, Device &)>;
 
 /// What waits for the event loop of the devices' thread, and dies with its device.
 struct QueuedCall
 {
     int slot = 0;
-    std::function<void(World &, Device &)> run;
+    Call run;
 };
 
 struct World
@@ -93,10 +95,10 @@ struct World
 
 // Apply.cpp
 
-/// Makes the operation by its route, its own line first.
-void apply(World &world, const OperationPointer &operation);
+/// Makes the step by its route, its own line first.
+void apply(World &world, const StepPointer &step);
 /// Makes it here and now.
-void perform(World &world, const OperationPointer &operation);
+void perform(World &world, const StepPointer &step);
 
 // Lifecycle.cpp
 /// The library is unloaded, and the devices that are left die with it.

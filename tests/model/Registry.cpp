@@ -14,11 +14,8 @@ void renumberAndAnnounce(World &world)
     int number = isAlone ? 0 : 1;
     for (const int slot : world.registeredSlots)
         world.deviceIn(slot).instanceNumber = number++;
-    for (const int slot : world.registeredSlots) {
-        emitOnDeviceThread(world, world.deviceIn(slot), [](World &itsWorld, Device &device) {
-            signal(itsWorld, device, "instanceNumberChanged", device.instanceNumber);
-        });
-    }
+    for (const int slot : world.registeredSlots)
+        emitOnDeviceThread(world, world.deviceIn(slot), "instanceNumberChanged", &Device::instanceNumber);
 }
 
 }  // namespace

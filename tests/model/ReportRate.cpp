@@ -9,21 +9,9 @@ namespace {
 
 constexpr int preferredRate = 125;
 
-void emitRate(World &world, Device &device)
-{
-    emitOnDeviceThread(world, device, [](World &itsWorld, Device &itsDevice) {
-        signal(itsWorld, itsDevice, "reportRateChanged", itsDevice.reportRate);
-    });
-}
-
 void setPendingFlag(World &world, Device &device, bool isPending)
 {
-    if (device.isReportRatePending == isPending)
-        return;
-    device.isReportRatePending = isPending;
-    emitOnDeviceThread(world, device, [](World &itsWorld, Device &itsDevice) {
-        signal(itsWorld, itsDevice, "isReportRateChangePendingChanged", itsDevice.isReportRatePending);
-    });
+    change(world, device, "isReportRateChangePendingChanged", &Device::isReportRatePending, isPending);
 }
 
 // A 0 ends the list.
@@ -46,10 +34,7 @@ void fallBack(World &world, Device &device, const ReportRateInfo &info)
 
 void storeRate(World &world, Device &device, int rate)
 {
-    if (rate == device.reportRate)
-        return;
-    device.reportRate = rate;
-    emitRate(world, device);
+    change(world, device, "reportRateChanged", &Device::reportRate, rate);
 }
 
 }  // namespace
@@ -91,7 +76,7 @@ void setReportRate(World &world, Device &device, int rate)
         device.pendingReportRate = 0;
         setPendingFlag(world, device, false);
     }
-    emitRate(world, device);
+    emitOnDeviceThread(world, device, "reportRateChanged", &Device::reportRate);
 }
 
 void reportRateConfirmed(World &world, Device &device, int rate)
@@ -119,12 +104,7 @@ void reportRateChanged(World &world, Device &device, const ReportRateInfo &info)
         debug(world, "got supported report rate : ", rate);
         texts.append(QString::number(rate));
     }
-    if (texts != device.reportRateValues) {
-        device.reportRateValues = texts;
-        emitOnDeviceThread(world, device, [](World &itsWorld, Device &itsDevice) {
-            signal(itsWorld, itsDevice, "reportRateValuesChanged", itsDevice.reportRateValues);
-        });
-    }
+    change(world, device, "reportRateValuesChanged", &Device::reportRateValues, texts);
     const int current = info.currentRate;
     if (rates.contains(current))
         reportRateConfirmed(world, device, current);

@@ -10,8 +10,6 @@
 #include <utility>
 #include <vector>
 
-using namespace Qt::StringLiterals;
-
 namespace {
 
 /// Some draws of a sequence left out, or one replaced by a simpler one, which may have to come after the next.
@@ -35,10 +33,8 @@ std::vector<Simplification> simplifications(const std::vector<Draw> &draws)
     for (std::size_t index = 0; index < draws.size(); ++index) {
         for (const Draw &simpler : simplerDraws(draws.at(index))) {
             all.push_back({index, 1, simpler, false});
-            // What is made otherwise may need what follows, a start above all.
-            const bool isMadeOtherwise =
-                simpler.kind != draws.at(index).kind || simpler.route != draws.at(index).route;
-            if (isMadeOtherwise && index + 1 < draws.size())
+            // On another route it may need what follows, a start above all.
+            if (simpler.route != draws.at(index).route && index + 1 < draws.size())
                 all.push_back({index, 1, simpler, true});
         }
     }
@@ -65,7 +61,7 @@ rc::Seq<std::vector<Draw>> simplerSequences(const std::vector<Draw> &draws)
         [draws](const Simplification &simplification) { return simplified(draws, simplification); });
 }
 
-// RapidCheck's size goes from 0 to its largest, 100 unless told otherwise, in the course of a round.
+// RapidCheck's size goes from 0 to its largest, 100, in the course of a round.
 rc::Gen<std::vector<Draw>> anySequence()
 {
     return [](const rc::Random &random, int size) {
@@ -74,7 +70,7 @@ rc::Gen<std::vector<Draw>> anySequence()
         const auto next = [&] { return static_cast<int>(numbers.next() % (Draw::largest + 1)); };
         std::vector<Draw> draws(numbers.next() % (static_cast<uint64_t>(size) * drawsPerSize + 1));
         for (Draw &draw : draws)
-            draw = drawn(next);
+            draw = {next(), next(), next(), {next(), next(), next()}};
         return rc::shrinkable::shrinkRecur(draws, &simplerSequences);
     };
 }
@@ -84,14 +80,6 @@ rc::Gen<std::vector<Draw>> anySequence()
 uint64_t configuredSeed()
 {
     return rc::detail::configuration().testParams.seed;
-}
-
-QString parameters(uint64_t seed)
-{
-    const rc::detail::TestParams &configured = rc::detail::configuration().testParams;
-    return u"seed=%1 max_success=%2 max_size=%3"_s.arg(seed)
-        .arg(configured.maxSuccess)
-        .arg(configured.maxSize);
 }
 
 Round runRound(uint64_t seed, const SpoilExpectation &spoilExpectation, DrawnCounts *counts)
@@ -104,16 +92,14 @@ Round runRound(uint64_t seed, const SpoilExpectation &spoilExpectation, DrawnCou
         SequenceResult result = runSequence(draws, otherThread, spoilExpectation, counts);
         if (!round.shortest) {
             ++round.sequences;
-            round.operations += static_cast<qint64>(result.operations.size());
+            round.operations += static_cast<qint64>(result.steps.size());
         }
-        if (!result.deviation)
+        if (!result.difference)
             return;
         round.shortest = std::move(result);
-        RC_FAIL("the library deviates from the model");
+        RC_FAIL("library and model differ");
     };
-    // A sabotaged round must not depend on what is configured.
-    rc::detail::TestParams parameters =
-        spoilExpectation ? rc::detail::TestParams() : rc::detail::configuration().testParams;
+    rc::detail::TestParams parameters;
     parameters.seed = seed;
     const rc::detail::TestResult result =
         rc::detail::checkTestable(property, rc::detail::TestMetadata(), parameters);

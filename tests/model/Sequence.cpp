@@ -6,12 +6,13 @@
 #include "OtherThread.h"
 
 #include <algorithm>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
-using Kind = Operation::Kind;
+using Kind = Step::Kind;
 
 /// One sequence while it runs.
 class Comparison
@@ -22,89 +23,65 @@ public:
     {}
 
     const Model::World &world() const { return m_world; }
-    bool isOver() const { return m_result.deviation.has_value(); }
+    bool isOver() const { return m_result.difference.has_value(); }
     SequenceResult result() && { return std::move(m_result); }
 
-    void make(const OperationPointer &operation)
+    void make(const StepPointer &step)
     {
         if (isOver())
             return;
-        m_result.operations.push_back(operation);
-        m_library.apply(operation);
-        const std::array<OperationPointer, 2> keptBack = keptBackReports();
-        applyToModel(operation);
-        m_insideReport = madeReport(*operation, keptBack);
-        compareValues(*operation);
+        m_result.steps.push_back(step);
+        m_library.apply(step);
+        applyToModel(step);
+        const QStringList getters = compareGetters(*step);
         if (m_spoilExpectation)
-            m_spoilExpectation(*operation, m_world.lines);
-        compareLines(operation);
+            m_spoilExpectation(*step, m_world.lines);
+        compareLines(getters);
     }
 
     void unload()
     {
         if (isOver())
             return;
+        m_result.isUnloaded = true;
         m_library.unload();
-        m_insideReport = nullptr;
         Model::unload(m_world);
-        compareLines(nullptr);
+        compareLines({});
     }
 
 private:
-    std::array<OperationPointer, 2> keptBackReports() const
+    void applyToModel(const StepPointer &step)
     {
-        return {m_world.receivers[0].reportInsideRequest, m_world.receivers[1].reportInsideRequest};
-    }
-
-    OperationPointer madeReport(const Operation &operation,
-                                const std::array<OperationPointer, 2> &keptBack) const
-    {
-        // What is kept back for a device dies with it.
-        if (operation.kind == Kind::DestroyDevice)
-            return nullptr;
-        for (std::size_t index = 0; index < keptBack.size(); ++index) {
-            if (keptBack.at(index) && !m_world.receivers.at(index).reportInsideRequest)
-                return keptBack.at(index);
-        }
-        return nullptr;
-    }
-
-    void applyToModel(const OperationPointer &operation)
-    {
-        if (!m_counts || operation->route == Operation::Route::InsideRequest) {
-            Model::apply(m_world, operation);
+        if (!m_counts || step->route == Step::Route::InsideRequest) {
+            Model::apply(m_world, step);
             return;
         }
         const Model::World before = m_world;
-        Model::apply(m_world, operation);
-        m_counts->count({*operation, before, m_world});
+        Model::apply(m_world, step);
+        m_counts->count({*step, before, m_world});
     }
 
     // The getters come before the lines, so that a line that one of them writes is seen as well.
-    void compareValues(const Operation &operation)
+    QStringList compareGetters(const Step &step)
     {
+        QStringList found;
         for (const int slot : m_world.creationOrder) {
             const Model::Device &model = m_world.deviceIn(slot);
             const HostedDevice &device = *m_library.device(slot);
-            note(model.id, differences(DeviceValues::ofModel(model, m_library.instanceId(slot),
-                                                             m_library.physicalDevice(slot)),
-                                       DeviceValues::ofLibrary(device)));
-            if (slot == operation.slot)
-                note(model.id, differencesOfFiles(device));
+            QStringList different = differentGetters(model, m_library.createdWith(slot), device);
+            if (slot == step.slot)
+                different += differentFiles(device);
+            for (const QString &getter : std::as_const(different))
+                found.append(u"[%1] %2"_s.arg(QString::number(model.id), getter));
         }
+        return found;
     }
 
-    void note(DeviceId id, const QList<ValueDifference> &found)
-    {
-        for (const ValueDifference &difference : found)
-            m_values.append({id, difference});
-    }
-
-    void compareLines(const OperationPointer &operation)
+    void compareLines(const QStringList &getters)
     {
         const QStringList seen = m_library.take();
-        if (seen != m_world.lines || !m_values.isEmpty())
-            m_result.deviation = Deviation{operation, m_insideReport, m_world.lines, seen, m_values};
+        if (seen != m_world.lines || !getters.isEmpty())
+            m_result.difference = Difference{m_world.lines, seen, getters};
         m_world.lines.clear();
     }
 
@@ -112,25 +89,19 @@ private:
     LibraryRun m_library;
     const SpoilExpectation &m_spoilExpectation;
     DrawnCounts *m_counts;
-    OperationPointer m_insideReport;
-    QList<Deviation::Value> m_values;
     SequenceResult m_result;
 };
 
-OperationPointer allSwitchesOn()
+StepPointer allSwitchesOn()
 {
-    auto operation = std::make_shared<Operation>();
-    operation->kind = Kind::Initialize;
-    operation->logSwitches = {true, true, true};
-    return operation;
+    Step step = stepOf(Kind::Initialize);
+    step.logSwitches = {true, true, true};
+    return std::make_shared<const Step>(step);
 }
 
-OperationPointer onDevice(Kind kind, int slot)
+StepPointer onDevice(Kind kind, int slot)
 {
-    auto operation = std::make_shared<Operation>();
-    operation->kind = kind;
-    operation->slot = slot;
-    return operation;
+    return std::make_shared<const Step>(stepOf(kind, Step::Route::Direct, slot));
 }
 
 // A device that was started twice must not die before the others.
@@ -157,8 +128,8 @@ SequenceResult runSequence(const std::vector<Draw> &draws, OtherThread &otherThr
     for (const Draw &draw : draws) {
         if (comparison.isOver())
             break;
-        if (const OperationPointer operation = resolve(comparison.world(), draw))
-            comparison.make(operation);
+        if (const StepPointer step = resolve(comparison.world(), draw))
+            comparison.make(step);
     }
     destroyOthersThanTheTwiceStarted(comparison);
     comparison.unload();

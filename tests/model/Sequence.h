@@ -1,6 +1,5 @@
 #pragma once
 
-#include "DeviceValues.h"
 #include "Draw.h"
 
 #include <functional>
@@ -10,37 +9,31 @@
 class DrawnCounts;
 class OtherThread;
 
-/// Where the library did something else than the model says.
-struct Deviation
+/// Where library and model differ.
+struct Difference
 {
-    struct Value
-    {
-        DeviceId device = 0;
-        ValueDifference difference;
-    };
-
-    /// Null when it was the end, the unloading.
-    OperationPointer operation;
-    /// The report that was kept back and was made inside the operation; null when there was none.
-    OperationPointer insideReport;
     QStringList expectedLines;
     QStringList seenLines;
-    QList<Value> values;
+    QStringList getters;  // "[1] dpiMin: expected 100, seen 0"
 };
 
-/// What came of a sequence. It ends at its first deviation.
+/// What a sequence did. It ends at its first difference.
 struct SequenceResult
 {
-    std::vector<OperationPointer> operations;
-    std::optional<Deviation> deviation;
+    std::vector<StepPointer> steps;
+    bool isUnloaded = false;  // behind the steps
+    std::optional<Difference> difference;
+
+    /// The steps, one per line, and what was expected and seen at the last one.
+    QString text() const;
 };
 
-/// May change what the model expects of an operation, to see that it is noticed.
-using SpoilExpectation = std::function<void(const Operation &operation, QStringList &lines)>;
+/// May change what the model expects of a step, to see that it is noticed.
+using SpoilExpectation = std::function<void(const Step &step, QStringList &lines)>;
 
-/// Loads the library and makes the operations on it and on the model, one after the other, and compares all
-/// lines of the timeline and all getters of all devices after each. The two getters that read files are asked on
-/// the device of the operation only. A sequence begins with all log switches on and one device; at its end the
-/// library is unloaded. Where counts are given, each operation is counted.
+/// Loads the library and makes the steps on it and on the model, one after the other, and compares all
+/// lines of the timeline and all getters of all devices after each. The two getters that read files are called on
+/// the device of the step only. A sequence begins with all log switches on and one device; at its end the
+/// library is unloaded. Where counts are given, each step is counted.
 SequenceResult runSequence(const std::vector<Draw> &draws, OtherThread &otherThread,
                            const SpoilExpectation &spoilExpectation = {}, DrawnCounts *counts = nullptr);

@@ -33,7 +33,7 @@ using SlotValues = std::array<quint16, 5>;
 
 /// One step of a sequence: plain data. The address of slotValues is part of it, for the device writes that
 /// address to its log.
-struct Operation
+struct Step
 {
     enum class Kind {
         // The host and its surroundings.
@@ -107,21 +107,26 @@ struct Operation
     ReceiverAnswers answers;
 };
 
-constexpr std::size_t kindCount = static_cast<std::size_t>(Operation::Kind::InvokeTimerTimeout) + 1;
-constexpr std::size_t routeCount = static_cast<std::size_t>(Operation::Route::InsideRequest) + 1;
+constexpr std::size_t kindCount = static_cast<std::size_t>(Step::Kind::InvokeTimerTimeout) + 1;
+constexpr std::size_t routeCount = static_cast<std::size_t>(Step::Route::InsideRequest) + 1;
 
 /// The library and the model get the same object.
-using OperationPointer = std::shared_ptr<const Operation>;
+using StepPointer = std::shared_ptr<const Step>;
 
-/// The name as it stands on the timeline, in a scenario or in QMetaObject::invokeMethod().
-const char *operationName(Operation::Kind kind);
+/// A step whose values are those of a new one.
+Step stepOf(Step::Kind kind, Step::Route route = Step::Route::Direct, int slot = 0);
+
+/// The name as it stands on the timeline, or in QMetaObject::invokeMethod().
+const char *nameOf(Step::Kind kind);
 /// "setReportRate(500)", as the call stands on the timeline.
-QString callText(const Operation &operation);
+QString callText(const Step &step);
+/// How often the kind is drawn, among the others.
+int weightOf(Step::Kind kind);
 /// A report of the mouse, which may come in the middle of a request.
-bool isReport(Operation::Kind kind);
+bool isReport(Step::Kind kind);
 /// Must be made on the thread of the devices.
-bool needsDeviceThread(Operation::Kind kind);
+bool needsDeviceThread(Step::Kind kind);
 /// Needs no device.
-bool isWithoutDevice(Operation::Kind kind);
+bool isWithoutDevice(Step::Kind kind);
 /// The receiver that the physical device is, 0 or 1; none for others.
 std::optional<int> receiverOf(Physical physical);
