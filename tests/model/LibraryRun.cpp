@@ -31,9 +31,9 @@ void callWhatDoesNothing(ILogicalDeviceGen3Mouse &device, int number)
 
 LibraryRun::LibraryRun(OtherThread &otherThread)
     : m_otherThread(otherThread),
-      m_bench({false, false, false}),
-      m_secondReceiver(m_bench.timeline),
-      m_plainDevice(m_bench.timeline)
+      m_fixture({false, false, false}),
+      m_secondReceiver(m_fixture.timeline),
+      m_plainDevice(m_fixture.timeline)
 {
     m_plainDevice.forwardedResult = plainForwardedResult;
     for (int index = 0; index < 2; ++index) {
@@ -53,7 +53,7 @@ LibraryRun::~LibraryRun()
         if (device(slot) && entry(slot).starts < 2)
             destroyDevice(slot);
     }
-    m_bench.host.unload();
+    m_fixture.host.unload();
 }
 
 void LibraryRun::apply(const StepPointer &step)
@@ -73,14 +73,14 @@ void LibraryRun::apply(const StepPointer &step)
 
 void LibraryRun::unload()
 {
-    m_bench.host.unload();
+    m_fixture.host.unload();
     m_entries = {};
     deliverQueuedCalls();
 }
 
 QStringList LibraryRun::take()
 {
-    return m_bench.take(Timeline::Style::WithDevice);
+    return m_fixture.take(Timeline::Style::WithDevice);
 }
 
 const HostedDevice *LibraryRun::device(int slot) const
@@ -117,7 +117,7 @@ void LibraryRun::performOnHost(const Step &step)
         createDevice(step);
         break;
     case Kind::Initialize:
-        m_bench.host.initialize(&m_bench.hostServices, step.logSwitches[0], step.logSwitches[1],
+        m_fixture.host.initialize(&m_fixture.hostServices, step.logSwitches[0], step.logSwitches[1],
                                 step.logSwitches[2]);
         break;
     case Kind::ChangeReceiver:
@@ -227,13 +227,13 @@ void LibraryRun::createDevice(const Step &step)
     Entry &created = entry(step.slot);
     created = {};
     IPhysicalDevice *physical = physicalDevice(step.physical);
-    created.device = m_bench.host.createDevice(physical, deviceIds.at(static_cast<std::size_t>(step.slot)));
+    created.device = m_fixture.host.createDevice(physical, deviceIds.at(static_cast<std::size_t>(step.slot)));
     created.createdWith = {created.device->device()->instanceId(), physical};
 }
 
 void LibraryRun::destroyDevice(int slot)
 {
-    m_bench.host.destroyDevice(std::exchange(entry(slot).device, nullptr));
+    m_fixture.host.destroyDevice(std::exchange(entry(slot).device, nullptr));
     for (StepPointer &report : m_reportInsideRequest) {
         if (report && report->slot == slot)
             report.reset();
@@ -242,7 +242,7 @@ void LibraryRun::destroyDevice(int slot)
 
 FakeReceiver &LibraryRun::receiver(int index)
 {
-    return index == 0 ? m_bench.receiver : m_secondReceiver;
+    return index == 0 ? m_fixture.receiver : m_secondReceiver;
 }
 
 IPhysicalDevice *LibraryRun::physicalDevice(Physical physical)

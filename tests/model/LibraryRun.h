@@ -50,7 +50,7 @@ private:
     Entry &entry(int slot);
 
     OtherThread &m_otherThread;
-    PluginFixture m_bench;
+    PluginFixture m_fixture;
     FakeReceiver m_secondReceiver;
     PlainPhysicalDevice m_plainDevice;
     std::array<Entry, deviceSlotCount> m_entries;
