@@ -31,8 +31,8 @@ std::optional<QString> PluginHost::load(const QString &file)
 std::optional<QString> PluginHost::check(const QString &file)
 {
     const PluginInspection inspection = inspectPlugin(file);
-    if (!inspection.judgement.isLoadable())
-        return inspection.judgement.reason;
+    if (!inspection.refusal.isEmpty())
+        return inspection.refusal;
 
     m_loader.setFileName(inspection.file);
     if (!m_loader.load())

@@ -25,7 +25,7 @@ public:
     Q_DISABLE_COPY_MOVE(PluginHost)
 
     /// Loads the library and gets its factory. Answers nothing when all is well, else the reason in one sentence,
-    /// and then nothing is loaded. Checks, in this order: all that inspectPlugin() judges, before anything of the
+    /// and then nothing is loaded. Checks, in this order: all that inspectPlugin() refuses, before anything of the
     /// library runs; it loads here; its root object is a factory of logical devices.
     std::optional<QString> load(const QString &file);
     /// Deletes the factory, and with it the devices, and takes the library out of the process.

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QtCore/QByteArray>
 #include <QtCore/QLatin1StringView>
 #include <QtCore/QOperatingSystemVersion>
 
@@ -11,14 +10,5 @@ inline constexpr bool isWindows = QOperatingSystemVersion::currentType() == QOpe
 inline constexpr QLatin1StringView name(isWindows ? "Windows" : "Linux");
 inline constexpr QLatin1StringView otherName(isWindows ? "Linux" : "Windows");
 inline constexpr QLatin1StringView qtCoreLibrary(isWindows ? "Qt6Core.dll" : "libQt6Core.so.6");
-
-/// How library files of the other system begin.
-inline QByteArray otherLibraryStart()
-{
-    return (isWindows ? QByteArray("\x7f"
-                                   "ELF")
-                      : QByteArray("MZ")) +
-           QByteArray(100, '\0');
-}
 
 }  // namespace ThisSystem

@@ -1,5 +1,6 @@
 #include "InspectCommand.h"
 
+#include "MissingLibraries.h"
 #include "PluginHost.h"
 #include "PluginInspection.h"
 #include "Timeline.h"
@@ -14,49 +15,41 @@ namespace {
 void printField(const QString &name, const QString &value)
 {
     constexpr int nameWidth = 16;
-    printLine(name.leftJustified(nameWidth) + value);
+    printLine(onOneLine(name.leftJustified(nameWidth) + value));
+}
+
+void printNames(const QString &name, const QStringList &values)
+{
+    printField(name, values.isEmpty() ? u"none"_s : values.join(u", "_s));
 }
 
 QString headerText(const QByteArray &metadata)
 {
     constexpr qsizetype headerSize = 4;
-    const QByteArray header = metadata.first(qMin(headerSize, metadata.size()));
     QStringList bytes;
-    for (const char byte : header)
+    for (const char byte : metadata.first(headerSize))
         bytes.append(QString::number(static_cast<quint8>(byte)));
     return bytes.join(u' ');
 }
 
-QString qtText(const QJsonObject &metaData)
-{
-    const int version = metaData.value("version"_L1).toInt();
-    const QString build = metaData.value("debug"_L1).toBool() ? u"debug"_s : u"release"_s;
-    // Plugin metadata tells no patch level.
-    return u"Qt %1.%2, %3"_s.arg(version >> 16).arg((version >> 8) & 0xff).arg(build);
-}
-
-void printExports(const QStringList &exports)
+void printContents(const LibraryFile &contents)
 {
     QStringList entryPoints;
     QStringList others;
-    for (const QString &name : exports)
+    for (const QString &name : contents.exports)
         (name.startsWith(u"qt_plugin_") ? entryPoints : others).append(name);
-    printField(u"entry points"_s, entryPoints.isEmpty() ? u"none"_s : entryPoints.join(u", "_s));
-    printField(u"other exports"_s, others.isEmpty() ? u"none"_s : others.join(u", "_s));
+    printNames(u"entry points"_s, entryPoints);
+    printNames(u"other exports"_s, others);
+    printNames(u"needs"_s, contents.neededLibraries);
 }
 
-void printInspection(const PluginInspection &inspection)
+// Only loading shows whether the loader agrees with all that was read.
+QString loadingResult(const QString &file)
 {
-    printField(u"file"_s, inspection.file);
-    printField(u"format"_s,
-               (inspection.contents.format == LibraryFile::Format::Elf ? u"Linux"_s : u"Windows"_s) +
-                   u" library, "_s + inspection.contents.architecture);
-    printField(u"IID"_s, inspection.metaData.value("IID"_L1).toString());
-    printField(u"class"_s, inspection.metaData.value("className"_L1).toString());
-    printField(u"metadata header"_s, headerText(inspection.contents.pluginMetadata));
-    printField(u"built with"_s, qtText(inspection.metaData));
-    printExports(inspection.contents.exports);
-    printField(u"needs"_s, inspection.contents.neededLibraries.join(u", "_s));
+    Timeline timeline;
+    PluginHost host(timeline);
+    const std::optional<QString> refusal = host.load(file);
+    return refusal ? u"no: "_s + *refusal : u"yes, with Qt "_s + QLibraryInfo::version().toString();
 }
 
 }  // namespace
@@ -64,19 +57,21 @@ void printInspection(const PluginInspection &inspection)
 ExitCode runInspect(const QString &file)
 {
     const PluginInspection inspection = inspectPlugin(file);
-    if (!inspection.metaData.isEmpty())
-        printInspection(inspection);
-    if (!inspection.judgement.isLoadable()) {
-        printError(inspection.judgement.reason);
+    if (!inspection.metadata) {
+        printError(inspection.refusal);
         return ExitCode::Unusable;
     }
-    // Only loading tells whether all that the library needs is there.
-    Timeline timeline;
-    PluginHost host(timeline);
-    if (const std::optional<QString> reason = host.load(file)) {
-        printError(*reason);
-        return ExitCode::Unusable;
-    }
-    printField(u"loads here"_s, u"yes, with Qt "_s + QLibraryInfo::version().toString());
+    const PluginMetadata &metadata = *inspection.metadata;
+    const LibraryFile &contents = inspection.contents;
+    printField(u"file"_s, inspection.file);
+    printField(u"format"_s, contents.kind());
+    printField(u"IID"_s, metadata.iid);
+    printField(u"class"_s, metadata.className);
+    printField(u"metadata header"_s, headerText(contents.pluginMetadata));
+    printField(u"built with"_s, u"Qt %1, %2"_s.arg(qtVersionText(metadata.qtVersion),
+                                                   metadata.isDebug ? u"debug"_s : u"release"_s));
+    printContents(contents);
+    printField(u"not found"_s, librariesNotFound(inspection.file, contents));
+    printField(u"loads here"_s, loadingResult(file));
     return ExitCode::Success;
 }

@@ -2,5 +2,5 @@
 
 #include "Output.h"
 
-/// kvx inspect: prints what a library file says of itself as a plugin, and whether it loads here.
+/// kvx inspect: prints what a plugin library says of itself, what it misses here, and whether it loads.
 ExitCode runInspect(const QString &file);

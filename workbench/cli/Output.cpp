@@ -26,14 +26,17 @@ void printLine(const QString &line)
 
 void printError(const QString &message)
 {
-    QString line = u"kvx: "_s + message;
-    // Whatever a file has put into it must not end the line nor steer the terminal.
-    for (QChar &character : line) {
+    write(stderr, onOneLine(u"kvx: "_s + message));
+}
+
+QString onOneLine(QString text)
+{
+    for (QChar &character : text) {
         if (character.category() == QChar::Other_Control || character.category() == QChar::Separator_Line ||
             character.category() == QChar::Separator_Paragraph)
             character = u' ';
     }
-    write(stderr, line);
+    return text;
 }
 
 void printEntries(const QList<TimelineEntry> &entries, Timeline::Style style)

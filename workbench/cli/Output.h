@@ -26,3 +26,6 @@ QString libraryBesideTheProgram();
 
 /// Writes "kvx: " and the message as one line to standard error.
 void printError(const QString &message);
+
+/// The text without whatever would end the line or control the terminal: for what comes from a file.
+QString onOneLine(QString text);

@@ -2,7 +2,6 @@
 #include "Session.h"
 
 #include <QtCore/QFile>
-#include <QtCore/QJsonObject>
 #include <QtCore/QPointer>
 #include <QtCore/QRegularExpression>
 
@@ -10,9 +9,9 @@ using namespace Qt::StringLiterals;
 
 void Session::checkMetadata()
 {
-    const QJsonObject metaData = inspectPlugin(m_pluginFile).metaData;
-    check(u"the IID"_s, u"com.orvane.KVX.Plugin.LogicalDevice.RV418"_s, metaData.value("IID"_L1).toString());
-    check(u"the class name"_s, u"LogicalDevicePlugin"_s, metaData.value("className"_L1).toString());
+    const PluginMetadata metadata = inspectPlugin(m_pluginFile).metadata.value_or(PluginMetadata());
+    check(u"the IID"_s, u"com.orvane.KVX.Plugin.LogicalDevice.RV418"_s, metadata.iid);
+    check(u"the class name"_s, u"LogicalDevicePlugin"_s, metadata.className);
 }
 
 void Session::initializeFactory()
