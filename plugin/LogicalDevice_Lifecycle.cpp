@@ -51,7 +51,8 @@ void LogicalDevice::bindDongle()
     m_dongle->requestInitialState2(m_deviceId);
     m_dongle->requestInitialState3(m_deviceId);
     m_isSmartPointerSupported = m_dongle->isSmartPointerSupported(m_deviceId);
-    if (isReportRateSupported()) {
+    // Always so for this mouse. The host's contract is that the operation decides.
+    if (isReportRateSupported()) {  // GCOVR_EXCL_BR_LINE
         ReportRateInfo info{};
         if (m_dongle->getReportRateInfo(m_deviceId, &info))
             initReportRate(info);

@@ -1,6 +1,10 @@
 # Sourced by ./dev and by the scripts beside this file.
 # shellcheck shell=bash
 
+# Only the toolbox has this folder. No variable says so: it could come from anywhere.
+# shellcheck disable=SC2034 # used by ./dev and toolbox-enter
+toolboxMark=/kvx-toolbox
+
 # Prints where toolboxes, ccache's files and the toolbox's home folder lie: outside of every checkout.
 cache_dir() {
     local home="${HOME:-}"

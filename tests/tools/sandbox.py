@@ -123,12 +123,18 @@ class Sandbox:
         self.cache = self.base / "the cache"
         self.fakes = self.base / "fakes"
         self.calls = self.base / "calls"
+        self.toolbox_mark = self.base / "kvx-toolbox"
         self.started = []
         self.checkout.mkdir()
         self.fakes.mkdir()
         shutil.copy2(REPOSITORY / "dev", self.checkout)
         for folder in ("tools", "cmake"):
             shutil.copytree(REPOSITORY / folder, self.checkout / folder)
+        # The test itself may run in the toolbox.
+        common = self.checkout / "tools" / "common.sh"
+        text = common.read_text(encoding="utf-8")
+        assert text.count("toolboxMark=/kvx-toolbox\n") == 1
+        common.write_text(text.replace("toolboxMark=/", f"toolboxMark={self.base}/"), encoding="utf-8")
         for name, body in {
             "mmdebstrap": FAKE_MMDEBSTRAP,
             "bwrap": FAKE_BWRAP,
@@ -141,10 +147,15 @@ class Sandbox:
         }.items():
             self.fake(name, body)
 
-    def fake(self, name, body):
-        path = self.fakes / name
+    def script(self, path, body):
+        """A script in the checkout, or in the place of one."""
+        path = self.checkout / path
+        path.parent.mkdir(parents=True, exist_ok=True)
         path.write_text(f"#!/bin/bash\n{CALL_LOG}{body}", encoding="utf-8")
         path.chmod(0o755)
+
+    def fake(self, name, body):
+        self.script(self.fakes / name, body)
 
     def environment(self, **changes):
         environment = {
