@@ -10,6 +10,7 @@ import os
 import shutil
 import signal
 import subprocess
+import sys
 import tempfile
 import time
 import unittest
@@ -237,3 +238,51 @@ class SandboxTest(unittest.TestCase):
         self.sandbox = Sandbox(os.path.realpath(folder.name))
         self.addCleanup(self.sandbox.end_started)
         self.dev = self.sandbox.dev
+
+
+class ToolTest(unittest.TestCase):
+    """Runs one of the tools, which the class names, on files in a folder of its own."""
+
+    maxDiff = None
+    tool = ""
+
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.base = Path(os.path.realpath(folder.name))
+
+    def write(self, name, text="", mode=0o644):
+        path = self.base / name
+        path.parent.mkdir(parents=True, exist_ok=True)
+        path.write_text(text, encoding="utf-8")
+        path.chmod(mode)
+        return path
+
+    def run_tool(self, *words, **variables):
+        return subprocess.run(
+            [sys.executable, "-B", REPOSITORY / "tools" / self.tool, *words],
+            cwd=self.base,
+            env=os.environ | variables,
+            capture_output=True,
+            text=True,
+            check=False,
+        )
+
+    def assert_ends(self, process, code, *lines, out=""):
+        """With these lines of complaint, and that output."""
+        self.assertEqual(
+            (process.stderr.splitlines(), process.stdout, process.returncode),
+            ([f"{self.tool}: {line}" for line in lines], out, code),
+        )
+
+    def content(self):
+        return {path: path.is_file() and path.read_bytes() for path in self.base.rglob("*")}
+
+    def assert_refused(self, part, *words, **variables):
+        """In one line, and nothing is written."""
+        before = self.content()
+        process = self.run_tool(*words, **variables)
+        self.assertEqual((process.stdout, process.returncode, process.stderr.count("\n")), ("", 2, 1), process.stderr)
+        self.assertTrue(process.stderr.startswith(f"{self.tool}: "), process.stderr)
+        self.assertIn(part, process.stderr)
+        self.assertEqual(self.content(), before)

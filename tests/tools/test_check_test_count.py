@@ -1,194 +1,158 @@
 """tools/check-test-count: no test goes missing unnoticed."""
 
-import subprocess
-import tempfile
-import unittest
-from pathlib import Path
+from sandbox import ToolTest
 
-from sandbox import REPOSITORY
+EXPECTED = "# counts\nscript 4\ntst_Dpi 3\n"
+CASES = ("initTestCase", "rangeIsKept(low)", "cleanupTestCase")
 
 
-class CheckTestCountTest(unittest.TestCase):
-    maxDiff = None
-
-    def setUp(self):
-        folder = tempfile.TemporaryDirectory()
-        self.addCleanup(folder.cleanup)
-        self.folder = Path(folder.name) / "a build"
-        self.expected = Path(folder.name) / "expected.txt"
-        (self.folder / "test-results").mkdir(parents=True)
-        self.write_ctest("tst_Dpi", "dev_script")
-        self.write_results("tst_Dpi", ["initTestCase", "rangeIsKept(low)", "cleanupTestCase"])
-        self.expected.write_text("# counts\ndev_script 1\ntst_Dpi 3\n", encoding="utf-8")
-
-    def write_ctest(self, *names, **statuses):
-        tests = {name: "run" for name in names} | statuses
-        cases = "".join(f'<testcase name="{name}" status="{status}"/>' for name, status in tests.items())
-        (self.folder / "ctest.xml").write_text(f"<testsuite>{cases}</testsuite>", encoding="utf-8")
-
-    def write_results(self, name, cases, inside=""):
-        text = "".join(f'<testcase name="{case}">{inside}</testcase>' for case in cases)
-        (self.folder / "test-results" / f"{name}.xml").write_text(f"<testsuite>{text}</testsuite>", encoding="utf-8")
-
-    def check(self, *options):
-        return subprocess.run(
-            [REPOSITORY / "tools" / "check-test-count", self.folder, "--expected", self.expected, *options],
-            capture_output=True,
-            text=True,
-            check=False,
-        )
-
-    def assert_says(self, code, *lines):
-        process = self.check()
-        self.assertEqual(
-            (process.stderr.splitlines(), process.stdout, process.returncode),
-            ([f"check-test-count: {line}" for line in lines], "", code),
-        )
-
-    def remedy(self):
-        return f"if the change is meant, write the new numbers: tools/check-test-count {self.folder} --write"
-
-
-class Counts(CheckTestCountTest):
-    def test_as_expected(self):
-        process = self.check()
-        self.assertEqual(
-            (process.stdout, process.stderr, process.returncode),
-            ("2 tests with 4 test cases ran, as expected\n", "", 0),
-        )
-
-    def test_fewer_cases(self):
-        self.write_results("tst_Dpi", ["initTestCase", "cleanupTestCase"])
-        self.assert_says(1, "tst_Dpi: expected 3, ran 2", self.remedy())
-
-    def test_vanished_programs(self):
-        self.expected.write_text("dev_script 1\ngone 1\ntst_Dpi 3\ntst_Gone 9\n", encoding="utf-8")
-        self.assert_says(
-            1, "gone: expected 1, but it did not run", "tst_Gone: expected 9, but it did not run", self.remedy()
-        )
-
-    def test_new_program(self):
-        self.expected.write_text("dev_script 1\n", encoding="utf-8")
-        self.assert_says(1, "tst_Dpi: ran 3, but is not expected", self.remedy())
-
-    def test_program_without_results(self):
-        (self.folder / "test-results" / "tst_Dpi.xml").unlink()
-        self.assert_says(1, f"tst_Dpi: it wrote no {self.folder}/test-results/tst_Dpi.xml")
-
-    def test_results_without_program(self):
-        self.write_results("tst_Old", ["initTestCase"])
-        self.assert_says(1, f"tst_Old: {self.folder}/test-results/tst_Old.xml belongs to no test that ran")
-
-    def test_skips_and_failures(self):
-        for outcome in ("skipped", "failure", "error"):
-            self.write_results("tst_Dpi", ["one"], f"<{outcome}/>")
-            self.assert_says(1, f"tst_Dpi: one has the outcome '{outcome}'")
-
-    def test_program_that_ctest_did_not_run(self):
-        self.write_ctest("tst_Dpi", dev_script="disabled")
-        self.assert_says(1, "dev_script: ctest says 'disabled' instead of running it to its end")
-
-    def test_empty_results(self):
-        self.write_results("tst_Dpi", [])
-        self.assert_says(1, "tst_Dpi: its results hold no test case")
-
-    def test_nothing_ran(self):
-        self.write_ctest()
-        (self.folder / "test-results" / "tst_Dpi.xml").unlink()
-        self.assert_says(1, "no test ran at all")
-
-    def test_missing_run(self):
-        (self.folder / "ctest.xml").unlink()
-        self.assert_says(
-            2, f"{self.folder}/ctest.xml is missing; run all tests of that build first: ./dev test PRESET"
-        )
-
-    def test_damaged_results(self):
-        file = self.folder / "test-results" / "tst_Dpi.xml"
-        file.write_text("<testsuite>", encoding="utf-8")
-        self.assert_says(2, f"{file} cannot be read (no element found: line 1, column 11)")
-
-    def test_damaged_expectation(self):
-        self.expected.write_text("# fine\ntst_Dpi three\n", encoding="utf-8")
-        self.assert_says(2, f"{self.expected}:2: expected a test's name and a number, not 'tst_Dpi three'")
-        self.expected.write_text("tst_Dpi 3\ntst_Dpi 4\n", encoding="utf-8")
-        self.assert_says(2, f"{self.expected}:2: tst_Dpi stands there twice")
-
-    def test_write_keeps_the_comment(self):
-        self.write_results("tst_Dpi", ["one"])
-        self.assertEqual(self.check("--write").returncode, 0)
-        self.assertEqual(self.expected.read_text(encoding="utf-8"), "# counts\ndev_script 1\ntst_Dpi 1\n")
-        self.assertEqual(self.check().returncode, 0)
-
-    def test_write_refuses_a_run_with_skips(self):
-        self.write_results("tst_Dpi", ["one"], "<skipped/>")
-        before = self.expected.read_text(encoding="utf-8")
-        self.assertEqual(self.check("--write").returncode, 1)
-        self.assertEqual(self.expected.read_text(encoding="utf-8"), before)
-
-
-class LeftOut(CheckTestCountTest):
-    """FOLDER/left-out-tests.txt: a build says which tests it does not have, and why."""
+class CheckTestCount(ToolTest):
+    tool = "check-test-count"
 
     def setUp(self):
         super().setUp()
-        self.expected.write_text("# counts\ndev_script 1\ntst_Dpi 3\ntst_Unix 5\n", encoding="utf-8")
-        self.leave_out("tst_Unix reads ELF (no such files here)")
+        self.folder = self.base / "native-asan"
+        self.results = self.folder / "test-results" / "tst_Dpi.xml"
+        self.ran()
+        self.cases()
+        self.expect()
 
-    def leave_out(self, *lines):
-        self.list = self.folder / "left-out-tests.txt"
-        self.list.write_text("".join(f"{line}\n" for line in lines), encoding="utf-8")
+    def expect(self, more="", text=EXPECTED):
+        self.expected = self.write("expected.txt", text + more)
 
-    def test_is_no_failure_and_is_told_with_the_reason(self):
-        process = self.check()
-        self.assertEqual(
-            (process.stdout.splitlines(), process.stderr, process.returncode),
-            (
-                [
-                    "2 tests with 4 test cases ran, as expected",
-                    "left out: tst_Unix (reads ELF (no such files here))",
-                ],
-                "",
-                0,
-            ),
+    def ran(self, more="", script="...\nRan 4 tests in 0.1s\n\nOK", status="run"):
+        self.write(
+            "native-asan/ctest.xml",
+            f'<testsuite><testcase name="tst_Dpi" status="run"/>{more}<testcase name="script" status="{status}">'
+            f"<properties/><system-out>{script}</system-out></testcase></testsuite>",
         )
 
-    def test_empty_list_leaves_out_nothing(self):
-        self.leave_out()
-        self.assert_says(1, "tst_Unix: expected 5, but it did not run", self.remedy())
+    def cases(self, *names, inside=""):
+        text = "".join(f'<testcase name="{name}">{inside}</testcase>' for name in names or CASES)
+        self.write("native-asan/test-results/tst_Dpi.xml", f"<testsuite>{text}</testsuite>")
 
-    def test_another_test_may_not_be_missing(self):
-        self.expected.write_text("dev_script 1\ngone 1\ntst_Dpi 3\ntst_Unix 5\n", encoding="utf-8")
-        self.assert_says(1, "gone: expected 1, but it did not run", self.remedy())
+    def leave_out(self, text):
+        self.write("native-asan/left-out-tests.txt", text)
 
-    def test_that_ran(self):
-        self.leave_out("tst_Unix no ELF", "dev_script no shell")
-        self.assert_says(1, "dev_script: ran, though it is to be left out (no shell)", self.remedy())
+    def check(self, *options):
+        return self.run_tool(self.folder, "--expected", self.expected, *options)
 
-    def test_that_no_build_is_expected_to_run(self):
-        self.leave_out("tst_Unix no ELF", "tst_Misspelt no ELF")
-        self.assert_says(1, "tst_Misspelt: left out here, and expected nowhere", self.remedy())
+    def assert_fails(self, *lines):
+        self.assert_ends(self.check(), 1, *lines)
 
-    def test_without_reason(self):
-        for line in ("tst_Unix", "tst_Unix ", "tst_Unix   "):
-            with self.subTest(line=line):
-                self.leave_out(line)
-                self.assert_says(2, f"{self.list}: '{line}' names no reason")
+    def assert_differs(self, line):
+        self.assert_fails(
+            line, f"if the change is meant, write the new numbers: tools/check-test-count {self.folder} --write"
+        )
 
-    def test_write_keeps_its_number(self):
-        self.write_results("tst_Dpi", ["one"])
+    def assert_damaged(self, part):
+        self.assert_refused(part, self.folder, "--expected", self.expected)
+        self.assert_refused(part, self.folder, "--expected", self.expected, "--write")
+
+    def test_as_expected(self):
+        self.assert_ends(self.check(), 0, out="2 tests with 7 test cases ran, as expected\n")
+
+    def test_differences(self):
+        for text, line in {
+            "script 5\ntst_Dpi 3\n": "script: expected 5, ran 4",
+            "script 4\ntst_Dpi 2\n": "tst_Dpi: expected 2, ran 3",
+            f"{EXPECTED}gone 1\n": "gone: expected 1, but it did not run",
+            f"{EXPECTED}tst_Gone 9\n": "tst_Gone: expected 9, but it did not run",
+            "script 4\n": "tst_Dpi: ran 3, but is not expected",
+        }.items():
+            with self.subTest(line):
+                self.expect(text=text)
+                self.assert_differs(line)
+
+    def test_script_that_does_not_say_its_number_counts_as_one(self):
+        self.ran(script="all is well")
+        self.assert_differs("script: expected 4, ran 1")
+
+    def test_nothing_but_what_qt_adds_is_no_test(self):
+        self.cases("initTestCase", "cleanupTestCase")
+        self.assert_fails("tst_Dpi: it ran no test case")
+        self.write("native-asan/test-results/tst_Dpi.xml", "<testsuite/>")
+        self.assert_fails("tst_Dpi: it ran no test case")
+        self.cases()
+        self.ran(script="Ran 0 tests in 0.0s\n\nOK")
+        self.assert_fails("script: it ran no test case")
+
+    def test_skips_and_failures(self):
+        for outcome in ("skipped", "failure", "error"):
+            self.cases("one", inside=f"<{outcome}/>")
+            self.assert_fails(f"tst_Dpi: one has the outcome '{outcome}'")
+        before = self.content()
+        self.assertEqual((self.check("--write").returncode, self.content()), (1, before))
+
+    def test_programs_and_results_belong_together(self):
+        other = self.write("native-asan/test-results/tst_Old.xml", "<testsuite/>")
+        self.assert_fails(f"tst_Old: {other} belongs to no test that ran")
+        other.unlink()
+        self.results.unlink()
+        self.assert_fails(f"tst_Dpi: it wrote no {self.results}")
+
+    def test_program_that_ctest_did_not_run(self):
+        self.ran(status="disabled")
+        self.assert_fails("script: ctest says 'disabled' instead of running it to its end")
+
+    def test_nothing_ran(self):
+        self.write("native-asan/ctest.xml", "<testsuite/>")
+        self.results.unlink()
+        self.assert_fails("no test ran at all")
+
+    def test_damaged_files(self):
+        self.results.write_text("<testsuite>", encoding="utf-8")
+        self.assert_damaged(f"{self.results} cannot be read (no element found: line 1, column 11)")
+        (self.folder / "ctest.xml").unlink()
+        self.assert_damaged("ctest.xml is missing; run all tests of that build first: ./dev test PRESET")
+
+    def test_damaged_list(self):
+        for line in ("tst_Dpi three", "tst_Dpi", "a 1 sometimes asan", "a 1 only"):
+            self.expect(text=f"# fine\n{line}\n")
+            self.assert_damaged(f"{self.expected}:2: '{line}' is not NAME COUNT [only|without BUILD...]")
+        self.expect(text="tst_Dpi 3\ntst_Dpi 4\n")
+        self.assert_damaged(f"{self.expected}:2: tst_Dpi is there twice")
+
+    def test_left_out_as_the_list_says(self):
+        for builds in ("only windows", "without asan", "without tsan native", "without native-asan asan"):
+            with self.subTest(builds):
+                self.expect(f"tst_Unix 5 {builds}\n")
+                self.leave_out("tst_Unix reads ELF (no such files here)\n")
+                said = "2 tests with 7 test cases ran, as expected\nleft out: tst_Unix (reads ELF (no such files here))\n"
+                self.assert_ends(self.check(), 0, out=said)
+                self.leave_out("")
+                self.assert_differs("tst_Unix: expected 5, but it did not run")
+
+    def test_left_out_otherwise(self):
+        self.leave_out("tst_Unix no ELF\n")
+        for builds in ("", "only asan", "only native windows", "without tsan"):
+            with self.subTest(builds):
+                self.expect(f"tst_Unix 5 {builds}".rstrip() + "\n")
+                self.assert_differs("tst_Unix: left out (no ELF), but expected 5 in this build")
+        self.expect()
+        self.assert_differs("tst_Unix: left out (no ELF), but expected 0 in this build")
+
+    def test_runs_though_it_is_left_out(self):
+        self.leave_out("script no shell\n")
+        self.assert_differs("script: ran 4, though this build leaves it out")
+        self.leave_out("")
+        self.expect(text="script 4 only windows\ntst_Dpi 3\n")
+        self.assert_differs("script: ran 4, though this build leaves it out")
+
+    def test_left_out_without_reason(self):
+        for line in ("tst_Unix", "tst_Unix   "):
+            self.leave_out(line)
+            self.assert_damaged(f"left-out-tests.txt: '{line}' names no reason")
+
+    def test_write(self):
+        """Keeps the builds, and the number of what is left out here; drops what is gone everywhere."""
+        self.expect(text="# old\ngone 9\ntst_Dpi 7 without windows\ntst_Unix 5 without asan\n")
+        self.leave_out("tst_Unix no ELF\n")
         process = self.check("--write")
-        self.assertEqual((process.stderr, process.returncode), ("", 0))
-        self.assertEqual(self.expected.read_text(encoding="utf-8"), "# counts\ndev_script 1\ntst_Dpi 1\ntst_Unix 5\n")
+        self.assert_ends(process, 0, out=f"{self.expected}: wrote 2 tests, 7 test cases\n")
+        comment, *lines = self.expected.read_text(encoding="utf-8").splitlines()
+        self.assertIn("tools/check-test-count", comment)
+        self.assertEqual(lines, ["script 4", "tst_Dpi 3 without windows", "tst_Unix 5 without asan"])
         self.assertEqual(self.check().returncode, 0)
-
-    def test_write_drops_what_is_gone_everywhere(self):
-        self.expected.write_text("# counts\ngone 9\ntst_Unix 5\n", encoding="utf-8")
-        self.assertEqual(self.check("--write").returncode, 0)
-        self.assertEqual(self.expected.read_text(encoding="utf-8"), "# counts\ndev_script 1\ntst_Dpi 3\ntst_Unix 5\n")
-
-    def test_write_changes_nothing_when_a_reason_is_missing(self):
-        self.leave_out("tst_Unix")
-        before = self.expected.read_text(encoding="utf-8")
-        self.assertEqual(self.check("--write").returncode, 2)
-        self.assertEqual(self.expected.read_text(encoding="utf-8"), before)
+        self.expected.unlink()
+        self.assert_refused("expected.txt is missing; make it with --write", self.folder, "--expected", self.expected)

@@ -1,12 +1,8 @@
-"""tools/contract-coverage: each kind of gap is told, and each reason that does not hold any more."""
+"""tools/contract-coverage: each kind of gap is reported, and each reason that does not hold any more."""
 
 import json
-import subprocess
-import tempfile
-import unittest
-from pathlib import Path
 
-from sandbox import REPOSITORY
+from sandbox import ToolTest
 
 TABLES = {
     "ILogicalDeviceGen3Mouse": "0 int IDevice::deviceType() const [pure]\n1 Mouse::~Mouse()\n",
@@ -73,13 +69,11 @@ log text                 3     3                0
 """
 
 
-class ContractCoverageTest(unittest.TestCase):
-    maxDiff = None
+class ContractCoverage(ToolTest):
+    tool = "contract-coverage"
 
     def setUp(self):
-        folder = tempfile.TemporaryDirectory()
-        self.addCleanup(folder.cleanup)
-        self.base = Path(folder.name)
+        super().setUp()
         self.timelines = self.base / "timelines"
         for name, text in TABLES.items():
             self.write(f"tests/abi/tables/{name}.txt", text)
@@ -87,13 +81,14 @@ class ContractCoverageTest(unittest.TestCase):
         self.write("plugin/GatedLog.h", PLUGIN_HEADER)
         self.write("plugin/Plugin.cpp", PLUGIN)
         self.write("plugin/Device.cpp", DEVICE)
-        self.write("tests/coverage/unseen.toml", UNSEEN)
+        self.unseen(UNSEEN)
         self.write_timelines(WHOLE)
 
-    def write(self, name, text):
-        path = self.base / name
-        path.parent.mkdir(parents=True, exist_ok=True)
-        path.write_text(text, encoding="utf-8")
+    def unseen(self, text):
+        self.write("tests/coverage/unseen.toml", text)
+
+    def new_log_line(self, code):
+        self.write("plugin/New.cpp", f"void f()\n{{\n    {code}\n}}\n")
 
     def write_timelines(self, entries):
         """In two files: what one program did not see another one may have."""
@@ -101,37 +96,26 @@ class ContractCoverageTest(unittest.TestCase):
             lines = [{"schemaVersion": 1}, *part]
             self.write(f"timelines/tst_{number}-1.jsonl", "".join(json.dumps(line) + "\n" for line in lines))
 
-    def run_tool(self, *words):
-        return subprocess.run(
-            [REPOSITORY / "tools" / "contract-coverage", *words], capture_output=True, text=True, check=False
-        )
-
     def judge(self):
-        return self.run_tool(self.timelines, "--repository", self.base)
+        return self.run_tool("timelines", "--repository", self.base)
 
     def assert_problems(self, *problems):
         process = self.judge()
-        self.assertEqual(
-            (process.stderr.splitlines(), process.returncode), ([f"contract-coverage: {line}" for line in problems], 1)
-        )
+        self.assert_ends(process, 1, *problems, out=process.stdout)
         self.assertIn("device slot ", process.stdout)
 
-    def assert_refused(self, sentence):
-        process = self.judge()
-        self.assertEqual(
-            (process.stderr, process.stdout, process.returncode), (f"contract-coverage: {sentence}\n", "", 2)
-        )
+    def assert_bad(self, part):
+        self.assert_refused(part, "timelines", "--repository", self.base)
 
-
-class Seen(ContractCoverageTest):
-    def test_all(self):
-        process = self.judge()
-        self.assertEqual((process.stdout, process.stderr, process.returncode), (TABLE, "", 0))
+    def test_all_was_seen(self):
+        self.assert_ends(self.judge(), 0, out=TABLE)
 
     def test_gaps(self):
+        """A signal does not stand for the call of its slot."""
         gaps = {
             "device slot never seen: deviceType": 1,
             "device slot never seen: ~Mouse": 2,
+            "device slot never seen: ppidChanged": 3,
             "factory slot never seen: initialize": 0,
             "signal never seen: ppidChanged": 4,
             "receiver operation never seen: setRate": 6,
@@ -144,14 +128,8 @@ class Seen(ContractCoverageTest):
             with self.subTest(sentence):
                 self.write_timelines(WHOLE[:index] + WHOLE[index + 1 :])
                 self.assert_problems(sentence)
-
-    def test_table_tells_of_the_gap(self):
         self.write_timelines(WHOLE[1:])
         self.assertIn("factory slot             0     1                0\n", self.judge().stdout)
-
-    def test_signal_does_not_stand_for_the_call_of_its_slot(self):
-        self.write_timelines(WHOLE[:3] + WHOLE[4:])
-        self.assert_problems("device slot never seen: ppidChanged")
 
     def test_other_severity_or_category_is_another_text(self):
         for severity, category in (("warning", "LogicalDevice"), ("debug", "LogicalDevicePlugin")):
@@ -163,96 +141,62 @@ class Seen(ContractCoverageTest):
             )
 
     def test_new_log_line(self):
-        self.write("plugin/New.cpp", 'void f()\n{\n    deviceWarning() << "new (text)";\n}\n')
-        self.assert_problems("log text never seen: warning LogicalDevice: new (text)")
-
-    def test_longer_text_does_not_stand_for_its_beginning(self):
-        self.write("plugin/New.cpp", 'void f()\n{\n    deviceDebug() << "rate :" << rate;\n}\n')
-        self.assert_problems("log text never seen: debug LogicalDevice: rate : *")
+        """A longer text does not stand for its beginning."""
+        for code, text in {
+            'deviceWarning() << "new (text)";': "warning LogicalDevice: new (text)",
+            'deviceDebug() << "rate :" << rate;': "debug LogicalDevice: rate : *",
+        }.items():
+            self.new_log_line(code)
+            self.assert_problems(f"log text never seen: {text}")
 
     def test_what_nothing_tells_of(self):
         for kind, name in {"call": "device slot", "receiver": "receiver operation", "host": "host operation"}.items():
-            with self.subTest(kind):
-                self.write_timelines([*WHOLE, entry(kind, "unheardOf")])
-                self.assert_problems(f"{name} seen that nothing tells of: unheardOf")
+            self.write_timelines([*WHOLE, entry(kind, "unheardOf")])
+            self.assert_problems(f"{name} seen that nothing tells of: unheardOf")
 
-
-class Unseen(ContractCoverageTest):
-    def test_seen_all_the_same(self):
+    def test_reason_that_does_not_hold(self):
+        self.unseen(UNSEEN.replace('"reserved*"', '"reserved*", "gone"'))
+        self.assert_problems("tests/coverage/unseen.toml: there is no receiver operation 'gone' any more")
+        self.unseen(UNSEEN)
         self.write_timelines([*WHOLE, entry("receiver", "reserved0")])
         self.assert_problems("tests/coverage/unseen.toml: the receiver operation 'reserved0' was seen all the same")
 
-    def test_not_there_any_more(self):
-        self.write("tests/coverage/unseen.toml", UNSEEN.replace('"reserved*"', '"reserved*", "gone"'))
-        self.assert_problems("tests/coverage/unseen.toml: there is no receiver operation 'gone' any more")
-
     def test_name_with_a_value_in_it(self):
         text = "debug LogicalDevice: rate : * , pending; : *"
-        self.write("tests/coverage/unseen.toml", f'{UNSEEN}[[unseen]]\nkind = "log text"\nnames = ["{text}"]\nreason = "-"\n')
+        self.unseen(f'{UNSEEN}[[unseen]]\nkind = "log text"\nnames = ["{text}"]\nreason = "-"\n')
         self.write_timelines([line for line in WHOLE if line is not RATE_LINE])
         self.assertEqual(self.judge().returncode, 0)
 
-    def test_unknown_kind(self):
-        self.write("tests/coverage/unseen.toml", UNSEEN.replace("receiver operation", "operation"))
-        self.assert_refused(
-            f"{self.base}/tests/coverage/unseen.toml: no kind is called 'operation' (there are: device slot, "
-            "factory slot, signal, receiver operation, host operation, log text)"
-        )
+    def test_bad_input(self):
+        needs = "unseen.toml: each [[unseen]] needs kind, names and reason"
+        kinds = "device slot, factory slot, signal, receiver operation, host operation, log text"
+        first = "timelines/tst_0-1.jsonl"
+        for name, text, part in (
+            ("tests/coverage/unseen.toml", UNSEEN.replace("receiver operation", "operation"),
+             f"unseen.toml: no kind is called 'operation' (there are: {kinds})"),
+            ("tests/coverage/unseen.toml", UNSEEN.replace('"Not for plugins."', '" "'), needs),
+            ("tests/coverage/unseen.toml", UNSEEN.replace('reason = "Not for plugins."\n', ""), needs),
+            ("tests/coverage/unseen.toml", "[[unseen]\n", "unseen.toml: "),
+            *((first, f'{{"schemaVersion":1}}\n{text}\n', f"{first}:2: this is no entry of a timeline: '{text}'")
+              for text in ("[]", "{", '{"kind": "call"}')),
+            (first, '{"schemaVersion":2}\n', f"{first}: its schema version is 2, not 1"),
+            ("tests/abi/tables/IHostServices.txt", "nothing\n",
+             "IHostServices.txt:1: this is no slot of a table: 'nothing'"),
+            ("tests/features/tst_MetaObject.cpp", "", "tst_MetaObject.cpp: no signal"),
+            ("plugin/New.cpp", "void f()\n{\n    deviceDebug() << rate;\n}\n",
+             "New.cpp: the log line '<< rate' does not begin with a literal text"),
+            ("plugin/New.cpp", 'void f()\n{\n    deviceDebug().nospace() << "text";\n    deviceDebug()\n',
+             "New.cpp: one of its log lines cannot be read; write it as deviceDebug() << ...;"),
+        ):
+            with self.subTest(part):
+                self.setUp()
+                self.write(name, text)
+                self.assert_bad(part)
 
-    def test_reason_is_needed(self):
-        for reason in ('reason = " "\n', ""):
-            self.write("tests/coverage/unseen.toml", UNSEEN.replace('reason = "Not for plugins."\n', reason))
-            process = self.judge()
-            self.assertRegex(process.stderr, r"unseen\.toml: each \[\[unseen\]\] needs kind, names and reason")
-            self.assertEqual((process.stdout, process.returncode), ("", 2))
-
-    def test_no_toml(self):
-        self.write("tests/coverage/unseen.toml", "[[unseen]\n")
-        self.assertEqual((self.judge().stdout, self.judge().returncode), ("", 2))
-
-
-class BadInput(ContractCoverageTest):
     def test_no_timelines(self):
         for path in self.timelines.iterdir():
             path.unlink()
-        self.assert_refused(f"{self.timelines} holds no timelines (*.jsonl); ./dev coverage writes them")
-
-    def test_no_folder(self):
-        process = self.run_tool(self.base / "missing", "--repository", self.base)
-        self.assertEqual((process.stdout, process.returncode), ("", 2))
-        self.assertIn("missing holds no timelines", process.stderr)
-
-    def test_no_entry(self):
-        path = self.timelines / "tst_0-1.jsonl"
-        for text in ("[]", "{", '{"kind": "call"}'):
-            self.write("timelines/tst_0-1.jsonl", f'{{"schemaVersion":1}}\n{text}\n')
-            self.assert_refused(f"{path}:2: this is no entry of a timeline: '{text}'")
-
-    def test_other_schema(self):
-        self.write("timelines/tst_0-1.jsonl", '{"schemaVersion":2}\n')
-        self.assert_refused(f"{self.timelines}/tst_0-1.jsonl: its schema version is 2, not 1")
-
-    def test_table_that_is_none(self):
-        self.write("tests/abi/tables/IHostServices.txt", "nothing\n")
-        self.assert_refused(f"{self.base}/tests/abi/tables/IHostServices.txt:1: this is no slot of a table: 'nothing'")
-
-    def test_no_signals(self):
-        self.write("tests/features/tst_MetaObject.cpp", "")
-        self.assertEqual(self.judge().returncode, 2)
-
-    def test_log_line_that_begins_with_a_value(self):
-        self.write("plugin/New.cpp", "void f()\n{\n    deviceDebug() << rate;\n}\n")
-        self.assert_refused(f"{self.base}/plugin/New.cpp: the log line '<< rate' does not begin with a literal text")
-
-    def test_log_line_that_cannot_be_read(self):
-        self.write("plugin/New.cpp", 'void f()\n{\n    deviceDebug().nospace() << "text";\n    deviceDebug()\n')
-        self.assert_refused(
-            f"{self.base}/plugin/New.cpp: one of its log lines cannot be read; write it as deviceDebug() << ...;"
-        )
-
-    def test_usage(self):
-        self.assertEqual(self.run_tool().returncode, 2)
-
-
-if __name__ == "__main__":
-    unittest.main()
+        self.assert_bad("timelines holds no timelines (*.jsonl); ./dev coverage writes them")
+        self.timelines.rmdir()
+        self.assert_bad("timelines holds no timelines")
+        self.assert_refused("folder")

@@ -1,17 +1,15 @@
-"""What tools/mutate changes, and what it refuses."""
+"""What tools/mutate changes, how it judges, and what it refuses."""
 
 import contextlib
 import importlib.machinery
 import importlib.util
 import io
-import shlex
 import subprocess
 import sys
-import tempfile
-import unittest
 from pathlib import Path
 
-REPOSITORY = Path(__file__).resolve().parents[2]
+from sandbox import REPOSITORY, ToolTest
+
 TOOL = REPOSITORY / "tools" / "mutate"
 
 SOURCE = """#include "Thing.h"
@@ -19,220 +17,146 @@ SOURCE = """#include "Thing.h"
 int Thing::answer(int limit) const
 {
     // A comment with == and 5 stays.
-    if (limit == 5 && m_isOpen) {
+    if (limit == 5 && m_isOpen) {  // so does this
         log() << "too much";
         m_count = 0;
+        // And this.
         close();
     }
     return m_count - 1;
 }
 """
+CONDITION = "if (limit == 5 && m_isOpen) {"
+CHANGES = (
+    f"{CONDITION}  =>  if (limit != 5 && m_isOpen) {{",
+    f"{CONDITION}  =>  if (limit == 5 || m_isOpen) {{",
+    f"{CONDITION}  =>  if (limit == 6 && m_isOpen) {{",
+    f"{CONDITION}  =>  if (true) {{",
+    f"{CONDITION}  =>  if (false) {{",
+    'log() << "too much";  =>  log() << "too much~";',
+    "m_count = 0;  =>  m_count = 1;",
+    "return m_count - 1;  =>  return m_count + 1;",
+    "return m_count - 1;  =>  return m_count - 2;",
+    'remove  log() << "too much";',
+    "remove  m_count = 0;",
+    "remove  close();",
+    'swap  log() << "too much";  <->  m_count = 0;',
+    "swap  m_count = 0;  <->  close();",
+)
+LINE = "plugin/Thing.cpp: change 0\n"
 
 
 def load():
+    """The tool as a module of its own, whose names a test may change."""
+    sys.path.insert(0, str(TOOL.parent))
     loader = importlib.machinery.SourceFileLoader("mutate", str(TOOL))
     module = importlib.util.module_from_spec(importlib.util.spec_from_loader("mutate", loader))
+    sys.modules["mutate"] = module
     loader.exec_module(module)
+    sys.path.pop(0)
     return module
 
 
-class Mutants(unittest.TestCase):
+class Mutate(ToolTest):
+    tool = "mutate"
+
     def setUp(self):
-        folder = tempfile.TemporaryDirectory()
-        self.addCleanup(folder.cleanup)
-        self.path = Path(folder.name) / "Thing.cpp"
-        self.path.write_text(SOURCE)
-        self.mutants = list(load().mutants_of(self.path))
+        super().setUp()
+        self.module = load()
 
-    def descriptions(self):
-        return [description for _, description, _ in self.mutants]
-
-    def test_every_kind_of_change_is_made(self):
-        condition = "if (limit == 5 && m_isOpen) {"
-        for expected in (
-            f"{condition}  =>  if (limit != 5 && m_isOpen) {{",
-            f"{condition}  =>  if (limit == 5 || m_isOpen) {{",
-            f"{condition}  =>  if (limit == 6 && m_isOpen) {{",
-            f"{condition}  =>  if (true) {{",
-            f"{condition}  =>  if (false) {{",
-            'log() << "too much";  =>  log() << "too much~";',
-            "m_count = 0;  =>  m_count = 1;",
-            "remove  close();",
-            'remove  log() << "too much";',
-            "swap  m_count = 0;  <->  close();",
-            "return m_count - 1;  =>  return m_count + 1;",
-        ):
-            self.assertIn(expected, self.descriptions())
-
-    def test_swaps_that_nobody_sees_are_not_made(self):
-        unseen = load().change_places_unseen
-        self.assertTrue(unseen("m_a = 1;", "m_b = rate;"))
-        self.assertTrue(unseen('deviceDebug() << "a";', "m_a = rate;"))
-        self.assertFalse(unseen('deviceDebug() << "a" << m_a;', "m_a = rate;"))
-        self.assertFalse(unseen('deviceDebug() << "a";', 'deviceDebug() << "b";'))
-        self.assertFalse(unseen("m_a = 1;", "close();"))
-
-    def test_comments_and_includes_stay(self):
-        for _, _, text in self.mutants:
-            self.assertIn("// A comment with == and 5 stays.\n", text)
+    def test_changes(self):
+        mutants = list(self.module.mutants_of(self.write("Thing.cpp", SOURCE)))
+        self.assertEqual(sorted(description for _, description, _ in mutants), sorted(CHANGES))
+        texts = [text for _, _, text in mutants]
+        self.assertEqual(len({SOURCE, *texts}), len(texts) + 1)
+        for text in texts:
             self.assertTrue(text.startswith('#include "Thing.h"\n'))
+            self.assertIn("// A comment with == and 5 stays.\n", text)
+            self.assertIn("        // And this.\n", text)
+        lines = {description: number for number, description, _ in mutants}
+        self.assertEqual(lines["remove  close();"], 10)
 
-    def test_each_mutant_differs_from_the_source_and_from_the_others(self):
-        texts = [text for _, _, text in self.mutants]
-        self.assertNotIn(SOURCE, texts)
-        self.assertEqual(len(texts), len(set(texts)))
+    def test_statements_of_different_blocks_do_not_change_places(self):
+        for code in ("    one();\n    }\n    two();\n", "    one();\n        two();\n", "    one();\n    return 2;\n"):
+            mutants = self.module.mutants_of(self.write("Thing.cpp", code))
+            self.assertEqual([text for _, text, _ in mutants if text.startswith("swap")], [])
 
-    def test_line_numbers_are_those_of_the_source(self):
-        lines = {description: number for number, description, _ in self.mutants}
-        self.assertEqual(lines["remove  close();"], 9)
-
-
-class Judges(unittest.TestCase):
-    """Test programs that write their name into a file and end as told."""
-
-    def setUp(self):
-        folder = tempfile.TemporaryDirectory()
-        self.addCleanup(folder.cleanup)
-        self.build = Path(folder.name)
-        self.tool = load()
-
-    def add(self, name, code):
-        path = self.build / "tests" / name
-        path.parent.mkdir(parents=True, exist_ok=True)
-        script = f"#!/bin/sh\necho ${{0##*/}} $KVX_PLUGIN_FILE >> {self.build}/ran\nexit {code}\n"
-        path.write_text(script, encoding="utf-8")
-        path.chmod(0o755)
-
-    def killer(self, nearest):
-        workshop = self.tool.Workshop.__new__(self.tool.Workshop)
+    def killer(self, nearest, **codes):
+        """What kills a mutant where programs end with these codes, and which of them ran, with which library."""
+        for name, code in codes.items():
+            folder = {"tst_Model": "model", "tst_Timeline": "simulator"}.get(name, "features")
+            script = f"#!/bin/sh\necho ${{0##*/}} $KVX_PLUGIN_FILE >> {self.base}/ran\nexit {code}\n"
+            self.write(f"tests/{folder}/{name}", script, 0o755)
+        workshop = self.module.Workshop.__new__(self.module.Workshop)
         workshop.build = Path("mutant")
-        workshop.programs = self.tool.test_programs(self.build)
+        workshop.programs = self.module.test_programs(self.base)
         found = workshop.killer(nearest)
-        return found, [line.split() for line in (self.build / "ran").read_text(encoding="utf-8").splitlines()]
+        return found, [line.split() for line in (self.base / "ran").read_text(encoding="utf-8").splitlines()]
 
     def test_the_nearest_is_asked_first_and_the_model_last(self):
-        for name in ("features/tst_Dpi", "features/tst_Settings", "model/tst_Model", "simulator/tst_Timeline"):
-            self.add(name, 0)
-        found, ran = self.killer("Settings")
-        library = f"mutant/{self.tool.PLUGIN_FILE}"
+        found, ran = self.killer("Settings", tst_Dpi=0, tst_Settings=0, tst_Model=0, tst_Timeline=0)
+        library = f"mutant/{self.module.PLUGIN_FILE}"
         self.assertEqual(found, (None, False))
         self.assertEqual(ran, [[name, library] for name in ("tst_Settings", "tst_Dpi", "tst_Model")])
 
     def test_the_first_that_fails_is_the_last_to_run(self):
-        self.add("features/tst_Dpi", 0)
-        self.add("features/tst_Settings", 3)
-        self.add("model/tst_Model", 1)
-        found, ran = self.killer("Dpi")
-        self.assertEqual(found, ("tst_Settings", False))
-        self.assertEqual([name for name, _ in ran], ["tst_Dpi", "tst_Settings"])
+        found, ran = self.killer("Dpi", tst_Dpi=0, tst_Settings=3, tst_Model=1)
+        self.assertEqual((found, [name for name, _ in ran]), (("tst_Settings", False), ["tst_Dpi", "tst_Settings"]))
 
+    def test_outcome_of_a_program(self):
+        """What comes after the first failure is not waited for."""
+        for text, outcome, limit in (
+            ("echo 'PASS   : tst_Thing::works()'", "survived", 90),
+            ("exit 1", "killed", 90),
+            ("kill -SEGV $$", "killed", 90),
+            ("echo 'FAIL!  : tst_Thing::works() no'; exec sleep 1000", "killed", 90),
+            ("exec sleep 1000", "hangs", 0.2),
+        ):
+            with self.subTest(text):
+                self.module.HANGS_AFTER = limit
+                program = self.write("tst_Thing", f"#!/bin/sh\n{text}\n", 0o755)
+                self.assertEqual(self.module.outcome_of(program, {}), outcome)
 
-class Outcomes(unittest.TestCase):
-    def setUp(self):
-        folder = tempfile.TemporaryDirectory()
-        self.addCleanup(folder.cleanup)
-        self.program = Path(folder.name) / "tst_Thing"
-        self.tool = load()
+    def test_report(self):
+        """An explanation of a file that was not changed is no concern; each survivor needs a line of its own."""
+        stale = f"explains what does not survive: {LINE}"
+        for outcomes, explained, code, counts, complaint in (
+            (["killed", "hangs", "invalid", "killed"], "", 0, "2 killed, 1 hang, 1 do not compile, 0 explained, 0", ""),
+            (["survived"], "", 1, "0 killed, 0 hang, 0 do not compile, 0 explained, 1", ""),
+            (["killed", "survived"], f"# Why.\n{LINE}", 0, "1 killed, 0 hang, 0 do not compile, 1 explained, 0", ""),
+            (["survived", "survived"], LINE, 1, "0 killed, 0 hang, 0 do not compile, 1 explained, 1", ""),
+            (["survived", "survived"], 2 * LINE, 0, "0 killed, 0 hang, 0 do not compile, 2 explained, 0", ""),
+            (["survived", "killed"], 2 * LINE, 1, "1 killed, 0 hang, 0 do not compile, 1 explained, 0", stale),
+            (["killed"], LINE, 1, "1 killed, 0 hang, 0 do not compile, 0 explained, 0", stale),
+            (["killed"], "plugin/Other.cpp: change 0\n", 0, "1 killed, 0 hang, 0 do not compile, 0 explained, 0", ""),
+        ):
+            with self.subTest(outcomes=outcomes, explained=explained):
+                self.module.EXPLAINED = self.write("explained.txt", explained)
+                mutants = [self.module.Mutant(Path("plugin/Thing.cpp"), 1, "change 0", "")] * len(outcomes)
+                said, complained = io.StringIO(), io.StringIO()
+                with contextlib.redirect_stdout(said), contextlib.redirect_stderr(complained):
+                    self.assertEqual(self.module.report(mutants, outcomes, {"plugin/Thing.cpp"}), code)
+                self.assertEqual(said.getvalue(), f"{len(outcomes)} mutants: {counts} survived\n")
+                self.assertTrue(complained.getvalue().endswith(complaint))
+                self.assertEqual(complained.getvalue() == "", complaint == "")
 
-    def outcome(self, text):
-        self.program.write_text(f"#!/bin/sh\n{text}\n", encoding="utf-8")
-        self.program.chmod(0o755)
-        return self.tool.outcome_of(self.program, {})
+    def test_explanations_are_of_mutants_that_are_made(self):
+        self.module.check_explanations()
+        known = self.module.EXPLAINED.read_text(encoding="utf-8")
+        self.module.EXPLAINED = self.write("explained.txt", known + "plugin/Gone.cpp: remove  gone();\n")
+        with self.assertRaisesRegex(self.module.BadInput, r"not made any more, remove it: plugin/Gone.cpp: remove  gone"):
+            self.module.check_explanations()
 
-    def test_exit_code(self):
-        self.assertEqual(self.outcome("echo 'PASS   : tst_Thing::works()'"), "survived")
-        self.assertEqual(self.outcome("exit 1"), "killed")
-        self.assertEqual(self.outcome("kill -SEGV $$"), "killed")
+    def test_list_of_a_file(self):
+        listed = self.run_tool("--list", REPOSITORY / "plugin/LogicalDevice_DpiButton.cpp")
+        self.assertEqual((listed.stderr, listed.returncode), ("", 0))
+        self.assertIn("remove  setDpiButtonIdChangePending(isAccepted);", listed.stdout)
+        # It may be cut short.
+        process = subprocess.run(f"'{TOOL}' --list | head -n 1", shell=True, capture_output=True, text=True, check=False)
+        self.assertEqual((process.stdout.count("\n"), process.stderr), (1, ""))
 
-    def test_first_failure_is_enough(self):
-        # Whatever comes after it is not waited for.
-        self.assertEqual(self.outcome("echo 'FAIL!  : tst_Thing::works() no'; exec sleep 1000"), "killed")
-
-    def test_what_hangs(self):
-        self.tool.HANGS_AFTER = 0.2
-        self.assertEqual(self.outcome("exec sleep 1000"), "hangs")
-
-
-class Report(unittest.TestCase):
-    def setUp(self):
-        folder = tempfile.TemporaryDirectory()
-        self.addCleanup(folder.cleanup)
-        self.tool = load()
-        self.tool.EXPLAINED = Path(folder.name) / "explained.txt"
-
-    def report(self, outcomes, explained="", same=False):
-        self.tool.EXPLAINED.write_text(explained, encoding="utf-8")
-        file = Path("plugin/Thing.cpp")
-        mutants = [self.tool.Mutant(file, line, f"change {0 if same else line}", "") for line in range(len(outcomes))]
-        said, complained = io.StringIO(), io.StringIO()
-        with contextlib.redirect_stdout(said), contextlib.redirect_stderr(complained):
-            code = self.tool.report(mutants, outcomes, {str(file)})
-        return code, said.getvalue(), complained.getvalue()
-
-    def test_every_outcome_is_counted(self):
-        self.assertEqual(
-            self.report(["killed", "hangs", "invalid", "killed"]),
-            (0, "4 mutants: 2 killed, 1 hang, 1 do not compile, 0 explained, 0 survived\n", ""),
-        )
-
-    def test_survivor(self):
-        self.assertEqual(
-            self.report(["survived"]), (1, "1 mutants: 0 killed, 0 hang, 0 do not compile, 0 explained, 1 survived\n", "")
-        )
-
-    def test_explained_survivor(self):
-        self.assertEqual(
-            self.report(["killed", "survived"], "# Nobody sees it.\ndevice/Thing.cpp: change 1\n"),
-            (0, "2 mutants: 1 killed, 0 hang, 0 do not compile, 1 explained, 0 survived\n", ""),
-        )
-
-    def test_each_survivor_needs_a_line(self):
-        line = "plugin/Thing.cpp: change 0\n"
-        survived = ["survived", "survived"]
-        self.assertEqual(self.report(survived, line, same=True)[0], 1)
-        self.assertEqual(self.report(survived, 2 * line, same=True)[0], 0)
-        self.assertEqual(self.report(["survived", "killed"], 2 * line, same=True)[0], 1)
-
-    def test_explanation_of_what_is_killed(self):
-        code, _, complaint = self.report(["killed"], "plugin/Thing.cpp: change 0\n")
-        self.assertEqual(
-            (code, complaint), (1, "mutate: explained.txt explains what does not survive: plugin/Thing.cpp: change 0\n")
-        )
-
-    def test_explanations_of_files_that_were_not_changed_stay(self):
-        self.assertEqual(self.report(["killed"], "plugin/Other.cpp: change 0\n")[0], 0)
-
-
-class Usage(unittest.TestCase):
-    def run_tool(self, *words):
-        return subprocess.run(
-            [sys.executable, "-B", TOOL, *words], capture_output=True, text=True, cwd=REPOSITORY, check=False
-        )
-
-    def test_lists_the_mutants_of_a_file(self):
-        process = self.run_tool("--list", "plugin/LogicalDevice_DpiButton.cpp")
-        self.assertEqual(process.returncode, 0)
-        self.assertIn("remove  setDpiButtonIdChangePending(isAccepted);", process.stdout)
-
-    def test_refuses_a_file_that_is_none_of_the_product(self):
-        process = self.run_tool("README.md")
-        self.assertEqual(process.returncode, 2)
-        self.assertEqual(
-            process.stderr, 'mutate: "README.md" is no file of the product; name files in plugin/\n'
-        )
-
-    def test_list_may_be_cut_short(self):
-        command = f"{shlex.quote(sys.executable)} -B {shlex.quote(str(TOOL))} --list | head -n 1"
-        process = subprocess.run(command, shell=True, capture_output=True, text=True, check=False)
-        self.assertEqual((len(process.stdout.splitlines()), process.stderr), (1, ""))
-
-    def test_refuses_no_jobs(self):
-        process = self.run_tool("--jobs", "0")
-        self.assertEqual((process.returncode, process.stderr), (2, "mutate: --jobs is 0; one at a time is the least\n"))
-
-    def test_refuses_an_unknown_option(self):
-        self.assertEqual(self.run_tool("--fast").returncode, 2)
-
-
-if __name__ == "__main__":
-    unittest.main()
+    def test_refusals(self):
+        self.assert_refused('"README.md" is no file of the product; name files in plugin/', "README.md")
+        self.assert_refused("--jobs is 0; one at a time is the least", "--jobs", "0")
+        self.assert_refused("--fast", "--fast")
+        self.assert_refused("there are no test programs in ", "--build", "/nowhere")

@@ -1,31 +1,16 @@
 """What tools/write-examples-page refuses. What it writes is compared with kvx by tst_KvxRun."""
 
-import subprocess
-import sys
-import unittest
-from pathlib import Path
+from sandbox import REPOSITORY, ToolTest
 
-TOOL = Path(__file__).resolve().parents[2] / "tools" / "write-examples-page"
-PAGE = TOOL.parent.parent / "docs" / "examples.md"
+PAGE = REPOSITORY / "docs" / "examples.md"
 
 
-class Usage(unittest.TestCase):
-    def assert_refused(self, code, *words):
+class WriteExamplesPage(ToolTest):
+    tool = "write-examples-page"
+
+    def test_nothing_is_written(self):
         before = PAGE.read_bytes()
-        process = subprocess.run([sys.executable, "-B", TOOL, *words], capture_output=True, text=True, check=False)
-        self.assertEqual(process.returncode, code)
-        self.assertTrue(process.stderr.startswith("write-examples-page: "), process.stderr)
+        self.assert_refused("give the path of a built kvx")
+        self.assert_refused("give the path of a built kvx", "/nowhere/kvx")
+        self.assertEqual(self.run_tool("/bin/false").returncode, 1)
         self.assertEqual(PAGE.read_bytes(), before)
-
-    def test_no_program(self):
-        self.assert_refused(2)
-
-    def test_missing_program(self):
-        self.assert_refused(2, "/nowhere/kvx")
-
-    def test_program_that_fails(self):
-        self.assert_refused(1, "/bin/false")
-
-
-if __name__ == "__main__":
-    unittest.main()

@@ -1,0 +1,32 @@
+"""Shared by the Python scripts beside this file."""
+
+import argparse
+import sys
+from pathlib import Path
+
+REPOSITORY = Path(__file__).resolve().parent.parent
+
+
+class BadInput(Exception):
+    """What is wrong with what was given, in one line."""
+
+
+class Parser(argparse.ArgumentParser):
+    """Says what is wrong in one line, without the usage."""
+
+    def error(self, message):
+        raise BadInput(f"{message}; see --help")
+
+
+def complain(lines):
+    for line in lines:
+        print(f"{Path(sys.argv[0]).name}: {line}", file=sys.stderr)
+
+
+def run(main):
+    """Ends the program with the exit code that main() returns, and with 2 after one line where it cannot do its work."""
+    try:
+        sys.exit(main())
+    except (BadInput, OSError) as problem:
+        complain([problem])
+        sys.exit(2)
