@@ -136,20 +136,22 @@ void tst_PluginInspection::metadataIsDecoded_data()
     QTest::addColumn<QByteArray>("bytes");
     QTest::addColumn<QString>("decoded");
     const QByteArray map = smallMetadata().sliced(4);
-    const auto bytes = [&map](const char *header) { return QByteArray(header, 4) + map; };
+    const auto bytes = [&map](char format, char qtMinor, char build) {
+        return QByteArray(1, format) + '\6' + qtMinor + build + map;
+    };
     const QString device = u"com.orvane.KVX.Plugin.LogicalDevice.X X 6.%1 %2"_s;
-    QTest::newRow("release") << bytes("\1\6\4\1") << device.arg(u"4"_s, u"release"_s);
-    QTest::newRow("debug") << bytes("\1\6\10\x81") << device.arg(u"8"_s, u"debug"_s);
-    QTest::newRow("first-format-release") << bytes("\0\6\2\6") << device.arg(u"2"_s, u"release"_s);
-    QTest::newRow("first-format-debug") << bytes("\0\6\2\1") << device.arg(u"2"_s, u"debug"_s);
+    QTest::newRow("release") << bytes('\1', '\4', '\1') << device.arg(u"4"_s, u"release"_s);
+    QTest::newRow("debug") << bytes('\1', '\10', '\x81') << device.arg(u"8"_s, u"debug"_s);
+    QTest::newRow("first-format-release") << bytes('\0', '\2', '\6') << device.arg(u"2"_s, u"release"_s);
+    QTest::newRow("first-format-debug") << bytes('\0', '\2', '\1') << device.arg(u"2"_s, u"debug"_s);
     QTest::newRow("nameless") << QByteArray("\1\6\4\0\xa0", 5) << u"  6.4 release"_s;
-    QTest::newRow("unknown-format") << bytes("\2\6\4\0") << QString();
+    QTest::newRow("unknown-format") << bytes('\2', '\4', '\0') << QString();
     QTest::newRow("nothing") << QByteArray() << QString();
     QTest::newRow("header-only") << smallMetadata().first(4) << QString();
     QTest::newRow("breaks-off") << smallMetadata().chopped(1) << QString();
     QTest::newRow("no-map") << QByteArray("\1\6\4\0\x80", 5) << QString();
     QTest::newRow("no-utf-8") << QByteArray("\1\6\4\0\xa1\2\x61\xff", 8) << QString();
-    QTest::newRow("huge") << bytes("\1\6\4\0") + QByteArray(1024 * 1024, '\0') << QString();
+    QTest::newRow("huge") << smallMetadata() + QByteArray(qsizetype{1024} * 1024, '\0') << QString();
 }
 
 void tst_PluginInspection::metadataIsDecoded()

@@ -26,8 +26,9 @@ void printNames(const QString &name, const QStringList &values)
 QString headerText(const QByteArray &metadata)
 {
     constexpr qsizetype headerSize = 4;
+    const QByteArray header = metadata.first(headerSize);
     QStringList bytes;
-    for (const char byte : metadata.first(headerSize))
+    for (const char byte : header)
         bytes.append(QString::number(static_cast<quint8>(byte)));
     return bytes.join(u' ');
 }
