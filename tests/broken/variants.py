@@ -6,7 +6,7 @@ from pathlib import Path
 
 HERE = Path(__file__).resolve().parent
 PRODUCT = HERE.parent.parent
-WAYS = ("fail", "crash", "hang")
+WAYS = ("fail", "crash", "hang", "load")
 BUILDS = ("linux", "sanitized", "windows")
 
 # The keys of a variant in the file, and what they are called here.

@@ -85,7 +85,11 @@ def configure_and_build(preset, *options):
 
 MODEL = configure_and_build("release", "--target tst_Model")
 MODEL_PROGRAM = "build/release/tests/model/tst_Model libraryAgreesWithTheModel"
-READERS = configure_and_build("fuzz", "--target fuzz_programs")
+FUZZ = [
+    "cmake --build --preset fuzz --target fuzz_programs",
+    "ctest --preset fuzz -C Fuzz -L '^fuzz$'",
+    "grep -ahE '^[0-9]+/[0-9]+ Testing: |DONE ' build/fuzz/Testing/Temporary/LastTest.log",
+]
 MEASURE = configure_and_build("bench", "--target measure")
 MEMCHECK = "ctest --test-dir build/release -C MemCheck -T memcheck -L '^memcheck$'"
 GCOVR = "gcovr --object-directory build/coverage/plugin build/coverage/plugin --json build/coverage/coverage/counts.json --txt"
@@ -122,8 +126,8 @@ DRY_RUNS = {
     ],
     "fuzz": [*MODEL, f"env KVX_MODEL_SECONDS=60 {MODEL_PROGRAM}"],
     "fuzz 3600": [*MODEL, f"env KVX_MODEL_SECONDS=3600 {MODEL_PROGRAM}"],
-    "fuzz readers": [*READERS, "tools/fuzz-readers"],
-    "fuzz readers 300": [*READERS, "tools/fuzz-readers 300"],
+    "fuzz readers": ["cmake --preset fuzz -DKVX_FUZZ_SECONDS=60", *FUZZ],
+    "fuzz readers 300": ["cmake --preset fuzz -DKVX_FUZZ_SECONDS=300", *FUZZ],
     "coverage": [
         *configure_and_build("coverage", "--target feature_tests"),
         "find build/coverage/plugin -name '*.gcda' -delete",
@@ -299,6 +303,9 @@ class Failures(SandboxTest):
 
     def test_valgrind(self):
         self.assert_fails("valgrind tst_Dpi", 16, "valgrind tst_Dpi", FAILING="memcheck", FAILING_CODE="16")
+
+    def test_fuzz_readers(self):
+        self.assert_fails("fuzz readers 9", 8, "fuzz readers 9", FAILING="ctest", FAILING_CODE="8")
 
     def test_count_of_tests(self):
         self.assert_fails("test", 2, "exec tools/check-test-count build/release")

@@ -80,6 +80,9 @@ class WineRunTest(SandboxTest):
             self.assertLess(time.monotonic(), end, message)
             time.sleep(0.02)
 
+    def assert_ends(self, process, out, err="", code=0):
+        self.assertEqual((process.out, process.err, process.returncode), (out, err, code))
+
     def assert_one_line(self, process, code, *parts):
         self.assertEqual((process.out, process.returncode), ("", code), process.err)
         self.assertEqual(len(process.err.splitlines()), 1, process.err)
@@ -88,52 +91,38 @@ class WineRunTest(SandboxTest):
 
 
 class Programs(WineRunTest):
-    def test_exit_code_is_handed_on(self):
-        program = self.program('exit "$1"')
+    def test_output_and_exit_code_are_handed_on(self):
+        program = self.program('echo out; echo err >&2; exit "$1"')
         for code in (0, 1, 3, 124, 255):
-            process = self.wine_run(program, str(code))
-            self.assertEqual((process.out, process.err, process.returncode), ("", "", code))
-
-    def test_signal_becomes_what_a_shell_makes_of_it(self):
+            self.assert_ends(self.wine_run(program, str(code)), "out\n", "err\n", code)
+        # A signal becomes what a shell makes of it.
         self.assertEqual(self.wine_run(self.program("kill -KILL $$")).returncode, 128 + signal.SIGKILL)
 
-    def test_output_is_handed_on(self):
-        process = self.wine_run(self.program("echo out; echo err >&2"))
-        self.assertEqual((process.out, process.err), ("out\n", "err\n"))
-
     def test_arguments_are_unchanged(self):
+        """Options after the program are its own."""
         program = self.program('printf "<%s>" "$@"', "Prögramm's ☃.exe")
-        words = [" a  b ", "", "it's", '"quoted"', "back\\slash\\", "Ünïcödé ☃", "*", "$HOME", "-1", "--", "two\nlines\n"]
-        process = self.wine_run(program, *words)
-        self.assertEqual(process.out, "".join(f"<{word}>" for word in words))
-
-    def test_options_after_the_program_are_its_own(self):
-        program = self.program('printf "<%s>" "$@"')
         for words in (
+            [" a  b ", "", "it's", '"quoted"', "back\\slash\\", "Ünïcödé ☃", "*", "$HOME", "-1", "--", "two\nlines\n"],
             ["--deadline", "1", "--dlls", "x", "--runtime", "y"],
             ["--show=file", "--help"],
             ["--unknown", "-h"],
             ["--", "--deadline", "1"],
         ):
             with self.subTest(words=words):
-                process = self.wine_run("--deadline", "1000", program, *words)
-                self.assertEqual((process.out, process.err), ("".join(f"<{word}>" for word in words), ""))
-                self.assertEqual(self.wine_run(program, *words).out, process.out)
+                out = "".join(f"<{word}>" for word in words)
+                self.assert_ends(self.wine_run("--deadline", "1000", program, *words), out)
+                self.assert_ends(self.wine_run(program, *words), out)
 
-    def test_runs_where_it_was_called(self):
-        self.assertEqual(self.wine_run(self.program("pwd")).out, f"{self.sandbox.base}\n")
-
-    def test_has_wines_folder_and_no_screen(self):
-        program = self.program('echo "$WINEPREFIX|${DISPLAY-none}|$WINEDEBUG"')
-        self.assertEqual(self.wine_run(program, DISPLAY=":0").out, f"{self.prefix}|none|-all\n")
-        self.assertEqual(self.wine_run(program, WINEDEBUG="+relay").out, f"{self.prefix}|none|+relay\n")
-
-    def test_dlls_are_named_as_windows_does(self):
-        program = self.program('printf "%s" "$WINEPATH"')
+    def test_environment(self):
+        """Where it was called, in Wine's folder, without a screen, with DLLs named as Windows does."""
+        program = self.program('echo "$PWD|$WINEPREFIX|${DISPLAY-none}|$WINEDEBUG"; printf "%s" "$WINEPATH"')
         base = str(self.sandbox.base).replace("/", "\\")
-        process = self.wine_run("--dlls", str(self.sandbox.base / "Qt's bin"), "--dlls", "x/../relative", program)
-        self.assertEqual(process.out, f"Z:{base}\\Qt's bin;Z:{base}\\relative")
-        self.assertEqual(self.wine_run(program).out, "")
+        start = f"{self.sandbox.base}|{self.prefix}|none"
+        self.assert_ends(self.wine_run(program, DISPLAY=":0"), f"{start}|-all\n")
+        process = self.wine_run(
+            "--dlls", str(self.sandbox.base / "Qt's bin"), "--dlls", "x/../relative", program, WINEDEBUG="+relay"
+        )
+        self.assert_ends(process, f"{start}|+relay\nZ:{base}\\Qt's bin;Z:{base}\\relative")
 
 
 class Prefix(WineRunTest):
@@ -141,56 +130,39 @@ class Prefix(WineRunTest):
         super().setUp()
         self.greeter = self.program("echo hello")
 
-    def boots(self):
-        return self.sandbox.called("wine wineboot")
-
-    def greet(self, **changes):
-        process = self.wine_run(self.greeter, **changes)
-        self.assertEqual((process.out, process.err, process.returncode), ("hello\n", "", 0))
+    def greet(self, boots, *left, **changes):
+        """Afterwards these folders are there, whole, after so many starts of Wine in all."""
+        self.assert_ends(self.wine_run(self.greeter, **changes), "hello\n")
+        self.assertEqual((len(self.sandbox.called("wine wineboot")), self.left()), (boots, list(left)))
+        for name in left:
+            # Made to the end, and that waited for.
+            entries = sorted(entry.name for entry in (self.prefixes / name).iterdir())
+            self.assertEqual(entries, ["drive_c", "system.reg", "written"])
 
     def start_up_to_gate(self):
-        """A call that stands in the middle of making the folder, and the gate that holds it there."""
+        """A call that is in the middle of making the folder, and the gate that holds it there."""
         gate = self.sandbox.gate()
         process = self.start(self.greeter, WINEBOOT_GATE=str(gate))
         gate.wait_for(process)
-        return process, gate
-
-    def assert_whole(self, prefix):
-        """Made to the end, and that waited for."""
-        self.assertEqual(sorted(entry.name for entry in prefix.iterdir()), ["drive_c", "system.reg", "written"])
-
-    def test_is_made_once(self):
-        self.greet()
-        self.greet()
-        self.assertEqual((len(self.boots()), self.left()), (1, ["wine-10.0"]))
-        self.assert_whole(self.prefix)
-
-    def test_another_version_has_its_own(self):
-        self.greet()
-        self.greet(FAKE_VERSION="wine-11.2")
-        self.assertEqual((len(self.boots()), self.left()), (2, ["wine-10.0", "wine-11.2"]))
-        self.assert_whole(self.prefixes / "wine-11.2")
-
-    def test_is_made_aside(self):
-        process, gate = self.start_up_to_gate()
         self.assertFalse(self.prefix.exists())
         self.assertEqual(len(self.left()), 1)
-        gate.open()
-        self.sandbox.finish(process)
-        self.assertEqual((process.out, process.err), ("hello\n", ""))
-        self.assertEqual(self.left(), ["wine-10.0"])
-        self.assert_whole(self.prefix)
+        return process, gate
+
+    def test_is_made_once_for_each_version(self):
+        for boots, left, changes in (
+            (1, ["wine-10.0"], {}),
+            (1, ["wine-10.0"], {}),
+            (2, ["wine-10.0", "wine-11.2"], {"FAKE_VERSION": "wine-11.2"}),
+        ):
+            self.greet(boots, *left, **changes)
 
     def test_killed_call_leaves_none_and_the_next_one_starts_clean(self):
         process, gate = self.start_up_to_gate()
         self.sandbox.kill(process)
         gate.close()
-        self.assertFalse(self.prefix.exists())
         (stale,) = self.left()
         (self.prefixes / stale / "leftover").write_text("", encoding="utf-8")
-        self.greet()
-        self.assertEqual(self.left(), ["wine-10.0"])
-        self.assert_whole(self.prefix)
+        self.greet(2, "wine-10.0")
 
     def is_waiting_for_a_lock(self, process):
         lines = Path("/proc/locks").read_text(encoding="utf-8").splitlines()
@@ -204,24 +176,22 @@ class Prefix(WineRunTest):
         )
         gate.open()
         for process in (first, second):
-            self.sandbox.finish(process)
-            self.assertEqual((process.out, process.err), ("hello\n", ""))
-        self.assertEqual((len(self.boots()), self.left()), (1, ["wine-10.0"]))
+            self.assert_ends(self.sandbox.finish(process), "hello\n")
+        self.greet(1, "wine-10.0")
 
     def test_failure_is_one_line_and_leaves_nothing(self):
-        for changes in ({"WINEBOOT_CODE": "3"}, {"NO_REGISTRY": "1"}, {"WINESERVER_CODE": "4"}):
-            with self.subTest(changes=changes):
-                process = self.wine_run(self.greeter, **changes)
-                self.assert_one_line(process, 125, "Wine could not make its folder", str(self.prefix))
-                self.assertEqual(self.left(), [])
-        self.greet()
-
-    def test_folder_that_is_not_done_at_the_deadline(self):
         gate = self.sandbox.gate()
-        process = self.wine_run("--deadline", "1", self.greeter, WINEBOOT_GATE=str(gate))
-        self.assertEqual((process.out, process.returncode), ("", 125))
-        self.assertIn("Wine could not make its folder", process.err.splitlines()[-1])
-        self.assertEqual(self.left(), [])
+        for words, changes in (
+            ([], {"WINEBOOT_CODE": "3"}),
+            ([], {"NO_REGISTRY": "1"}),
+            ([], {"WINESERVER_CODE": "4"}),
+            (["--deadline", "1"], {"WINEBOOT_GATE": str(gate)}),
+        ):
+            with self.subTest(changes=changes):
+                process = self.wine_run(*words, self.greeter, **changes)
+                self.assertIn(f"wine-run: Wine could not make its folder {self.prefix}", process.err.splitlines()[-1])
+                self.assertEqual((process.out, process.returncode, self.left()), ("", 125, []))
+                self.assertEqual(len(process.err.splitlines()), 2 if words else 1, "the deadline has its own line")
 
 
 class Runtime(WineRunTest):
@@ -243,16 +213,14 @@ class Runtime(WineRunTest):
         overrides = "mscoree,mshtml,winemenubuilder.exe="
         contents = ({"a": "1", "b": "2"}, {"a": "1", "b": "3"}, {"a": "1", "c": "2"}, {"a": "1"})
         for number, dlls in enumerate((*contents, *contents)):
-            process = self.run_with(dlls)
             said = f"{' '.join(f'{name}.dll' for name in dlls)}:{''.join(dlls.values())}:{overrides};{','.join(dlls)}=n\n"
-            self.assertEqual((process.out, process.err, process.returncode), (said, "", 0))
+            self.assert_ends(self.run_with(dlls), said)
             self.assertEqual(len(self.left()), min(number + 1, len(contents)))
         without = self.wine_run(self.program('echo "$WINEDLLOVERRIDES:$WINEPREFIX"'))
-        self.assertEqual(without.out, f"{overrides}:{self.prefix}\n")
+        self.assert_ends(without, f"{overrides}:{self.prefix}\n")
 
     def test_folder_without_the_whole_runtime_is_not_used(self):
-        process = self.run_with({"a": "1"}, SYSTEM="another")
-        self.assert_one_line(process, 125, "system32/a.dll")
+        self.assert_one_line(self.run_with({"a": "1"}, SYSTEM="another"), 125, "system32/a.dll")
         self.assertEqual(self.left(), [])
 
     def test_folder_without_dlls(self):
@@ -262,17 +230,14 @@ class Runtime(WineRunTest):
 
 
 class Refusals(WineRunTest):
-    def test_missing_program(self):
-        for missing in (self.sandbox.base / "build" / "kvx.exe", self.sandbox.base):
-            process = self.wine_run(str(missing))
-            self.assert_one_line(process, 2, f"{missing} is not there", "./dev build windows")
-        self.assertEqual(self.sandbox.called("wine"), [])
-
     def test_bad_usage(self):
         program = self.program("echo ran")
+        missing = str(self.sandbox.base / "build" / "kvx.exe")
         for words, part in {
+            (missing,): f"{missing} is not there; build it first: ./dev build windows",
+            (str(self.sandbox.base),): "is not there",
             (): "program",
-            ("--deadline", "soon", program): "soon",
+            ("--deadline", "soon", program): "'soon' is no number of seconds",
             ("--deadline", "-1", program): "-1",
             ("--deadline", "0", program): "0",
             ("--deadline", "nan", program): "nan",
@@ -281,10 +246,7 @@ class Refusals(WineRunTest):
             ("--runtime",): "--runtime",
         }.items():
             with self.subTest(words=words):
-                process = self.wine_run(*words)
-                self.assertEqual((process.out, process.returncode), ("", 2), process.err)
-                self.assertIn(part, process.err.splitlines()[-1].lower())
-                self.assertNotIn("Traceback", process.err)
+                self.assert_one_line(self.wine_run(*words), 2, part)
         self.assertEqual(self.sandbox.called("wine"), [])
 
     def test_help(self):
@@ -293,23 +255,19 @@ class Refusals(WineRunTest):
         for option in ("--runtime", "--dlls", "--deadline", "--show"):
             self.assertIn(option, process.out)
 
-    def test_wine_is_not_installed(self):
+    def test_wine_cannot_be_used(self):
         folder = self.sandbox.base / "no wine"
         folder.mkdir()
         (folder / "python3").symlink_to(sys.executable)
-        process = self.wine_run(self.program("echo ran"), PATH=str(folder))
-        self.assert_one_line(process, 125, "wine is not installed here", "toolbox")
-
-    def test_wine_that_does_not_work(self):
-        process = self.wine_run(self.program("echo ran"), VERSION_CODE="6")
-        self.assert_one_line(process, 125, "exit code 6")
-
-    def test_wine_without_version(self):
-        self.assert_one_line(self.wine_run(self.program("echo ran"), FAKE_VERSION=" "), 125, "version")
-
-    def test_cache_that_cannot_be_written_to(self):
+        program = self.program("echo ran")
+        for part, changes in {
+            "wine is not installed here; the toolbox has it": {"PATH": str(folder)},
+            "exit code 6": {"VERSION_CODE": "6"},
+            "wine does not say its version": {"FAKE_VERSION": " "},
+        }.items():
+            self.assert_one_line(self.wine_run(program, **changes), 125, part)
         self.sandbox.cache.write_text("", encoding="utf-8")
-        self.assert_one_line(self.wine_run(self.program("echo ran")), 125, str(self.sandbox.cache))
+        self.assert_one_line(self.wine_run(program), 125, str(self.sandbox.cache))
 
 
 class Show(WineRunTest):
@@ -317,32 +275,26 @@ class Show(WineRunTest):
         super().setUp()
         self.file = self.sandbox.base / "the output.txt"
 
-    def test_file_is_printed_at_the_end(self):
-        program = self.program('printf "Gr\\303\\274n\\r\\nend\\r\\n" >"$1"; echo first; exit 3')
-        process = self.wine_run("--show", str(self.file), program, str(self.file))
-        self.assertEqual((process.out, process.err, process.returncode), ("first\nGrün\nend\n", "", 3))
+    def show(self, text):
+        return self.wine_run("--show", str(self.file), self.program(text), str(self.file))
 
-    def test_bytes_that_are_no_text(self):
-        program = self.program('printf "a\\377b\\n" >"$1"')
-        process = self.wine_run("--show", str(self.file), program, str(self.file))
-        self.assertEqual((process.out, process.err, process.returncode), ("a\N{REPLACEMENT CHARACTER}b\n", "", 0))
+    def test_file_is_printed_at_the_end(self):
+        process = self.show('printf "Gr\\303\\274n\\r\\nend\\r\\n" >"$1"; echo first; exit 3')
+        self.assert_ends(process, "first\nGrün\nend\n", "", 3)
+        # Bytes that are no text.
+        self.assert_ends(self.show('printf "a\\377b\\n" >"$1"'), "a\N{REPLACEMENT CHARACTER}b\n")
 
     def test_program_that_wrote_none(self):
-        process = self.wine_run("--show", str(self.file), self.program("exit 3"))
-        self.assertEqual((process.out, process.returncode), ("", 3))
-        self.assertEqual(process.err, f"wine-run: the program wrote no {self.file}\n")
+        """A file of an earlier run is not shown."""
+        for code, own in ((125, 0), (3, 3)):
+            self.file.write_text("of an earlier run\n", encoding="utf-8")
+            self.assert_ends(self.show(f"exit {own}"), "", f"wine-run: the program wrote no {self.file}\n", code)
 
     def test_what_lives_on_does_not_hold_the_output(self):
         # As Wine's server, which the first program starts.
         process = self.wine_run(self.program("sleep 1000 & echo $!"))
         os.kill(int(process.out), signal.SIGKILL)
         self.assertEqual((process.err, process.returncode), ("", 0))
-
-    def test_old_file_is_not_shown(self):
-        self.file.write_text("of an earlier run\n", encoding="utf-8")
-        process = self.wine_run("--show", str(self.file), self.program("exit 0"))
-        self.assertEqual((process.out, process.err), ("", f"wine-run: the program wrote no {self.file}\n"))
-        self.assertEqual(process.returncode, 125)
 
     def test_file_is_shown_after_the_deadline(self):
         written = self.program('echo "so far" >"$1"; exec sleep 1000')
@@ -426,7 +378,7 @@ class Deadline(WineRunTest):
         self.assertIsNone(other.poll())
         gate.open()
         self.sandbox.finish(other)
-        self.assertEqual((other.out, other.err, other.returncode), ("", "", 5))
+        self.assert_ends(other, "", "", 5)
 
     def test_leaves_the_server_alone(self):
         shutil.copy2("/bin/sleep", self.sandbox.fakes / "wineserver64")
@@ -449,5 +401,4 @@ class Deadline(WineRunTest):
         self.assert_timed_out(process, program)
 
     def test_program_that_is_done_before(self):
-        process = self.wine_run("--deadline", "1000", self.program("exit 4"))
-        self.assertEqual((process.out, process.err, process.returncode), ("", "", 4))
+        self.assert_ends(self.wine_run("--deadline", "1000", self.program("exit 4")), "", "", 4)
