@@ -10,7 +10,6 @@ import os
 import shutil
 import signal
 import subprocess
-import sys
 import tempfile
 import time
 import unittest
@@ -260,9 +259,9 @@ class ToolTest(unittest.TestCase):
 
     def run_tool(self, *words, **variables):
         return subprocess.run(
-            [sys.executable, "-B", REPOSITORY / "tools" / self.tool, *words],
+            [REPOSITORY / "tools" / self.tool, *words],
             cwd=self.base,
-            env=os.environ | variables,
+            env=os.environ | {"PYTHONDONTWRITEBYTECODE": "1"} | variables,
             capture_output=True,
             text=True,
             check=False,

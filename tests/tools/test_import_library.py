@@ -3,13 +3,12 @@
 import os
 import shutil
 import subprocess
-import tempfile
-import unittest
-from pathlib import Path
 
 import pefile
 
-TOOL = Path(__file__).resolve().parents[2] / "tools" / "import-library"
+from sandbox import REPOSITORY, ToolTest
+
+TOOL = REPOSITORY / "tools" / "import-library"
 
 EXPORTS = """
 namespace std { struct Text; }
@@ -23,20 +22,18 @@ LISTED = "?listed@@YAXPEAUText@std@@@Z"
 ALIASES = f"# four words of comment\n\n?alias@@YAXXZ {LISTED}\n?another@@YAXXZ ?ofAnotherDll@@YAXXZ\n"
 
 
-class ImportLibrary(unittest.TestCase):
+class ImportLibrary(ToolTest):
     def setUp(self):
-        folder = tempfile.TemporaryDirectory()
-        self.addCleanup(folder.cleanup)
-        self.folder = Path(folder.name)
+        super().setUp()
         self.assertEqual(self.link("names", EXPORTS), "")
-        (self.folder / "aliases.txt").write_text(ALIASES, encoding="utf-8")
+        self.write("aliases.txt", ALIASES)
 
     def run_here(self, *command, **more):
-        return subprocess.run(command, cwd=self.folder, capture_output=True, text=True, check=False, **more)
+        return subprocess.run(command, cwd=self.base, capture_output=True, text=True, check=False, **more)
 
     def link(self, name, source, *libraries):
         """Makes a DLL from the source; returns what the linker says."""
-        (self.folder / f"{name}.cpp").write_text(source, encoding="utf-8")
+        self.write(f"{name}.cpp", source)
         compiler = ["clang-cl-19", "--target=x86_64-pc-windows-msvc", "/nologo", "/c", f"{name}.cpp"]
         compiled = self.run_here(*compiler, f"/Fo{name}.obj")
         self.assertEqual(compiled.returncode, 0, compiled.stderr)
@@ -50,12 +47,12 @@ class ImportLibrary(unittest.TestCase):
 
     def test_functions_that_can_be_linked(self):
         # The file's name is not the DLL's own.
-        shutil.move(self.folder / "names.dll", self.folder / "renamed.dll")
+        shutil.move(self.base / "names.dll", self.base / "renamed.dll")
         made = self.run_here(TOOL, "--aliases", "aliases.txt", "renamed.dll", ".")
         self.assertEqual((made.stdout, made.stderr, made.returncode), ("", "", 0))
-        self.assertFalse((self.folder / "renamed.lib").exists())
+        self.assertFalse((self.base / "renamed.lib").exists())
         self.assertEqual(self.link_calls("plain()", "alias()", "listed(std::Text *)"), "")
-        with pefile.PE(str(self.folder / "caller.dll")) as caller:
+        with pefile.PE(str(self.base / "caller.dll")) as caller:
             imports = {table.dll: {entry.name for entry in table.imports} for table in caller.DIRECTORY_ENTRY_IMPORT}
         self.assertEqual(imports, {b"names.dll": {b"?plain@@YAXXZ", LISTED.encode()}})
         for function in ("unlisted(std::Text *)", "another()"):
@@ -67,10 +64,10 @@ class ImportLibrary(unittest.TestCase):
             self.assertIn("undefined symbol", self.link_calls(function))
 
     def test_failure_is_one_line(self):
-        (self.folder / "odd.txt").write_text("one two three\n", encoding="utf-8")
+        self.write("odd.txt", "one two three\n")
         self.assertEqual(self.link("silent", "int unseen;"), "")
-        (self.folder / "names.lib").mkdir()
-        (self.folder / "python3").symlink_to(shutil.which("python3"))
+        (self.base / "names.lib").mkdir()
+        (self.base / "python3").symlink_to(shutil.which("python3"))
         for words, code, line in (
             (["odd.txt", "."], 2, "odd.txt is no DLL that exports anything"),
             (["silent.dll", "."], 2, "silent.dll is no DLL that exports anything"),
@@ -83,7 +80,7 @@ class ImportLibrary(unittest.TestCase):
             (["names.dll", "."], 1, "names.lib could not be written ([Errno 2] No such file"),
         ):
             with self.subTest(line=line):
-                path = str(self.folder) if "No such file" in line else os.environ["PATH"]
+                path = str(self.base) if "No such file" in line else os.environ["PATH"]
                 failed = self.run_here(TOOL, *words, env={"PATH": path})
                 self.assertEqual((failed.stdout, failed.returncode), ("", code), failed.stderr)
                 self.assertEqual(len(failed.stderr.splitlines()), 1, failed.stderr)

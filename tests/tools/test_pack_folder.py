@@ -38,26 +38,20 @@ class PackFolder(ToolTest):
         (first / "a").write_text("content of b", encoding="utf-8")
         self.assertNotEqual(self.packed(first, "x.zip"), before)
 
-    def test_zip(self):
+    def test_entries(self):
+        """Sorted, with this time, and with no permissions but to run; the test of the package reads the rest."""
         folder = self.folder("x", ["bin/run", "b", "Ω"], 0)
-        self.packed(folder, "x.zip", SOURCE_DATE_EPOCH=str(TIME))
+        for archive in ("x.zip", "x.tar.gz"):
+            self.packed(folder, archive, SOURCE_DATE_EPOCH=str(TIME))
         with zipfile.ZipFile(self.base / "x.zip") as packed:
-            self.assertIsNone(packed.testzip())
             entries = [(entry.filename, entry.date_time, entry.external_attr >> 16) for entry in packed.infolist()]
-            self.assertEqual(packed.read("package/b"), b"content of b")
         time = (2023, 11, 14, 22, 13, 20)
         self.assertEqual(entries, [(name, time, 0o100000 | mode) for name, mode in MODES.items()])
+        with tarfile.open(self.base / "x.tar.gz") as packed:
+            entries = [(entry.name, entry.mtime, entry.mode) for entry in packed.getmembers()]
+        self.assertEqual(entries, [(name, TIME, mode) for name, mode in MODES.items()])
         # Before the first time that a ZIP can hold.
         self.assertEqual(self.packed(folder, "x.zip", SOURCE_DATE_EPOCH="0"), self.packed(folder, "x.zip"))
-
-    def test_tar(self):
-        folder = self.folder("x", ["bin/run", "b", "Ω"], 0)
-        content = self.packed(folder, "x.tar.gz", SOURCE_DATE_EPOCH=str(TIME))
-        self.assertEqual(content[4:8], bytes(4), "gzip's own time of packing")
-        with tarfile.open(self.base / "x.tar.gz") as packed:
-            entries = [(entry.name, entry.mtime, entry.mode, entry.uid, entry.uname) for entry in packed.getmembers()]
-            self.assertEqual(packed.extractfile("package/b").read(), b"content of b")
-        self.assertEqual(entries, [(name, TIME, mode, 0, "") for name, mode in MODES.items()])
 
     def test_refusals(self):
         folder = self.folder("x", ["a", "b"], 0)
@@ -72,4 +66,5 @@ class PackFolder(ToolTest):
         process = self.run_tool(folder, "x.zip")
         self.assertEqual((process.stdout, process.returncode, process.stderr.count("\n")), ("", 2, 1))
         self.assertIn("cannot be made", process.stderr)
-        self.assertEqual((sorted(path.name for path in self.base.iterdir()), (self.base / "x.zip").read_bytes()), (["x", "x.zip"], before))
+        self.assertEqual(sorted(path.name for path in self.base.iterdir()), ["x", "x.zip"])
+        self.assertEqual((self.base / "x.zip").read_bytes(), before)
