@@ -132,20 +132,20 @@ Operations gettersOfTheMouse()
 // not do.
 bool invoke(QObject *device, const char *slot)
 {
-    return QMetaObject::invokeMethod(device, slot);
+    return QMetaObject::invokeMethod(device, slot, Qt::DirectConnection);
 }
 
 bool invoke(QObject *device, const char *slot, int value)
 {
-    return QMetaObject::invokeMethod(device, slot, Q_ARG(int, value));
+    return QMetaObject::invokeMethod(device, slot, Qt::DirectConnection, Q_ARG(int, value));
 }
 
 bool invoke(QObject *device, const char *slot, const QString &value)
 {
-    return QMetaObject::invokeMethod(device, slot, Q_ARG(QString, value));
+    return QMetaObject::invokeMethod(device, slot, Qt::DirectConnection, Q_ARG(QString, value));
 }
 
-// By name, and therefore on the device's thread, whoever calls.
+// By name, and on the calling thread.
 template <typename... Arguments>
 std::function<void(PluginFixture &, HostedDevice &)> invoked(const char *slot, const Arguments &...arguments)
 {
@@ -208,10 +208,12 @@ Operations operationsByName()
         // No key is held that it could release.
         {"onSmartPointerCtrReleaseTimerTimeout", invoked("onSmartPointerCtrReleaseTimerTimeout"), timeout,
          timeout, timeout, timeout},
-        {"onDpiMinChanged", invoked("onDpiMinChanged", 50), slotMin + min, slotMin, slotMin + min, slotMin},
-        {"onDpiMaxChanged", invoked("onDpiMaxChanged", 4000), slotMax + max, slotMax, slotMax + max, slotMax},
+        {"onDpiMinChanged", invoked("onDpiMinChanged", 50), slotMin + min, slotMin, slotMin + min, slotMin,
+         SignalThread::Calling},
+        {"onDpiMaxChanged", invoked("onDpiMaxChanged", 4000), slotMax + max, slotMax, slotMax + max, slotMax,
+         SignalThread::Calling},
         {"onPPIDChanged", invoked("onPPIDChanged", u"P"_s), slotPpid + ppid, slotPpid, slotPpid + ppid,
-         slotPpid},
+         slotPpid, SignalThread::Calling},
         // Nobody listens before the start.
         {"receiver::dpiMinChanged", signalled("receiver::dpiMinChanged", &FakeReceiver::dpiMinChanged, 50),
          signalMin + min, signalMin, signalMin, signalMin},

@@ -2,13 +2,18 @@
 #include "OtherThread.h"
 #include "PlainPhysicalDevice.h"
 #include "PluginFixture.h"
+#include "SignalHook.h"
+#include "StepThread.h"
 #include "TimelineText.h"
 
 #include <QtCore/QFile>
 #include <QtCore/QMetaMethod>
 #include <QtCore/QRegularExpression>
+#include <QtCore/QScopeGuard>
+#include <QtCore/QThread>
 #include <QtTest/QTest>
 
+#include <functional>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -53,6 +58,30 @@ void addRowsForAnyThread()
         if (qstrcmp(operation.name, "mouseEventCallBack") != 0)
             QTest::newRow(operation.name) << operation;
     }
+}
+
+// Their thread is all that a move changes.
+void addRowsWithSignals()
+{
+    QTest::addColumn<Operation>("operation");
+    for (const Operation &operation : everyOperation()) {
+        const bool isTiedToItsThread = qstrcmp(operation.name, "mouseEventCallBack") == 0;
+        if (operation.whileRunning.contains(u"\nsignal "_s) && !isTiedToItsThread)
+            QTest::newRow(operation.name) << operation;
+    }
+}
+
+// Runs the function while the factory and its devices live on the other thread, which delivers nothing by
+// itself.
+void withFactoryOn(StepThread &other, PluginFixture &fixture, const std::function<void()> &function)
+{
+    QThread *here = QThread::currentThread();
+    QObject *root = fixture.host.root();
+    const auto moveBack = qScopeGuard([&] { other.run([&] { root->moveToThread(here); }); });
+    QThread *there = nullptr;
+    other.run([&] { there = QThread::currentThread(); });
+    root->moveToThread(there);
+    function();
 }
 
 // The names of the slots in a table of the interfaces.
@@ -139,6 +168,12 @@ private Q_SLOTS:
     void fromASecondThread();
     void fromASecondThreadBeforeStart_data() { addRowsForAnyThread(); }
     void fromASecondThreadBeforeStart();
+    void onTheThreadThatTheFactoryMovedTo_data() { addRowsWithSignals(); }
+    void onTheThreadThatTheFactoryMovedTo();
+    void fromTheThreadThatTheFactoryLeft_data() { addRowsWithSignals(); }
+    void fromTheThreadThatTheFactoryLeft();
+    void insideAnAnnouncement_data() { addRows(); }
+    void insideAnAnnouncement();
     void startTwice();
     void startAfterStop();
     void startTwiceFromASecondThread();
@@ -230,6 +265,63 @@ void tst_OperationOrder::fromASecondThreadBeforeStart()
     PluginFixture fixture(warningsOnly);
     HostedDevice &device = fixture.create();
     compareTwoCallsFromAnotherThread(fixture, device, operation, operation.unbound, operation.unboundAgain);
+}
+
+void tst_OperationOrder::onTheThreadThatTheFactoryMovedTo()
+{
+    QFETCH(const Operation, operation);
+    PluginFixture fixture(warningsOnly);
+    HostedDevice &device = runningDevice(fixture);
+    StepThread other;
+    withFactoryOn(other, fixture, [&] { other.run([&] { operation.call(fixture, device); }); });
+    QStringList expected = linesOf(operation.whileRunning);
+    for (QString &line : expected)
+        line += u" on thread 2"_s;
+    COMPARE_LINES(fixture.take(), expected);
+}
+
+void tst_OperationOrder::fromTheThreadThatTheFactoryLeft()
+{
+    QFETCH(const Operation, operation);
+    PluginFixture fixture(warningsOnly);
+    HostedDevice &device = runningDevice(fixture);
+    StepThread other;
+    QStringList atOnce;
+    withFactoryOn(other, fixture, [&] {
+        operation.call(fixture, device);
+        atOnce = fixture.take();
+        other.run(deliverQueuedCalls);
+    });
+    QStringList expectedAtOnce;
+    QStringList expectedThere;
+    for (const QString &line : linesOf(operation.whileRunning)) {
+        const bool waits = line.startsWith(u"signal "_s) && operation.signalThread == SignalThread::Device;
+        if (waits)
+            expectedThere += line + u" on thread 2"_s;
+        else
+            expectedAtOnce += line;
+    }
+    COMPARE_LINES(atOnce, expectedAtOnce);
+    COMPARE_LINES(fixture.take(), expectedThere);
+}
+
+// The registry is locked meanwhile. What has no row takes the lock and would wait for ever: start,
+// instanceNumber and the destructors.
+void tst_OperationOrder::insideAnAnnouncement()
+{
+    QFETCH(const Operation, operation);
+    PluginFixture fixture(warningsOnly);
+    HostedDevice &device = runningDevice(fixture);
+    HostedDevice &another = fixture.create(nullptr, 7);
+    QStringList seen;
+    SignalHook hook([&] {
+        fixture.take();
+        operation.call(fixture, device);
+        seen = fixture.take();
+    });
+    QVERIFY(connect(device.object(), SIGNAL(instanceNumberChanged(int)), &hook, SLOT(run())));
+    another.start();
+    COMPARE_LINES(seen, linesOf(operation.whileRunning));
 }
 
 void tst_OperationOrder::startTwice()

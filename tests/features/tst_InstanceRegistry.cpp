@@ -1,13 +1,12 @@
 #include "OtherThread.h"
 #include "PluginFixture.h"
+#include "SignalHook.h"
 #include "TimelineText.h"
 
 #include <QtTest/QTest>
 
 #include <atomic>
-#include <functional>
 #include <memory>
-#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -23,21 +22,6 @@ QString announced(DeviceId id, int number)
 }
 
 }  // namespace
-
-/// Runs a function inside an emission.
-class SignalHook : public QObject
-{
-    Q_OBJECT
-
-public:
-    explicit SignalHook(std::function<void()> hook) : m_hook(std::move(hook)) {}
-
-public Q_SLOTS:
-    void run() { m_hook(); }
-
-private:
-    std::function<void()> m_hook;
-};
 
 // Log switches are off here: only calls, signals and numbers matter.
 class tst_InstanceRegistry : public QObject
@@ -55,6 +39,7 @@ private Q_SLOTS:
     void stopKeepsTheNumber();
     void allGoneStartsAnew();
     void announcementsGoToEachDevicesThread();
+    void devicesOnThreeThreadsAreAnnouncedOnTheirOwn();
     void announcementFromAnotherThreadCarriesTheNumberAtDelivery();
     void queuedAnnouncementDiesWithItsDevice();
     void secondStartRegistersTwice();
@@ -185,6 +170,46 @@ void tst_InstanceRegistry::announcementsGoToEachDevicesThread()
     QVERIFY(!take(fixture).contains(u"instanceNumberChanged"_s));
     deliverQueuedCalls();
     COMPARE_LINES(take(fixture), {announced(first, 1), announced(second, 2)});
+}
+
+void tst_InstanceRegistry::devicesOnThreeThreadsAreAnnouncedOnTheirOwn()
+{
+    PluginFixture fixture({false, false, false});
+    OtherThread secondThread;
+    OtherThread thirdThread;
+    HostedDevice *onSecond = nullptr;
+    HostedDevice *onThird = nullptr;
+    fixture.started(first);
+    secondThread.run([&] { onSecond = &fixture.create(second); });
+    thirdThread.run([&] {
+        onThird = &fixture.create(third);
+        onThird->start();
+    });
+    deliverQueuedCalls();
+    fixture.take();
+
+    // The third thread waits meanwhile, so nothing is delivered there.
+    QStringList atOnce;
+    thirdThread.run([&] {
+        secondThread.run([&] { onSecond->start(); });
+        atOnce = take(fixture).mid(12);
+    });
+    COMPARE_LINES(atOnce, {announced(second, 3) + u" on thread 2"_s});
+    thirdThread.run([] {});
+    COMPARE_LINES(take(fixture), {announced(third, 2) + u" on thread 3"_s});
+    deliverQueuedCalls();
+    COMPARE_LINES(take(fixture), {announced(first, 1)});
+
+    thirdThread.run([&] {
+        secondThread.run([&] { fixture.destroy(*onSecond); });
+        atOnce = take(fixture);
+    });
+    COMPARE_LINES(atOnce, {u"call [2] destroyDevice() on thread 2"_s});
+    thirdThread.run([&] { fixture.destroy(*onThird); });
+    COMPARE_LINES(take(fixture),
+                  {announced(third, 2) + u" on thread 3"_s, u"call [3] destroyDevice() on thread 3"_s});
+    deliverQueuedCalls();
+    COMPARE_LINES(take(fixture), {announced(first, 0), announced(first, 0)});
 }
 
 void tst_InstanceRegistry::announcementFromAnotherThreadCarriesTheNumberAtDelivery()
