@@ -5,6 +5,8 @@
 
 #include <QtCore/QDir>
 #include <QtCore/QFile>
+#include <QtCore/QFileInfo>
+#include <QtCore/QMetaMethod>
 #include <QtCore/QTemporaryDir>
 #include <QtTest/QTest>
 
@@ -31,6 +33,39 @@ QStringList wholeStart(const QStringList &binding, const QString &announcement)
            QStringList{announcement, debugLine(u"start exit"_s)};
 }
 
+/// A receiver that records what is connected to its signals.
+class ConnectedReceiver : public FakeReceiver
+{
+public:
+    using FakeReceiver::FakeReceiver;
+
+protected:
+    void connectNotify(const QMetaMethod &signal) override
+    {
+        timeline().record(TimelineEntry::Kind::Receiver, {}, u"connectNotify"_s,
+                          {QString::fromLatin1(signal.methodSignature())});
+    }
+};
+
+QString libraryName()
+{
+    return QFileInfo(PluginFixture::builtPluginFile()).fileName();
+}
+
+// A copy of the library under a path inside the folder; answers the whole path.
+QString copiedLibrary(const QTemporaryDir &folder, const QString &path)
+{
+    const QString copy = folder.filePath(path);
+    if (!QDir().mkpath(QFileInfo(copy).path()) || !QFile::copy(PluginFixture::builtPluginFile(), copy))
+        qFatal("the library cannot be copied to \"%s\"", qPrintable(copy));
+    return copy;
+}
+
+QString renamedLibrary(const QTemporaryDir &folder)
+{
+    return copiedLibrary(folder, u"renamed."_s + QFileInfo(libraryName()).suffix());
+}
+
 }  // namespace
 
 class tst_Lifecycle : public QObject
@@ -46,6 +81,7 @@ private Q_SLOTS:
     void physicalDeviceThatIsNoReceiver();
     void noPhysicalDeviceAtAll();
     void noReceiverWarningNeedsItsSwitch();
+    void receiverSignalsAreConnectedBetweenReadsAndRequests();
     void receiverSignalsAreConnectedBeforeTheStateIsRequested();
     void receiverSignalsFromAnotherThreadAreQueued();
     void secondStartConnectsTwice();
@@ -58,6 +94,9 @@ private Q_SLOTS:
     void deviceDestroyedFirstDropsTheConnections();
     void libraryUnderAnotherNameIsReported_data();
     void libraryUnderAnotherNameIsReported();
+    void libraryUnderAnotherNameIsReportedBeforeTheEnd();
+    void libraryUnderASimilarNameIsAnother_data();
+    void libraryUnderASimilarNameIsAnother();
     void libraryInAFolderWithBlanksAndUmlauts();
 };
 
@@ -172,6 +211,24 @@ void tst_Lifecycle::noReceiverWarningNeedsItsSwitch()
     HostedDevice &device = fixture.create(nullptr, PluginFixture::mouse);
     device.start();
     COMPARE_LINES(fixture.take(), wholeStart({}, u"signal instanceNumberChanged(0)"_s));
+}
+
+void tst_Lifecycle::receiverSignalsAreConnectedBetweenReadsAndRequests()
+{
+    PluginFixture fixture;
+    ConnectedReceiver receiver(fixture.timeline);
+    HostedDevice &device = fixture.create(&receiver, PluginFixture::mouse);
+    device.start();
+    const qsizetype reads = 5;
+    const QStringList binding = wholeBinding();
+    COMPARE_LINES(fixture.take(),
+                  wholeStart(binding.mid(0, reads) +
+                                 QStringList{u"receiver connectNotify(\"dpiMinChanged(int)\")"_s,
+                                             u"receiver connectNotify(\"dpiMaxChanged(int)\")"_s} +
+                                 binding.mid(reads),
+                             u"signal instanceNumberChanged(0)"_s));
+    // Before its receiver goes.
+    fixture.destroy(device);
 }
 
 void tst_Lifecycle::receiverSignalsAreConnectedBeforeTheStateIsRequested()
@@ -324,12 +381,8 @@ void tst_Lifecycle::libraryUnderAnotherNameIsReported_data()
 void tst_Lifecycle::libraryUnderAnotherNameIsReported()
 {
     QFETCH(const bool, isCriticalEnabled);
-    QTemporaryDir folder;
-    const QString copy =
-        folder.filePath(u"renamed"_s + PluginFixture::builtPluginFile().section(u'.', -1).prepend(u'.'));
-    QVERIFY(QFile::copy(PluginFixture::builtPluginFile(), copy));
-
-    PluginFixture fixture({false, false, isCriticalEnabled}, copy);
+    const QTemporaryDir folder;
+    PluginFixture fixture({false, false, isCriticalEnabled}, renamedLibrary(folder));
     HostedDevice &device = fixture.create();
     QVERIFY(!device.start());
 
@@ -346,15 +399,47 @@ void tst_Lifecycle::libraryUnderAnotherNameIsReported()
     QCOMPARE(device.device()->instanceNumber(), 0);
 }
 
+void tst_Lifecycle::libraryUnderAnotherNameIsReportedBeforeTheEnd()
+{
+    const QTemporaryDir folder;
+    PluginFixture fixture({true, true, true}, renamedLibrary(folder));
+    fixture.create(nullptr, 1).start();
+    COMPARE_LINES(fixture.take(),
+                  {u"call start() -> false"_s, debugLine(u"start enter"_s),
+                   warningLine(u"Unable to get IPhysicalDeviceDongle interface"_s),
+                   u"signal instanceNumberChanged(0)"_s,
+                   criticalLine(u"GetModuleHandleA failed, gle : \"0x7e\""_s), debugLine(u"start exit"_s)});
+    fixture.host.initialize(&fixture.hostServices, true, true, false);
+    fixture.create(nullptr, 2).start();
+    COMPARE_LINES(fixture.take(), {u"call start() -> false"_s, debugLine(u"start enter"_s),
+                                   warningLine(u"Unable to get IPhysicalDeviceDongle interface"_s),
+                                   u"signal instanceNumberChanged(1)"_s, u"signal instanceNumberChanged(2)"_s,
+                                   debugLine(u"start exit"_s)});
+}
+
+void tst_Lifecycle::libraryUnderASimilarNameIsAnother_data()
+{
+    QTest::addColumn<QString>("path");
+    QTest::newRow("longer-in-front") << u'x' + libraryName();
+    QTest::newRow("longer-at-the-end") << libraryName() + u".1"_s;
+    QTest::newRow("folder-of-that-name")
+        << libraryName() + u"/renamed."_s + QFileInfo(libraryName()).suffix();
+}
+
+void tst_Lifecycle::libraryUnderASimilarNameIsAnother()
+{
+    QFETCH(const QString, path);
+    const QTemporaryDir folder;
+    PluginFixture fixture({false, false, true}, copiedLibrary(folder, path));
+    QVERIFY(!fixture.create(nullptr, PluginFixture::mouse).start());
+    COMPARE_LINES(fixture.take(), {u"call start() -> false"_s, u"signal instanceNumberChanged(0)"_s,
+                                   criticalLine(u"GetModuleHandleA failed, gle : \"0x7e\""_s)});
+}
+
 void tst_Lifecycle::libraryInAFolderWithBlanksAndUmlauts()
 {
-    QTemporaryDir folder;
-    const QString name = u"Geräte Ordner Ω"_s;
-    QVERIFY(QDir(folder.path()).mkdir(name));
-    const QString copy = folder.filePath(name + u'/' + PluginFixture::builtPluginFile().section(u'/', -1));
-    QVERIFY(QFile::copy(PluginFixture::builtPluginFile(), copy));
-
-    PluginFixture fixture({true, true, true}, copy);
+    const QTemporaryDir folder;
+    PluginFixture fixture({true, true, true}, copiedLibrary(folder, u"Geräte Ordner Ω/"_s + libraryName()));
     QVERIFY(fixture.create().start());
 }
 

@@ -12,10 +12,12 @@
 #include <QtCore/QLoggingCategory>
 #include <QtCore/QPluginLoader>
 #include <QtCore/QPointer>
+#include <QtCore/QScopeGuard>
 #include <QtCore/QTemporaryDir>
 #include <QtTest/QTest>
 
 #include <memory>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -54,6 +56,60 @@ public:
 private:
     QLibrary m_library;
 };
+
+// A copy of the library whose devices have a line of each severity to write at their start.
+QString renamedLibrary(const QTemporaryDir &folder)
+{
+    const QString copy =
+        folder.filePath(u"renamed."_s + QFileInfo(PluginFixture::builtPluginFile()).suffix());
+    if (!QFile::copy(PluginFixture::builtPluginFile(), copy))
+        qFatal("the library cannot be copied to \"%s\"", qPrintable(copy));
+    return copy;
+}
+
+constexpr QLatin1StringView deviceCategory("com.orvane.KVX.Plugin.LogicalDevice.RV418.LogicalDevice");
+constexpr QLatin1StringView pluginCategory("com.orvane.KVX.Plugin.LogicalDevice.RV418.LogicalDevicePlugin");
+
+/// Notes the library's logging categories as they are made, as long as it lives.
+class MadeCategories
+{
+public:
+    MadeCategories()
+    {
+        qtFilter = QLoggingCategory::installFilter(nullptr);
+        QLoggingCategory::installFilter(note);
+    }
+    ~MadeCategories() { QLoggingCategory::installFilter(qtFilter); }
+    Q_DISABLE_COPY_MOVE(MadeCategories)
+
+    static QStringList take() { return std::exchange(names(), {}); }
+
+private:
+    static void note(QLoggingCategory *category)
+    {
+        qtFilter(category);
+        const QString name = QString::fromLatin1(category->categoryName());
+        if (name.startsWith(u"com.orvane."))
+            names() += name;
+    }
+
+    static QStringList &names()
+    {
+        static QStringList list;
+        return list;
+    }
+
+    static inline QLoggingCategory::CategoryFilter qtFilter = nullptr;
+};
+
+// A life with a line of each severity and category.
+void liveAloud(PluginFixture &fixture)
+{
+    HostedDevice &device = fixture.createRecorded(nullptr, PluginFixture::mouse);
+    device.start();
+    fixture.destroy(device);
+    fixture.host.unload();
+}
 
 QString pluginDebugLine(const QString &text)
 {
@@ -108,7 +164,10 @@ private Q_SLOTS:
     void everySwitchOpensItsSeverityOnly();
     void initializeMayBeCalledAgain();
     void closedSwitchesCreateNoLine();
+    void closedSwitchesMakeNoCategory();
+    void categoriesAreMadeWithTheirFirstLine();
     void categoriesHaveTheirNames();
+    void categoriesCanBeFilteredByQt_data();
     void categoriesCanBeFilteredByQt();
     void createParentsTheDevice();
     void createChecksNothing();
@@ -258,9 +317,7 @@ void tst_PluginEntry::silentUntilInitialized()
 {
     // Under this name a start has something of each severity to say.
     const QTemporaryDir folder;
-    const QString renamed =
-        folder.filePath(u"renamed."_s + QFileInfo(PluginFixture::builtPluginFile()).suffix());
-    QVERIFY(QFile::copy(PluginFixture::builtPluginFile(), renamed));
+    const QString renamed = renamedLibrary(folder);
     Timeline timeline;
     LogRecorder recorder(timeline);
     FakeReceiver receiver(timeline);
@@ -340,6 +397,26 @@ void tst_PluginEntry::closedSwitchesCreateNoLine()
     QLoggingCategory::setFilterRules(QString());
 }
 
+void tst_PluginEntry::closedSwitchesMakeNoCategory()
+{
+    const QTemporaryDir folder;
+    const MadeCategories made;
+    PluginFixture fixture({false, false, false}, renamedLibrary(folder));
+    liveAloud(fixture);
+    COMPARE_LINES(MadeCategories::take(), {});
+}
+
+void tst_PluginEntry::categoriesAreMadeWithTheirFirstLine()
+{
+    const MadeCategories made;
+    PluginFixture fixture({true, true, true});
+    COMPARE_LINES(MadeCategories::take(), {});
+    fixture.destroy(fixture.create());
+    COMPARE_LINES(MadeCategories::take(), {deviceCategory});
+    fixture.host.unload();
+    COMPARE_LINES(MadeCategories::take(), {pluginCategory});
+}
+
 void tst_PluginEntry::categoriesHaveTheirNames()
 {
     Timeline timeline;
@@ -356,23 +433,44 @@ void tst_PluginEntry::categoriesHaveTheirNames()
         if (entry.kind == TimelineEntry::Kind::Log)
             categories.append(entry.category);
     }
-    const QString device = u"com.orvane.KVX.Plugin.LogicalDevice.RV418.LogicalDevice"_s;
-    const QString plugin = u"com.orvane.KVX.Plugin.LogicalDevice.RV418.LogicalDevicePlugin"_s;
-    COMPARE_LINES(categories, {device, device, device, device, plugin});
+    COMPARE_LINES(categories,
+                  {deviceCategory, deviceCategory, deviceCategory, deviceCategory, pluginCategory});
+}
+
+void tst_PluginEntry::categoriesCanBeFilteredByQt_data()
+{
+    QTest::addColumn<QString>("rule");
+    QTest::addColumn<QString>("missing");
+    QTest::newRow("device-debug") << deviceCategory + u".debug=false"_s << debugLine({});
+    QTest::newRow("device-warning") << deviceCategory + u".warning=false"_s << warningLine({});
+    QTest::newRow("device-critical") << deviceCategory + u".critical=false"_s << criticalLine({});
+    QTest::newRow("factory-debug") << pluginCategory + u".debug=false"_s << pluginDebugLine({});
 }
 
 void tst_PluginEntry::categoriesCanBeFilteredByQt()
 {
-    QLoggingCategory::setFilterRules(
-        u"com.orvane.KVX.Plugin.LogicalDevice.RV418.LogicalDevice.debug=false"_s);
-    {
-        PluginFixture fixture;
-        fixture.create(nullptr, 1).start();
-        COMPARE_LINES(fixture.take(), {u"call start() -> true"_s,
-                                       warningLine(u"Unable to get IPhysicalDeviceDongle interface"_s),
-                                       u"signal instanceNumberChanged(0)"_s});
-    }
-    QLoggingCategory::setFilterRules(QString());
+    QFETCH(const QString, rule);
+    QFETCH(const QString, missing);
+    QStringList expected{u"call createLogicalDevice()"_s,
+                         debugLine(u"LogicalDevice enter"_s),
+                         debugLine(u"LogicalDevice exit"_s),
+                         u"call start() -> false"_s,
+                         debugLine(u"start enter"_s),
+                         warningLine(u"Unable to get IPhysicalDeviceDongle interface"_s),
+                         u"signal instanceNumberChanged(0)"_s,
+                         criticalLine(u"GetModuleHandleA failed, gle : \"0x7e\""_s),
+                         debugLine(u"start exit"_s),
+                         u"call destroyDevice()"_s,
+                         debugLine(u"~LogicalDevice enter"_s),
+                         debugLine(u"~LogicalDevice exit"_s),
+                         pluginDebugLine(u"~LogicalDevicePlugin"_s)};
+    expected.removeIf([&](const QString &line) { return line.startsWith(missing); });
+    const auto removeRule = qScopeGuard([] { QLoggingCategory::setFilterRules({}); });
+    QLoggingCategory::setFilterRules(rule);
+    const QTemporaryDir folder;
+    PluginFixture fixture({true, true, true}, renamedLibrary(folder));
+    liveAloud(fixture);
+    COMPARE_LINES(fixture.take(), expected);
 }
 
 void tst_PluginEntry::createParentsTheDevice()
