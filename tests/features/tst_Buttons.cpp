@@ -1,9 +1,12 @@
 #include "PluginFixture.h"
 #include "TimelineText.h"
 
-#include <QtCore/QDir>
+#include <QtCore/QDirIterator>
 #include <QtCore/QFile>
+#include <QtCore/QLocale>
+#include <QtCore/QPluginLoader>
 #include <QtCore/QResource>
+#include <QtCore/QScopeGuard>
 #include <QtCore/QTemporaryFile>
 #include <QtCore/QtEndian>
 #include <QtTest/QTest>
@@ -29,6 +32,18 @@ QStringList disableCall(const QString &ids, int mask)
             debugLine(u"disbaleButtonsOrKeys enter, buttonOrKeys : QList(%1)"_s.arg(ids)),
             u"receiver setDisabledButtonsOrKeysMask(%1) -> true"_s.arg(mask),
             debugLine(u"disbaleButtonsOrKeys exit"_s)};
+}
+
+// All that is registered in this process.
+QStringList resourcePaths()
+{
+    QStringList paths;
+    QDirIterator entries(u":/"_s, QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot,
+                         QDirIterator::Subdirectories);
+    while (entries.hasNext())
+        paths += entries.next();
+    paths.sort();
+    return paths;
 }
 
 /// A resource collection that is registered as long as it lives.
@@ -81,6 +96,8 @@ private Q_SLOTS:
     void profileIsServedByteForByte();
     void profileIsAResourceWhileTheLibraryIsLoaded();
     void profileIsStoredUncompressed();
+    void profileIsTheSameInEveryLocale_data();
+    void profileIsTheSameInEveryLocale();
     void resourceTreeHoldsNothingElse();
     void profileThatCannotBeReadIsWarnedOf_data();
     void profileThatCannotBeReadIsWarnedOf();
@@ -112,14 +129,16 @@ void tst_Buttons::profileIsAResourceWhileTheLibraryIsLoaded()
 {
     QVERIFY(!QFile::exists(profilePath));
     {
-        Timeline timeline;
-        PluginHost host(timeline);
-        QVERIFY(!host.load(PluginFixture::builtPluginFile()));
+        // Without its factory.
+        QPluginLoader loader;
+        loader.setLoadHints({});
+        loader.setFileName(PluginFixture::builtPluginFile());
+        QVERIFY2(loader.load(), qPrintable(loader.errorString()));
         QFile profile(profilePath);
         QVERIFY(profile.open(QIODevice::ReadOnly));
         QCOMPARE(profile.readAll(), profileBytes());
         profile.close();
-        QVERIFY(host.unload());
+        QVERIFY(loader.unload());
     }
     QVERIFY(!QFile::exists(profilePath));
 }
@@ -132,16 +151,33 @@ void tst_Buttons::profileIsStoredUncompressed()
     QCOMPARE(profile.compressionAlgorithm(), QResource::NoCompression);
     QCOMPARE(profile.size(), qint64(51));
     QCOMPARE(QByteArray(reinterpret_cast<const char *>(profile.data()), 51), profileBytes());
-    QCOMPARE(QResource(profilePath, QLocale(QLocale::German)).absoluteFilePath(), QString(profilePath));
+}
+
+void tst_Buttons::profileIsTheSameInEveryLocale_data()
+{
+    QTest::addColumn<QLocale>("locale");
+    QTest::newRow("C") << QLocale::c();
+    QTest::newRow("english-us") << QLocale(QLocale::English, QLocale::UnitedStates);
+    QTest::newRow("german") << QLocale(QLocale::German, QLocale::Germany);
+    QTest::newRow("chinese") << QLocale(QLocale::Chinese, QLocale::China);
+}
+
+void tst_Buttons::profileIsTheSameInEveryLocale()
+{
+    QFETCH(const QLocale, locale);
+    const auto resetLocale = qScopeGuard([before = QLocale()] { QLocale::setDefault(before); });
+    QLocale::setDefault(locale);
+    PluginFixture fixture;
+    QCOMPARE(fixture.create().device()->defaultProfile(), profileBytes());
 }
 
 void tst_Buttons::resourceTreeHoldsNothingElse()
 {
-    PluginFixture fixture;
-    const QDir folder(u":/com.orvane.KVX.Plugin.LogicalDevice.RV418"_s);
-    QVERIFY(folder.exists());
-    COMPARE_LINES(folder.entryList(), {u"DefaultProfile.json"_s});
-    QVERIFY(QDir(u":/"_s).entryList().contains(u"com.orvane.KVX.Plugin.LogicalDevice.RV418"_s));
+    const QStringList before = resourcePaths();
+    const PluginFixture fixture;
+    QStringList added = resourcePaths();
+    added.removeIf([&](const QString &path) { return before.contains(path); });
+    COMPARE_LINES(added, {u":/com.orvane.KVX.Plugin.LogicalDevice.RV418"_s, QString(profilePath)});
 }
 
 void tst_Buttons::profileThatCannotBeReadIsWarnedOf_data()
