@@ -1,10 +1,8 @@
 #include "Allocations.h"
 
-#include <algorithm>
-#include <array>
 #include <atomic>
-#include <cerrno>
 #include <cstdlib>
+#include <malloc.h>
 
 // The C library's own allocator, by the names under which it offers it to programs with a malloc of their
 // own.
@@ -12,113 +10,54 @@ extern "C" {
 void *__libc_malloc(std::size_t size);
 void *__libc_calloc(std::size_t count, std::size_t size);
 void *__libc_realloc(void *block, std::size_t size);
-void *__libc_memalign(std::size_t alignment, std::size_t size);
 void __libc_free(void *block);
 }
 
 namespace {
 
-struct Block
+std::atomic<qint64> made{0};
+std::atomic<qint64> blocks{0};
+std::atomic<qint64> bytes{0};
+
+void *noted(void *block)
 {
-    void *address = nullptr;
-    std::size_t size = 0;
-};
-
-std::atomic<std::size_t> blocksAsked{0};
-
-// Plain arrays, because whatever allocates would call itself.
-thread_local bool isNoting = false;
-std::array<Block, 4096> notedBlocks;
-std::size_t notedCount = 0;
-
-void note(void *address, std::size_t size)
-{
-    blocksAsked.fetch_add(1, std::memory_order_relaxed);
-    if (!isNoting || !address)
-        return;
-    if (notedCount == notedBlocks.size())
-        std::abort();
-    notedBlocks.at(notedCount++) = {address, size};
+    made.fetch_add(1, std::memory_order_relaxed);
+    blocks.fetch_add(1, std::memory_order_relaxed);
+    bytes.fetch_add(static_cast<qint64>(malloc_usable_size(block)), std::memory_order_relaxed);
+    return block;
 }
 
-void forget(const void *address)
+void forget(void *block)
 {
-    if (!isNoting || !address)
+    if (!block)
         return;
-    auto *const end = notedBlocks.begin() + notedCount;
-    auto *const found = std::find_if(notedBlocks.begin(), end,
-                                     [address](const Block &block) { return block.address == address; });
-    if (found != end)
-        *found = notedBlocks.at(--notedCount);
+    blocks.fetch_sub(1, std::memory_order_relaxed);
+    bytes.fetch_sub(static_cast<qint64>(malloc_usable_size(block)), std::memory_order_relaxed);
 }
 
 }  // namespace
 
-std::size_t Allocations::count()
+Allocations::Count Allocations::count()
 {
-    return blocksAsked.load(std::memory_order_relaxed);
-}
-
-void Allocations::startNoting()
-{
-    notedCount = 0;
-    isNoting = true;
-}
-
-Allocations::Live Allocations::stopNoting()
-{
-    isNoting = false;
-    Live live;
-    for (std::size_t index = 0; index < notedCount; ++index) {
-        ++live.blocks;
-        live.bytes += notedBlocks.at(index).size;
-    }
-    return live;
+    return {made.load(), blocks.load(), bytes.load()};
 }
 
 extern "C" {
 
 void *malloc(std::size_t size)
 {
-    void *block = __libc_malloc(size);
-    note(block, size);
-    return block;
+    return noted(__libc_malloc(size));
 }
 
 void *calloc(std::size_t count, std::size_t size)
 {
-    void *block = __libc_calloc(count, size);
-    note(block, count * size);
-    return block;
+    return noted(__libc_calloc(count, size));
 }
 
 void *realloc(void *old, std::size_t size)
 {
     forget(old);
-    void *block = __libc_realloc(old, size);
-    note(block, size);
-    return block;
-}
-
-void *memalign(std::size_t alignment, std::size_t size)
-{
-    void *block = __libc_memalign(alignment, size);
-    note(block, size);
-    return block;
-}
-
-void *aligned_alloc(std::size_t alignment, std::size_t size)
-{
-    return memalign(alignment, size);
-}
-
-int posix_memalign(void **result, std::size_t alignment, std::size_t size)
-{
-    void *block = memalign(alignment, size);
-    if (!block)
-        return ENOMEM;
-    *result = block;
-    return 0;
+    return noted(__libc_realloc(old, size));
 }
 
 void free(void *block)

@@ -1,25 +1,18 @@
 #pragma once
 
-#include <cstddef>
+#include <QtCore/QtGlobal>
 
-/// What the whole process has asked of malloc, all threads and libraries counted. The program defines malloc and
-/// its kin itself, in front of the C library's.
+/// What the process and all its libraries have from malloc. The program defines malloc and its kin itself, in front of
+/// the C library's.
 namespace Allocations {
 
-/// How many blocks were asked for so far.
-std::size_t count();
-
-/// Sizes as asked for, without the allocator's own overhead.
-struct Live
+struct Count
 {
-    std::size_t blocks = 0;
-    std::size_t bytes = 0;
+    qint64 made = 0;    ///< since the start, freed ones too
+    qint64 blocks = 0;  ///< not yet freed
+    qint64 bytes = 0;   ///< in those blocks, as the allocator rounds them
 };
 
-/// Forgets what was noted and notes each block from now on, of this thread only.
-void startNoting();
-
-/// Stops, and answers what was asked for since startNoting() and not yet freed.
-Live stopNoting();
+Count count();
 
 }  // namespace Allocations

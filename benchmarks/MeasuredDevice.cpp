@@ -1,11 +1,7 @@
 #include "MeasuredDevice.h"
 
-#include "ILogicalDevicePlugin.h"
-
 #include <QtCore/QLoggingCategory>
-
-#include <cstdio>
-#include <cstdlib>
+#include <QtCore/QPluginLoader>
 
 namespace {
 
@@ -13,56 +9,56 @@ constexpr DeviceId deviceId = 1;
 
 void throwAway(QtMsgType /*type*/, const QMessageLogContext & /*context*/, const QString & /*text*/) {}
 
-ILogicalDevicePlugin *factoryOf(Variant variant)
+ILogicalDevicePlugin &loadedFactory()
 {
-    LoadedLibrary &library = variant == Variant::Unlogged ? libraries().unlogged : libraries().product;
-    return library.root<ILogicalDevicePlugin>();
+    QPluginLoader loader(QStringLiteral(PRODUCT_FILE));
+    auto *found = qobject_cast<ILogicalDevicePlugin *>(loader.instance());
+    if (!found)
+        qFatal("%s does not load: %s", PRODUCT_FILE, qUtf8Printable(loader.errorString()));
+    return *found;
 }
 
 }  // namespace
 
-LogState::LogState(Variant variant, IHostServices &services)
+ILogicalDevicePlugin &factory()
 {
-    const bool isOn = variant == Variant::Logging || variant == Variant::Filtered;
-    factoryOf(variant)->initialize(&services, isOn, isOn, isOn);
-    if (variant == Variant::Filtered)
+    static ILogicalDevicePlugin &loaded = loadedFactory();
+    return loaded;
+}
+
+LogState::LogState(Log log, IHostServices &services)
+{
+    const bool isOn = log != Log::Off;
+    factory().initialize(&services, isOn, isOn, isOn);
+    if (log == Log::Filtered)
         QLoggingCategory::setFilterRules(QStringLiteral("com.orvane.*=false"));
     m_previousHandler = qInstallMessageHandler(throwAway);
 }
 
 LogState::~LogState()
 {
-    libraries().product.root<ILogicalDevicePlugin>()->initialize(nullptr, false, false, false);
+    factory().initialize(nullptr, false, false, false);
     QLoggingCategory::setFilterRules({});
     qInstallMessageHandler(m_previousHandler);
 }
 
-MeasuredDevice::MeasuredDevice(Variant variant)
-    : m_logState(variant, m_services),
-      m_factory(factoryOf(variant)),
-      m_device(dynamic_cast<Interface *>(m_factory->createLogicalDevice(&m_receiver, deviceId))),
+MeasuredDevice::MeasuredDevice(Log log)
+    : m_logState(log, m_services),
+      m_device(dynamic_cast<ILogicalDeviceGen3Mouse *>(factory().createLogicalDevice(&m_receiver, deviceId))),
       m_object(dynamic_cast<QObject *>(m_device))
 {
-    if (!m_object || !m_device->start()) {
-        std::fputs("measure: the library makes no mouse that starts; its tests say more: ./dev test\n",
-                   stderr);
-        std::exit(2);
-    }
+    m_device->start();
     Q_EMIT m_receiver.dpiMinChanged(100);
     Q_EMIT m_receiver.dpiMaxChanged(8000);
 }
 
 MeasuredDevice::~MeasuredDevice()
 {
-    m_factory->destroyDevice(m_device);
+    factory().destroyDevice(m_device);
 }
 
-MeasuredFloor::MeasuredFloor(Variant /*variant*/)
-    : m_device(libraries().floors.root<IFloorFactory>()->createFloorDevice(&m_receiver, &m_services)),
-      m_object(dynamic_cast<QObject *>(m_device.get()))
-{}
-
-MeasuredFloor::~MeasuredFloor() = default;
+// On the heap, or the compiler would know the class behind the virtual calls.
+MeasuredFloor::MeasuredFloor() : m_device(std::make_unique<FloorDevice>(&m_receiver, &m_services)) {}
 
 void Listeners::connect(QObject &sender, const char *signal, const char *slot, int count)
 {

@@ -1,32 +1,28 @@
 #pragma once
 
+#include "FloorDevice.h"
 #include "ILogicalDeviceGen3Mouse.h"
-#include "Libraries.h"
+#include "ILogicalDevicePlugin.h"
 #include "QuietHost.h"
 
 #include <memory>
 #include <vector>
 
-/// Which build of the device is measured, and what it is allowed to log.
-enum class Variant {
-    Product,   ///< its log switches are off, as hosts have them
-    Unlogged,  ///< built without log lines
-    Logging,   ///< the debug log is on, and a host that throws the lines away
-    Filtered,  ///< the debug log is on, and Qt's filter drops the category
-    Floor,     ///< the least code that does the same
+/// What the device is allowed to log, to a host that throws the lines away.
+enum class Log {
+    Off,       ///< as hosts have it
+    On,        ///< all switches are on
+    Filtered,  ///< all switches are on, and Qt's filter drops the category
 };
 
-/// Whether this variant is the least code, not the device.
-constexpr bool isFloor(Variant variant)
-{
-    return variant == Variant::Floor;
-}
+/// The library's factory. The library is loaded at first use; the program ends when it does not load.
+ILogicalDevicePlugin &factory();
 
-/// Sets the log switches of both builds, the message handler and the category filter, and puts all back.
+/// Sets the log switches, the message handler and the category filter, and puts all back.
 class LogState
 {
 public:
-    LogState(Variant variant, IHostServices &services);
+    LogState(Log log, IHostServices &services);
     Q_DISABLE_COPY_MOVE(LogState)
     ~LogState();
 
@@ -34,25 +30,22 @@ private:
     QtMessageHandler m_previousHandler = nullptr;
 };
 
-/// A started device on a quiet host, called through its interface; its signals have receivers on demand.
+/// A started device on a quiet host.
 class MeasuredDevice
 {
 public:
-    using Interface = ILogicalDeviceGen3Mouse;
-
-    explicit MeasuredDevice(Variant variant);
+    explicit MeasuredDevice(Log log);
     Q_DISABLE_COPY_MOVE(MeasuredDevice)
     ~MeasuredDevice();
 
-    Interface &device() { return *m_device; }
+    ILogicalDeviceGen3Mouse &device() { return *m_device; }
     QObject &object() { return *m_object; }
 
 private:
     QuietServices m_services;
     LogState m_logState;
     QuietReceiver m_receiver;
-    ILogicalDevicePlugin *m_factory = nullptr;
-    Interface *m_device = nullptr;
+    ILogicalDeviceGen3Mouse *m_device = nullptr;
     QObject *m_object = nullptr;
 };
 
@@ -60,23 +53,18 @@ private:
 class MeasuredFloor
 {
 public:
-    using Interface = IFloorDevice;
+    MeasuredFloor();
 
-    explicit MeasuredFloor(Variant variant);
-    Q_DISABLE_COPY_MOVE(MeasuredFloor)
-    ~MeasuredFloor();
-
-    Interface &device() { return *m_device; }
-    QObject &object() { return *m_object; }
+    FloorDevice &device() { return *m_device; }
+    QObject &object() { return *m_device; }
 
 private:
     QuietServices m_services;
     QuietReceiver m_receiver;
-    std::unique_ptr<IFloorDevice> m_device;
-    QObject *m_object = nullptr;
+    std::unique_ptr<FloorDevice> m_device;
 };
 
-/// The listeners of one signal, each with one connection.
+/// Listeners, each with one connection.
 class Listeners
 {
 public:

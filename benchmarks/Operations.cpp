@@ -1,6 +1,6 @@
-#include "Operations.h"
-
+#include "MeasuredDevice.h"
 #include "ReportRateInfo.h"
+#include "Subject.h"
 
 #include <QtCore/QVariantMap>
 
@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr qint64 quickBatch = 1000;
+constexpr qint64 callsTogether = 1000;
 
 // Each struct below is one operation: the signals that somebody listens to, and the call. It is a template,
 // so that device and floor are called by the same lines. The state differs from call to call, or nothing
@@ -163,15 +163,16 @@ template <typename Kind, typename Measured>
 class DeviceOperation final : public Operation
 {
 public:
-    explicit DeviceOperation(Variant variant) : m_measured(variant)
+    template <typename... Arguments>
+    explicit DeviceOperation(Arguments... arguments) : m_measured(arguments...)
     {
         Kind::listen(m_measured.object(), m_listeners);
     }
 
-    void run(qint64 times) override
+    void run(qint64 calls) override
     {
-        typename Measured::Interface &device = m_measured.device();
-        for (qint64 number = 0; number < times; ++number)
+        auto &device = m_measured.device();
+        for (qint64 number = 0; number < calls; ++number)
             m_kind.call(device, number);
     }
 
@@ -185,72 +186,52 @@ private:
 class Catalogue
 {
 public:
-    explicit Catalogue(std::vector<Subject> &subjects) : m_subjects(subjects) {}
-
     template <typename Kind>
-    void add(const QString &name, std::initializer_list<Variant> variants)
+    void add(const QString &name, Log log = Log::Off)
     {
-        for (const Variant variant : variants) {
-            m_subjects.push_back({name + QLatin1Char('/') + variantName(variant), quickBatch, [variant] {
-                                      return std::make_unique<DeviceOperation<Kind, MeasuredDevice>>(variant);
-                                  }});
-        }
+        subjects.push_back({name, callsTogether,
+                            [log] { return std::make_unique<DeviceOperation<Kind, MeasuredDevice>>(log); }});
     }
 
-    /// The product as hosts have it, without log lines, and with the log on; and the floor.
     template <typename Kind>
     void addWithFloor(const QString &name)
     {
-        add<Kind>(name, {Variant::Product, Variant::Unlogged, Variant::Logging, Variant::Filtered});
-        m_subjects.push_back(
-            {name + QLatin1Char('/') + variantName(Variant::Floor), quickBatch,
-             [] { return std::make_unique<DeviceOperation<Kind, MeasuredFloor>>(Variant::Floor); }});
+        add<Kind>(name);
+        subjects.push_back({name + QStringLiteral("/floor"), callsTogether,
+                            [] { return std::make_unique<DeviceOperation<Kind, MeasuredFloor>>(); }});
     }
 
-private:
-    std::vector<Subject> &m_subjects;
+    template <typename Kind>
+    void addWithLog(const QString &name)
+    {
+        addWithFloor<Kind>(name);
+        add<Kind>(name + QStringLiteral(", log on"), Log::On);
+        add<Kind>(name + QStringLiteral(", log filtered"), Log::Filtered);
+    }
+
+    std::vector<Subject> subjects;
 };
 
 }  // namespace
 
-QString variantName(Variant variant)
-{
-    switch (variant) {
-    case Variant::Product:
-        return QStringLiteral("product");
-    case Variant::Unlogged:
-        return QStringLiteral("unlogged");
-    case Variant::Logging:
-        return QStringLiteral("logging");
-    case Variant::Filtered:
-        return QStringLiteral("filtered");
-    case Variant::Floor:
-        return QStringLiteral("floor");
-    }
-    Q_UNREACHABLE();
-}
-
 std::vector<Subject> allSubjects()
 {
-    std::vector<Subject> subjects;
-    Catalogue catalogue(subjects);
-    catalogue.addWithFloor<MouseUnchanged>(QStringLiteral("mouse-unchanged"));
-    catalogue.addWithFloor<MouseButton>(QStringLiteral("mouse-button"));
-    catalogue.addWithFloor<Battery<1>>(QStringLiteral("battery"));
-    catalogue.addWithFloor<Battery<0>>(QStringLiteral("battery-unheard"));
-    catalogue.addWithFloor<Battery<10>>(QStringLiteral("battery-10-receivers"));
-    catalogue.addWithFloor<Battery<100>>(QStringLiteral("battery-100-receivers"));
-    catalogue.addWithFloor<DpiSlots>(QStringLiteral("dpi-slots"));
-    catalogue.addWithFloor<ReportRate>(QStringLiteral("report-rate"));
-    const auto bothBuilds = {Variant::Product, Variant::Unlogged};
-    catalogue.add<ActiveSlot>(QStringLiteral("active-slot"), bothBuilds);
-    catalogue.add<DpiButton>(QStringLiteral("dpi-button"), bothBuilds);
-    catalogue.add<DpiReport>(QStringLiteral("dpi-report"), bothBuilds);
-    catalogue.add<RateReport>(QStringLiteral("rate-report"), bothBuilds);
-    catalogue.add<DisabledButtons>(QStringLiteral("disabled-buttons"), bothBuilds);
-    catalogue.add<Settings>(QStringLiteral("settings"), bothBuilds);
-    addForeignThread(subjects);
-    addLoading(subjects);
-    addRegistry(subjects);
-    return subjects;
+    Catalogue catalogue;
+    catalogue.addWithFloor<MouseUnchanged>(QStringLiteral("mouse report, nothing changed"));
+    catalogue.addWithLog<MouseButton>(QStringLiteral("mouse report, one button changed"));
+    catalogue.addWithFloor<Battery<0>>(QStringLiteral("battery level changed, no receiver"));
+    catalogue.addWithFloor<Battery<1>>(QStringLiteral("battery level changed, 1 receiver"));
+    catalogue.addWithFloor<Battery<100>>(QStringLiteral("battery level changed, 100 receivers"));
+    addForeignThread(catalogue.subjects);
+    catalogue.addWithLog<DpiSlots>(QStringLiteral("DPI slots requested and confirmed"));
+    catalogue.addWithLog<ReportRate>(QStringLiteral("report rate requested and confirmed"));
+    catalogue.add<ActiveSlot>(QStringLiteral("active slot requested and confirmed"));
+    catalogue.add<DpiButton>(QStringLiteral("DPI button requested and confirmed"));
+    catalogue.add<DpiReport>(QStringLiteral("DPI reported"));
+    catalogue.add<RateReport>(QStringLiteral("report rates reported"));
+    catalogue.add<DisabledButtons>(QStringLiteral("two buttons diverted"));
+    catalogue.add<Settings>(QStringLiteral("settings applied"));
+    addLoading(catalogue.subjects);
+    addRegistry(catalogue.subjects);
+    return std::move(catalogue.subjects);
 }

@@ -1,4 +1,5 @@
-#include "Operations.h"
+#include "MeasuredDevice.h"
+#include "Subject.h"
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QSemaphore>
@@ -12,23 +13,14 @@ namespace {
 // which has little to do with whose blocks they are.
 constexpr qint64 reportsInQueue = 100;
 
-void report(ILogicalDeviceGen3Mouse &device, int level)
-{
-    device.setBatteryLevel(level);
-}
-
-void report(IFloorDevice &device, int level)
-{
-    device.queueBatteryLevel(level);
-}
-
 // The device lives in the calling thread; another one reports, then this one delivers. They never run at the
 // same time, so nobody waits for a lock.
 template <typename Measured>
 class ForeignBattery final : public Operation
 {
 public:
-    explicit ForeignBattery(Variant variant) : m_measured(variant)
+    template <typename... Arguments>
+    explicit ForeignBattery(Arguments... arguments) : m_measured(arguments...)
     {
         m_listeners.connect(m_measured.object(), SIGNAL(batteryLevelChanged(int)), SLOT(onNumber(int)));
     }
@@ -40,9 +32,9 @@ public:
         m_reporter.join();
     }
 
-    void run(qint64 times) override
+    void run(qint64 calls) override
     {
-        for (qint64 left = times; left > 0; left -= reportsInQueue) {
+        for (qint64 left = calls; left > 0; left -= reportsInQueue) {
             m_wanted = std::min(left, reportsInQueue);
             m_go.release();
             m_done.acquire();
@@ -56,7 +48,7 @@ private:
     {
         for (m_go.acquire(); m_wanted > 0; m_go.acquire()) {
             for (qint64 number = 0; number < m_wanted; ++number)
-                report(m_measured.device(), static_cast<int>(50 + (number & 1)));
+                m_measured.device().setBatteryLevel(static_cast<int>(50 + (number & 1)));
             m_done.release();
         }
     }
@@ -69,18 +61,13 @@ private:
     std::thread m_reporter{[this] { work(); }};
 };
 
-template <typename Measured>
-void add(std::vector<Subject> &subjects, Variant variant)
-{
-    subjects.push_back({QStringLiteral("battery-foreign-thread/") + variantName(variant), reportsInQueue,
-                        [variant] { return std::make_unique<ForeignBattery<Measured>>(variant); }, true});
-}
-
 }  // namespace
 
 void addForeignThread(std::vector<Subject> &subjects)
 {
-    add<MeasuredDevice>(subjects, Variant::Product);
-    add<MeasuredDevice>(subjects, Variant::Unlogged);
-    add<MeasuredFloor>(subjects, Variant::Floor);
+    const QString name = QStringLiteral("battery level changed by another thread");
+    subjects.push_back(
+        {name, reportsInQueue, [] { return std::make_unique<ForeignBattery<MeasuredDevice>>(Log::Off); }});
+    subjects.push_back({name + QStringLiteral("/floor"), reportsInQueue,
+                        [] { return std::make_unique<ForeignBattery<MeasuredFloor>>(); }});
 }

@@ -2,6 +2,7 @@
 
 #include "IHostServices.h"
 #include "ReceiverBase.h"
+#include "ReportRateInfo.h"
 #include "Timeline.h"
 
 #include <QtCore/QStringList>
@@ -12,42 +13,41 @@ class QuietReceiver final : public ReceiverBase
     Q_OBJECT
 
 public:
-    QuietReceiver();
+    QuietReceiver() : ReceiverBase(m_unused) {}
 
-    quintptr forwardedCall(quintptr argument1, quintptr argument2, quintptr argument3) override;
-    uint getFirmwareVersion(DeviceId id) override;
-    bool hasBatteryLevel(DeviceId id) override;
-    int getBatteryLevel(DeviceId id) override;
-    bool setDisabledButtonsOrKeysMask(DeviceId id, quint8 mask) override;
-    int getStatusValue(DeviceId id) override;
-    int getDeviceValue(DeviceId id) override;
-    quintptr forwardedOperation(DeviceId id, quintptr argument2, quintptr argument3) override;
-    bool isSmartPointerSupported(DeviceId id) override;
-    bool setReportRate(DeviceId id, int rate) override;
-    bool getReportRateInfo(DeviceId id, ReportRateInfo *info) override;
-    int getLevelValue(DeviceId id) override;
-    bool setDpiButtonAndActiveSlot(DeviceId id, int dpiButtonId, int activeDpiSlotIndex) override;
-    bool setDpiSlotValues(DeviceId id, const quint16 values[5], int dpiButtonId,
-                          int activeDpiSlotIndex) override;
-    bool requestInitialState2(DeviceId id) override;
-    bool requestInitialState1(DeviceId id) override;
-    bool requestInitialState3(DeviceId id) override;
+    // clang-format off
+    quintptr forwardedCall(quintptr, quintptr, quintptr) override { return 0; }
+    uint getFirmwareVersion(DeviceId) override { return 0x0102; }
+    bool hasBatteryLevel(DeviceId) override { return true; }
+    int getBatteryLevel(DeviceId) override { return 80; }
+    bool setDisabledButtonsOrKeysMask(DeviceId, quint8) override { return true; }
+    int getStatusValue(DeviceId) override { return 0; }
+    int getDeviceValue(DeviceId) override { return 0; }
+    quintptr forwardedOperation(DeviceId, quintptr, quintptr) override { return 0; }
+    bool isSmartPointerSupported(DeviceId) override { return true; }
+    bool setReportRate(DeviceId, int) override { return true; }
+    bool getReportRateInfo(DeviceId, ReportRateInfo *info) override { *info = {0, 125, {125, 250, 500, 1000}}; return true; }
+    int getLevelValue(DeviceId) override { return 0; }
+    bool setDpiButtonAndActiveSlot(DeviceId, int, int) override { return true; }
+    bool setDpiSlotValues(DeviceId, const quint16[5], int, int) override { return true; }
+    bool requestInitialState2(DeviceId) override { return true; }
+    bool requestInitialState1(DeviceId) override { return true; }
+    bool requestInitialState3(DeviceId) override { return true; }
+    // clang-format on
 
 private:
     Timeline m_unused;
 };
 
-/// A host that counts what it is told.
+/// A host that takes what it is told.
 class QuietServices final : public IHostServices
 {
 public:
-    void reserved0() override;
-    void reserved1() override;
-    void reserved2() override;
-    void buttonEvent(const QString &pluginIid, int buttonNumber, bool isPressed) override;
-    void setCtrlKeyPressed(bool isPressed) override;
-
-    quint64 events = 0;
+    void reserved0() override {}
+    void reserved1() override {}
+    void reserved2() override {}
+    void buttonEvent(const QString & /*pluginIid*/, int /*buttonNumber*/, bool /*isPressed*/) override {}
+    void setCtrlKeyPressed(bool /*isPressed*/) override {}
 };
 
 /// What the signals are connected to.
@@ -55,12 +55,8 @@ class QuietListener final : public QObject
 {
     Q_OBJECT
 
-public:
-    quint64 signalCount = 0;
-
 public Q_SLOTS:
-    void onNumber(int number);
-    void onFlag(bool isSet);
-    void onTexts(const QStringList &texts);
-    void onTimeout();
+    void onNumber(int /*number*/) {}
+    void onFlag(bool /*isSet*/) {}
+    void onTexts(const QStringList & /*texts*/) {}
 };

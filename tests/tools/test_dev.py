@@ -6,7 +6,7 @@ import unittest
 
 from sandbox import REPOSITORY, SandboxTest
 
-PRESETS = "release, dev, asan, tsan, fuzz, coverage, bench, tidy, windows"
+PRESETS = "release, dev, asan, tsan, fuzz, coverage, tidy, windows"
 NO_PRESET = f"no preset is called '{{}}' (there are: {PRESETS})"
 HINT = "; to filter, name the preset first: ./dev test release '{}'"
 NATIVE = "no preset is called '{}' (there are: release, dev, asan (native))"
@@ -27,8 +27,8 @@ REFUSALS = {
     "coverage device": "coverage takes no arguments",
     "package release": "package takes no argument but --twice",
     "valgrind tst_Dpi tst_Buttons": "valgrind takes one FILTER at most",
-    "bench slow": "bench takes no argument but quick",
-    "bench quick quick": "bench takes no argument but quick",
+    "bench quick": "bench takes no argument but --write-budgets",
+    "bench --write-budgets quick": "bench takes no argument but --write-budgets",
     "fuzz 1 2": "fuzz takes one number of SECONDS at most",
     "fuzz readers 1 2": "fuzz takes one number of SECONDS at most",
     "exec": "exec needs a COMMAND",
@@ -36,14 +36,14 @@ REFUSALS = {
     "--native fuzz readers": "fuzz readers needs the toolbox, which has clang with libFuzzer",
     "--native coverage": "coverage needs the toolbox, which has gcovr and the compiler whose counts it reads",
     "--native valgrind": "valgrind needs the toolbox, which has valgrind and a Qt that it knows",
-    "--native bench": "bench needs the toolbox, which has Google Benchmark and valgrind",
+    "--native bench": "bench needs the toolbox, which has valgrind and the compiler that the budgets are for",
     "--native package": "package needs the toolbox, which has the Qt that we ship with",
     "--native lint": f"lint needs the toolbox, which has {CLANG}",
     "--native format": f"format needs the toolbox, which has {CLANG}",
 }
 for word in ("0", "-1", "1.5", "1s", "1000000", "reader", "''"):
     REFUSALS[f"fuzz {word}"] = REFUSALS[f"fuzz readers {word}"] = NO_SECONDS.format(word.strip("'"))
-for preset in ("tsan", "fuzz", "coverage", "bench", "tidy", "windows"):
+for preset in ("tsan", "fuzz", "coverage", "tidy", "windows"):
     REFUSALS[f"--native build {preset}"] = NATIVE.format(preset)
     REFUSALS[f"--native test {preset}"] = NATIVE.format(preset) + HINT.format(preset)
 
@@ -90,7 +90,7 @@ FUZZ = [
     "ctest --preset fuzz -C Fuzz -L '^fuzz$'",
     "grep -ahE '^[0-9]+/[0-9]+ Testing: |DONE ' build/fuzz/Testing/Temporary/LastTest.log",
 ]
-MEASURE = configure_and_build("bench", "--target measure")
+MEASURE = configure_and_build("release", "--target measure")
 MEMCHECK = "ctest --test-dir build/release -C MemCheck -T memcheck -L '^memcheck$'"
 GCOVR = "gcovr --object-directory build/coverage/plugin build/coverage/plugin --json build/coverage/coverage/counts.json --txt"
 GCOVR_LIMITS = (
@@ -144,7 +144,7 @@ DRY_RUNS = {
         f"{MEMCHECK} -R '^tst_D' --no-tests=error --output-on-failure -j2",
     ],
     "bench": [*MEASURE, "tools/bench"],
-    "bench quick": [*MEASURE, "tools/bench quick"],
+    "bench --write-budgets": [*MEASURE, "tools/bench --write-budgets"],
     "mutate a.cpp": [*configure_and_build("release"), "tools/mutate --build build/release a.cpp"],
     'exec echo "it\'s" ""': ["echo 'it'\\''s' ''"],
     "shell": ["env 'PS1=(kvx toolbox) \\w\\$ ' bash --norc"],

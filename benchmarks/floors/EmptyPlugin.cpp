@@ -1,3 +1,0 @@
-#include "EmptyPlugin.h"
-
-#include "moc_EmptyPlugin.cpp"  // NOLINT(bugprone-suspicious-include)
