@@ -15,8 +15,8 @@ ROWS = """
 "heap" = { blocks = 3, bytes = 40 }
 """
 PAGE = "before\n<!-- table -->\nold\n<!-- end -->\nafter\n"
-ADVICE = ("bench: make it cheaper; if the cost is justified, run ./dev bench --write-budgets and commit the new budgets "
-          "with the reason\n")
+ADVICE = ("bench: make it cheaper; if the cost is justified, run ./dev bench --write-budgets and commit the new "
+          "budgets with the reason\n")
 # The costs of callees are not a function's own.
 DUMP = "desc: Trigger: Client Request: {} 10\nsummary: 1\nfn=(1) a\n0 {}\ncalls=5 0\n0 999999\n+3 4\n* 6\n"
 
@@ -68,7 +68,8 @@ for number, dump in enumerate({[*dumps, "desc: Trigger: Program termination"]!r}
     def assert_failed(self, code, text, *words):
         process = self.bench(*words)
         self.assertEqual((process.stderr, process.returncode), (text, code))
-        self.assertEqual((self.rows.read_text(encoding="utf-8"), self.page.read_text(encoding="utf-8")), (self.text, PAGE))
+        self.assertEqual(self.rows.read_text(encoding="utf-8"), self.text)
+        self.assertEqual(self.page.read_text(encoding="utf-8"), PAGE)
         return process
 
 
@@ -82,10 +83,8 @@ class Comparing(BenchTest):
     def test_within_budget(self):
         process = self.bench()
         self.assertEqual((process.stderr, process.returncode), ("", 0))
-        lines = process.stdout.splitlines()
-        self.assertEqual(lines[1].split(), "work 110 110 88 1.25 2 2 13.0 10.5".split())
-        self.assertEqual(lines[2].split(), "heap 3 3 40 40".split())
-        self.assertEqual(len(lines), 3)
+        lines = [" ".join(line.split()) for line in process.stdout.splitlines()]
+        self.assertEqual(lines[1:], ["work 110 110 88 1.25 2 2 13.0 10.5", "heap 3 3 40 40"])
 
     def test_instructions(self):
         self.instructions["work"] = 1111
@@ -141,7 +140,8 @@ class NotMeasured(BenchTest):
         self.assertEqual(process.returncode, 1)
         program.unlink()
         process = self.run_tool()
-        self.assertEqual(process.stderr, f"bench: {program} does not run (No such file or directory); ./dev bench builds it\n")
+        sentence = f"bench: {program} does not run (No such file or directory); ./dev bench builds it\n"
+        self.assertEqual(process.stderr, sentence)
         self.assertEqual(process.returncode, 1)
 
 
@@ -170,10 +170,10 @@ class Refusals(BenchTest):
         self.assert_failed(2, "bench: 'quick' is not understood; say nothing, or --write-budgets\n", "quick")
 
     def test_rows(self):
-        for self.text in ("work = ", "[work]]"):
+        for self.text in ("work = ", "work = 5", 'work = { instructions = "5" }'):
             self.rows.write_text(self.text, encoding="utf-8")
             process = self.bench()
-            self.assertRegex(process.stderr, r"^bench: .*rows.toml cannot be read \(.*\); write it: ./dev bench --write-budgets\n$")
+            self.assertRegex(process.stderr, r"^bench: .*rows.toml cannot be read \(.*\); write it: ./dev bench .*\n$")
             self.assertEqual((process.stdout, process.returncode), ("", 2))
 
     def test_page_without_a_place_for_the_table(self):
