@@ -22,7 +22,7 @@ void LogicalDevice::mouseEventCallBack(quint8 mouseEvent)
 void LogicalDevice::updateButtons(IHostServices *hostServices, std::bitset<lastButton> isDown)
 {
     for (int button = firstButton; button <= lastButton; ++button) {
-        const std::size_t bit = static_cast<std::size_t>(button - firstButton);
+        const auto bit = static_cast<std::size_t>(button - firstButton);
         if (isDown[bit] == m_isButtonPressed[bit])
             continue;
         m_isButtonPressed[bit] = isDown[bit];
