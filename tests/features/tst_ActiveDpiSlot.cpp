@@ -105,6 +105,10 @@ private Q_SLOTS:
     void otherThreadSignalsTheDpiBeforeTheIndex();
     void otherThreadSignalsCarryTheValueAtDelivery();
     void requestSurvivesStop();
+    void reportInsideTheIndexSignal_data();
+    void reportInsideTheIndexSignal();
+    void valuesReportedInsideTheIndexSignalCount();
+    void indexIsPendingUntilTheWarningIsWritten();
 };
 
 void tst_ActiveDpiSlot::requestForTheCurrentIndexDoesNothing()
@@ -555,6 +559,63 @@ void tst_ActiveDpiSlot::requestSurvivesStop()
     QVERIFY(device.device()->isActiveDpiSlotIndexChangePending());
     device.activeDpiSlotIndexConfirmed(3);
     QCOMPARE(device.device()->activeDpiSlotIndex(), 3);
+}
+
+void tst_ActiveDpiSlot::reportInsideTheIndexSignal_data()
+{
+    QTest::addColumn<int>("index");
+    QTest::addColumn<QStringList>("dpiSignals");
+    QTest::newRow("another-slot") << 5 << QStringList{u"signal dpiValueChanged(4000)"_s};
+    QTest::newRow("the-slot-before") << 2 << QStringList{u"signal dpiValueChanged(1600)"_s};
+    QTest::newRow("no-slot") << 7 << QStringList();
+}
+
+void tst_ActiveDpiSlot::reportInsideTheIndexSignal()
+{
+    // The DPI is that of the slot reported last, signalled once.
+    QFETCH(const int, index);
+    QFETCH(const QStringList, dpiSignals);
+    PluginFixture fixture({false, false, false});
+    HostedDevice &device = fixture.started();
+    device.dpiSlotValuesChangedCallBack(slotValues);
+    fixture.take();
+    fixture.onceInside(u"signal activeDpiSlotIndexChanged(3)"_s,
+                       [&] { device.activeDpiSlotIndexChangedCallBack(index); });
+    device.activeDpiSlotIndexChangedCallBack(3);
+    COMPARE_LINES(fixture.take(), QStringList({u"call activeDpiSlotIndexChangedCallBack(3)"_s,
+                                               u"signal activeDpiSlotIndexChanged(3)"_s,
+                                               u"call activeDpiSlotIndexChangedCallBack(%1)"_s.arg(index),
+                                               u"signal activeDpiSlotIndexChanged(%1)"_s.arg(index)}) +
+                                      dpiSignals);
+}
+
+void tst_ActiveDpiSlot::valuesReportedInsideTheIndexSignalCount()
+{
+    PluginFixture fixture({false, false, false});
+    HostedDevice &device = fixture.started();
+    constexpr quint16 later[5] = {1, 2, 3, 4, 5};
+    fixture.onceInside(u"signal activeDpiSlotIndexChanged(3)"_s,
+                       [&] { device.dpiSlotValuesChangedCallBack(later); });
+    device.activeDpiSlotIndexChangedCallBack(3);
+    COMPARE_LINES(fixture.take(),
+                  {u"call activeDpiSlotIndexChangedCallBack(3)"_s, u"signal activeDpiSlotIndexChanged(3)"_s,
+                   u"call dpiSlotValuesChangedCallBack([1, 2, 3, 4, 5])"_s,
+                   u"signal dpiSlotValuesChanged([\"1\", \"2\", \"3\", \"4\", \"5\"])"_s,
+                   u"signal dpiValueChanged(3)"_s});
+}
+
+void tst_ActiveDpiSlot::indexIsPendingUntilTheWarningIsWritten()
+{
+    // From inside the warning the mouse confirms the request before, which is still waited for.
+    PluginFixture fixture({false, true, false});
+    HostedDevice &device = pendingThree(fixture);
+    const QString warning = warningLine(u"Dongle set active DPI slot index failed"_s);
+    fixture.receiver.answers.acceptsRequests = false;
+    fixture.onceInside(warning, [&] { device.activeDpiSlotIndexConfirmed(3); });
+    device.setActiveDpiSlotIndex(4);
+    COMPARE_LINES(fixture.take(), {u"call setActiveDpiSlotIndex(4)"_s, sentLine(4, false), warning,
+                                   u"call activeDpiSlotIndexConfirmed(3)"_s, pendingSignal(false),
+                                   u"signal activeDpiSlotIndexChanged(3)"_s});
 }
 
 QTEST_GUILESS_MAIN(tst_ActiveDpiSlot)

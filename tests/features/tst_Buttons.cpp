@@ -111,6 +111,8 @@ private Q_SLOTS:
     void refusalIsIgnored();
     void withoutReceiver();
     void maskIsSentOncePerCall();
+    void requestInsideTheEnterLine_data();
+    void requestInsideTheEnterLine();
 };
 
 void tst_Buttons::profileIsServedByteForByte()
@@ -333,6 +335,31 @@ void tst_Buttons::maskIsSentOncePerCall()
     device.disbaleButtonsOrKeys({3});
     device.disbaleButtonsOrKeys({3});
     COMPARE_LINES(fixture.take(), disableCall(u"3"_s, 0x04) + disableCall(u"3"_s, 0x04));
+}
+
+void tst_Buttons::requestInsideTheEnterLine_data()
+{
+    QTest::addColumn<bool>("isReset");
+    QTest::newRow("default") << true;
+    QTest::newRow("disable") << false;
+}
+
+void tst_Buttons::requestInsideTheEnterLine()
+{
+    // What a log handler disables from inside the line is replaced, not merged.
+    QFETCH(const bool, isReset);
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
+    const QString enter = isReset ? u"setButtonsOrKeysToDefault enter"_s
+                                  : u"disbaleButtonsOrKeys enter, buttonOrKeys : QList(2)"_s;
+    fixture.onceInside(debugLine(enter), [&] { device.disbaleButtonsOrKeys({1}); });
+    if (isReset)
+        device.setButtonsOrKeysToDefault();
+    else
+        device.disbaleButtonsOrKeys({2});
+    COMPARE_LINES(fixture.take().filter(u"receiver "_s),
+                  {u"receiver setDisabledButtonsOrKeysMask(1) -> true"_s,
+                   u"receiver setDisabledButtonsOrKeysMask(%1) -> true"_s.arg(isReset ? 0 : 2)});
 }
 
 QTEST_GUILESS_MAIN(tst_Buttons)

@@ -2,6 +2,7 @@
 #include "PluginFixture.h"
 #include "TimelineText.h"
 
+#include <QtCore/QMetaMethod>
 #include <QtTest/QTest>
 
 #include <functional>
@@ -67,6 +68,18 @@ QStringList ppidLines(const QStringList &inner)
            QStringList{debugLine(u"onPPIDChanged exit"_s)};
 }
 
+/// A receiver that writes down which of its signals are connected.
+class WatchingReceiver : public FakeReceiver
+{
+public:
+    using FakeReceiver::FakeReceiver;
+
+    QByteArrayList connected;
+
+protected:
+    void connectNotify(const QMetaMethod &signal) override { connected += signal.methodSignature(); }
+};
+
 }  // namespace
 
 class tst_Dpi : public QObject
@@ -101,6 +114,7 @@ private Q_SLOTS:
     void ppidTakesAnyText();
     void ppidIsSignalledOnTheCallingThread();
     void ppidByNameFromAnotherThread();
+    void minimumIsConnectedBeforeTheMaximum();
 };
 
 void tst_Dpi::reportIsStoredAndSignalled()
@@ -384,6 +398,16 @@ void tst_Dpi::ppidByNameFromAnotherThread()
     deliverQueuedCalls();
     QCOMPARE(device.gen3()->ppid(), u"B"_s);
     COMPARE_LINES(fixture.take(), {u"signal ppidChanged(\"B\")"_s});
+}
+
+void tst_Dpi::minimumIsConnectedBeforeTheMaximum()
+{
+    PluginFixture fixture({false, false, false});
+    WatchingReceiver receiver(fixture.timeline);
+    HostedDevice &device = fixture.create(&receiver, PluginFixture::mouse);
+    device.start();
+    QCOMPARE(receiver.connected, QByteArrayList({"dpiMinChanged(int)", "dpiMaxChanged(int)"}));
+    fixture.destroy(device);
 }
 
 QTEST_GUILESS_MAIN(tst_Dpi)

@@ -103,6 +103,7 @@ private Q_SLOTS:
     void otherThreadChangesAtOnceAndSignalsLater();
     void otherThreadSignalsCarryTheValueAtDelivery();
     void requestSurvivesStop();
+    void idIsPendingUntilTheWarningIsWritten();
 };
 
 void tst_DpiButton::requestForTheCurrentIdDoesNothing()
@@ -458,6 +459,21 @@ void tst_DpiButton::requestSurvivesStop()
     QVERIFY(device.device()->isDpiButtonIdChangePending());
     device.dpiButtonIdConfirmed(6);
     QCOMPARE(device.device()->dpiButtonId(), 6);
+}
+
+void tst_DpiButton::idIsPendingUntilTheWarningIsWritten()
+{
+    // From inside the warning the mouse confirms the request before, which is still waited for.
+    PluginFixture fixture({false, true, false});
+    HostedDevice &device = fixture.started();
+    device.setDpiButtonId(6);
+    fixture.take();
+    fixture.receiver.answers.acceptsRequests = false;
+    fixture.onceInside(refusedLine(), [&] { device.dpiButtonIdConfirmed(6); });
+    device.setDpiButtonId(9);
+    COMPARE_LINES(fixture.take(), {u"call setDpiButtonId(9)"_s, sentLine(9, false), refusedLine(),
+                                   u"call dpiButtonIdConfirmed(6)"_s, pendingSignal(false),
+                                   u"signal dpiButtonIdChanged(6)"_s});
 }
 
 QTEST_GUILESS_MAIN(tst_DpiButton)

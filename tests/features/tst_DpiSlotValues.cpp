@@ -33,6 +33,11 @@ QString requestCall(const QStringList &texts)
     return u"call setDpiSlotValues([\"%1\"])"_s.arg(texts.join(u"\", \""_s));
 }
 
+QString confirmationCall(const SlotValues &values)
+{
+    return u"call dpiSlotValuesConfirmed([%1])"_s.arg(joined(values));
+}
+
 QString settingLine(const SlotValues &values)
 {
     return debugLine(u"Setting dpi slot values :  QList("_s + joined(values) + u')');
@@ -157,6 +162,13 @@ private Q_SLOTS:
     void reportFromAnotherThreadWhileRequesting();
     void requestSurvivesStop();
     void switchesOff();
+    void pendingValuesAreKnownWhenTheFlagIsSignalled();
+    void requestInsideTheValuesSignalEndsWithTheConfirmation_data();
+    void requestInsideTheValuesSignalEndsWithTheConfirmation();
+    void valuesArePendingUntilTheWarningIsWritten();
+    void rangeBeyondAWord_data();
+    void rangeBeyondAWord();
+    void textsThatEndBeforeMoreDigits();
 };
 
 void tst_DpiSlotValues::requestIsPendingUntilConfirmed()
@@ -725,6 +737,120 @@ void tst_DpiSlotValues::switchesOff()
     device.setDpiSlotValues(words("800 abc 2400 3200 4000"));
     COMPARE_LINES(fixture.take(), {requestCall(words("800 abc 2400 3200 4000")),
                                    sentLine({800, 0, 2400, 3200, 4000}, false)});
+}
+
+void tst_DpiSlotValues::pendingValuesAreKnownWhenTheFlagIsSignalled()
+{
+    // The mouse confirms from inside the signal; the values of the request before would not agree.
+    PluginFixture fixture({false, false, false});
+    HostedDevice &device = pending(fixture, "200 300 400 500 600");
+    const SlotValues before{200, 300, 400, 500, 600};
+    device.dpiSlotValuesConfirmed(before.data());
+    fixture.take();
+    fixture.onceInside(pendingSignal(true), [&] { device.dpiSlotValuesConfirmed(factoryValues.data()); });
+    device.setDpiSlotValues(words(factoryTexts));
+    COMPARE_LINES(fixture.take(),
+                  {requestCall(words(factoryTexts)), sentLine(factoryValues), pendingSignal(true),
+                   confirmationCall(factoryValues), valuesSignal(factoryValues), pendingSignal(false)});
+}
+
+void tst_DpiSlotValues::requestInsideTheValuesSignalEndsWithTheConfirmation_data()
+{
+    QTest::addColumn<bool>("isAccepted");
+    QTest::newRow("accepted") << true;
+    QTest::newRow("refused") << false;
+}
+
+void tst_DpiSlotValues::requestInsideTheValuesSignalEndsWithTheConfirmation()
+{
+    // An accepted request leaves the flag set, and the confirmation clears it when the signal is over. A
+    // refused one clears the flag itself, and the confirmation finds nothing to clear.
+    QFETCH(const bool, isAccepted);
+    PluginFixture fixture({false, false, false});
+    HostedDevice &device = pending(fixture, factoryTexts);
+    const SlotValues other{200, 300, 400, 500, 600};
+    QList<bool> flags;
+    fixture.onceInside(valuesSignal(factoryValues), [&] {
+        fixture.receiver.answers.acceptsRequests = isAccepted;
+        device.setDpiSlotValues(words("200 300 400 500 600"));
+        flags += device.device()->isDpiSlotValuesChangePending();
+    });
+    device.dpiSlotValuesConfirmed(factoryValues.data());
+    COMPARE_LINES(fixture.take(), {confirmationCall(factoryValues), valuesSignal(factoryValues),
+                                   requestCall(words("200 300 400 500 600")), sentLine(other, isAccepted),
+                                   pendingSignal(false)});
+    QCOMPARE(flags, QList<bool>{isAccepted});
+    QVERIFY(!device.device()->isDpiSlotValuesChangePending());
+
+    // Nobody waits for the inner request any more.
+    device.dpiSlotValuesConfirmed(other.data());
+    COMPARE_LINES(fixture.take(), {confirmationCall(other)});
+    QCOMPARE(device.device()->dpiSlotValues(), words(factoryTexts));
+}
+
+void tst_DpiSlotValues::valuesArePendingUntilTheWarningIsWritten()
+{
+    // From inside the warning the mouse answers the request before with other values: it is sent again.
+    PluginFixture fixture({false, true, false});
+    HostedDevice &device = pending(fixture, factoryTexts);
+    const SlotValues other{1, 1, 1, 1, 1};
+    fixture.receiver.answers.acceptsRequests = false;
+    fixture.onceInside(refusedLine(), [&] {
+        fixture.receiver.answers.acceptsRequests = true;
+        device.dpiSlotValuesConfirmed(other.data());
+    });
+    device.setDpiSlotValues(words("200 300 400 500 600"));
+    COMPARE_LINES(fixture.take(),
+                  {requestCall(words("200 300 400 500 600")), sentLine({200, 300, 400, 500, 600}, false),
+                   refusedLine(), confirmationCall(other), sentLine(factoryValues), pendingSignal(false)});
+}
+
+void tst_DpiSlotValues::rangeBeyondAWord_data()
+{
+    QTest::addColumn<int>("minimum");
+    QTest::addColumn<int>("maximum");
+    QTest::addColumn<QStringList>("texts");
+    QTest::addColumn<QStringList>("rejected");
+    QTest::addColumn<QString>("sent");
+    QTest::newRow("maximum") << 100 << 70000 << words("60000 65534 70000 65635 65535") << words("65635")
+                             << u"60000, 65534, 4464, 0, 65535"_s;
+    QTest::newRow("minimum") << 65636 << 131072 << words("100 65534 65636 70000 65535")
+                             << words("100 65534 65636 70000") << u"0, 0, 0, 0, 65535"_s;
+}
+
+void tst_DpiSlotValues::rangeBeyondAWord()
+{
+    // The bounds are compared whole, unlike the values, of which the low 16 bits count.
+    QFETCH(const int, minimum);
+    QFETCH(const int, maximum);
+    QFETCH(const QStringList, texts);
+    QFETCH(const QStringList, rejected);
+    QFETCH(const QString, sent);
+    PluginFixture fixture({false, true, false});
+    HostedDevice &device = ranged(fixture, minimum, maximum);
+    device.setDpiSlotValues(texts);
+    QStringList expected{requestCall(texts)};
+    for (const QString &text : rejected)
+        expected += warningLine(u"Ignoring slot value :  \"%1\""_s.arg(text));
+    expected += {u"receiver setDpiSlotValues([%1], 15, 2) -> true"_s.arg(sent), pendingSignal(true)};
+    COMPARE_LINES(fixture.take(), expected);
+}
+
+void tst_DpiSlotValues::textsThatEndBeforeMoreDigits()
+{
+    // Texts that share one buffer have no zero behind them.
+    PluginFixture fixture({false, false, false});
+    HostedDevice &device = ranged(fixture);
+    const QString buffer = u"800160024003200400099"_s;
+    QStringList texts;
+    qsizetype start = 0;
+    for (const qsizetype length : {3, 4, 4, 4, 4}) {
+        texts += QString::fromRawData(buffer.constData() + start, length);
+        start += length;
+    }
+    device.setDpiSlotValues(texts);
+    COMPARE_LINES(fixture.take(),
+                  {requestCall(words(factoryTexts)), sentLine(factoryValues), pendingSignal(true)});
 }
 
 QTEST_GUILESS_MAIN(tst_DpiSlotValues)

@@ -1,3 +1,5 @@
+#include "HostTranslator.h"
+#include "ILogicalDevicePlugin.h"
 #include "PluginFixture.h"
 #include "TimelineText.h"
 
@@ -60,13 +62,16 @@ bool isTimeoutWritten(PluginFixture &fixture, bool wasPressed)
 void reportInside(PluginFixture &fixture, HostedDevice &device, const QString &line,
                   const QList<quint8> &events)
 {
-    fixture.timeline.setObserver([&fixture, &device, line, events](const TimelineEntry &entry) {
-        if (Timeline::line(entry, Timeline::Style::Plain) != line)
-            return;
-        fixture.timeline.setObserver({});
+    fixture.onceInside(line, [&device, events] {
         for (const quint8 event : events)
             device.device()->mouseEventCallBack(event);
     });
+}
+
+// The device whose constructor is running.
+ILogicalDeviceGen3Mouse *deviceInConstruction(PluginFixture &fixture)
+{
+    return dynamic_cast<ILogicalDeviceGen3Mouse *>(fixture.host.root()->children().constLast());
 }
 
 /// Writes down the timers that run out while it lives. Filters all events of the process.
@@ -124,6 +129,12 @@ private Q_SLOTS:
     void latestHostServicesAreUsed();
     void iidNeedsNoAllocation();
     void switchesOff();
+    void initializeInsideAReport_data();
+    void initializeInsideAReport();
+    void timerIsConnectedBeforeTheConstructorsLastLine();
+    void timerHasItsLengthAfterTheName();
+    void timerRunsUntilTheDestructorStopsIt();
+    void timerIsStoppedBeforeOthersAreRenumbered();
 };
 
 void tst_MouseEvents::heldButtonIsOnePressAndOneRelease()
@@ -470,6 +481,91 @@ void tst_MouseEvents::switchesOff()
     QMetaObject::invokeMethod(device.object(), "onSmartPointerCtrReleaseTimerTimeout");
     COMPARE_LINES(fixture.take(), {u"call mouseEventCallBack(129)"_s, ctrlLine(true), buttonLine(1, true),
                                    u"call mouseEventCallBack(0)"_s, ctrlLine(false), buttonLine(1, false)});
+}
+
+void tst_MouseEvents::initializeInsideAReport_data()
+{
+    QTest::addColumn<QString>("line");
+    QTest::newRow("inside-the-key") << ctrlLine(true);
+    QTest::newRow("inside-a-button") << buttonLine(2, true);
+}
+
+void tst_MouseEvents::initializeInsideAReport()
+{
+    // The whole report goes to the service object that was there when it began.
+    QFETCH(const QString, line);
+    Timeline otherTimeline;
+    SimulatedHostServices otherServices(otherTimeline);
+    PluginFixture fixture({false, false, false});
+    HostedDevice &device = fixture.started();
+    fixture.onceInside(line,
+                       [&] { fixture.host.factory()->initialize(&otherServices, false, false, false); });
+    device.mouseEventCallBack(0x9f);
+    COMPARE_LINES(fixture.take(),
+                  {u"call mouseEventCallBack(159)"_s, ctrlLine(true), buttonLine(1, true),
+                   buttonLine(2, true), buttonLine(3, true), buttonLine(4, true), buttonLine(5, true)});
+    COMPARE_LINES(otherTimeline.take(), {});
+
+    device.mouseEventCallBack(0x00);
+    COMPARE_LINES(fixture.take(), {u"call mouseEventCallBack(0)"_s});
+    COMPARE_LINES(otherTimeline.take(), {ctrlLine(false), buttonLine(1, false), buttonLine(2, false),
+                                         buttonLine(3, false), buttonLine(4, false), buttonLine(5, false)});
+}
+
+void tst_MouseEvents::timerIsConnectedBeforeTheConstructorsLastLine()
+{
+    // The log handler finds the device through its parent and waits there until its timer has run out.
+    PluginFixture fixture;
+    TimerWatch watch;
+    fixture.onceInside(debugLine(u"LogicalDevice exit"_s), [&] {
+        deviceInConstruction(fixture)->mouseEventCallBack(0x80);
+        QVERIFY(QTest::qWaitFor([&] { return !watch.seen.isEmpty(); }, deadline));
+    });
+    fixture.createRecorded(PluginFixture::mouse);
+    QCOMPARE(fixture.take().filter(u"host "_s), QStringList({ctrlLine(true), ctrlLine(false)}));
+}
+
+void tst_MouseEvents::timerHasItsLengthAfterTheName()
+{
+    // The name comes through the host's translator, which meets a timer without a length.
+    PluginFixture fixture({false, false, false});
+    TimerWatch watch;
+    const HostTranslator translator([&] {
+        deviceInConstruction(fixture)->mouseEventCallBack(0x80);
+        QVERIFY(QTest::qWaitFor([&] { return !watch.seen.isEmpty(); }, deadline));
+    });
+    fixture.create();
+    QCOMPARE(watch.seen.value(0), u"interval 0 ms, repeating, no parent, on the device's thread"_s);
+    watch.seen.clear();
+    QVERIFY(isReleasedByTimer(fixture));
+    QCOMPARE(watch.seen.value(0), u"interval 25 ms, repeating, no parent, on the device's thread"_s);
+}
+
+void tst_MouseEvents::timerRunsUntilTheDestructorStopsIt()
+{
+    // A log handler that runs an event loop inside the destructor's first line still gets the release.
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
+    device.mouseEventCallBack(0x80);
+    fixture.take();
+    bool isReleased = false;
+    fixture.onceInside(debugLine(u"~LogicalDevice enter"_s),
+                       [&] { isReleased = isReleasedByTimer(fixture); });
+    fixture.destroy(device);
+    QVERIFY(isReleased);
+}
+
+void tst_MouseEvents::timerIsStoppedBeforeOthersAreRenumbered()
+{
+    // A slot of another device runs an event loop while the first one goes.
+    PluginFixture fixture({false, false, false});
+    HostedDevice &going = fixture.started(1);
+    fixture.started(2);
+    going.mouseEventCallBack(0x80);
+    fixture.take();
+    fixture.onceInside(u"signal instanceNumberChanged(0)"_s, [] { QTest::qWait(300); });
+    fixture.destroy(going);
+    COMPARE_LINES(fixture.take(), {u"call destroyDevice()"_s, u"signal instanceNumberChanged(0)"_s});
 }
 
 QTEST_GUILESS_MAIN(tst_MouseEvents)

@@ -59,6 +59,31 @@ QStringList ratesOfStart(const QStringList &lines)
     return QStringList(first, last);
 }
 
+/// A receiver that may leave the record as it finds it. Keeps the bytes that it finds.
+class LazyReceiver : public FakeReceiver
+{
+public:
+    using FakeReceiver::FakeReceiver;
+
+    bool fillsRecord = false;
+    QByteArrayList found;
+
+    bool getReportRateInfo(DeviceId id, ReportRateInfo *info) override
+    {
+        found += QByteArray(reinterpret_cast<const char *>(info), sizeof *info);
+        ReportRateInfo ignored{};
+        return FakeReceiver::getReportRateInfo(id, fillsRecord ? info : &ignored);
+    }
+};
+
+// Leaves bytes on the stack, which a record there then has unless it is cleared.
+Q_NEVER_INLINE void dirtyTheStack()
+{
+    volatile char noise[4096];
+    for (volatile char &byte : noise)
+        byte = 0x55;
+}
+
 }  // namespace
 
 Q_DECLARE_METATYPE(ReportRateInfo)
@@ -104,6 +129,9 @@ private Q_SLOTS:
     void requestSurvivesStop();
     void logSwitchesChangeNothingElse_data();
     void logSwitchesChangeNothingElse();
+    void rateChangedInsideTheFlagsSignal();
+    void rateIsPendingUntilTheWarningIsWritten();
+    void everyStartHasAnEmptyRecord();
 };
 
 void tst_ReportRate::isSupportedInEveryState()
@@ -762,6 +790,72 @@ void tst_ReportRate::logSwitchesChangeNothingElse()
         expected += warningLine(u"Dongle set report rate failed"_s);
     expected += {u"signal isReportRateChangePendingChanged(false)"_s, u"signal reportRateChanged(1000)"_s};
     COMPARE_LINES(fixture.take(), expected);
+}
+
+void tst_ReportRate::rateChangedInsideTheFlagsSignal()
+{
+    // The outer request goes out as it was made, after the inner one; the signal has the rate in force.
+    PluginFixture fixture({false, false, false});
+    HostedDevice &device = fixture.started();
+    fixture.onceInside(u"signal isReportRateChangePendingChanged(true)"_s,
+                       [&] { device.setReportRate(250); });
+    device.setReportRate(1000);
+    COMPARE_LINES(fixture.take(),
+                  {u"call setReportRate(1000)"_s, u"signal isReportRateChangePendingChanged(true)"_s,
+                   u"call setReportRate(250)"_s, u"receiver setReportRate(250) -> true"_s,
+                   u"signal reportRateChanged(250)"_s, u"receiver setReportRate(1000) -> true"_s,
+                   u"signal reportRateChanged(250)"_s});
+    device.reportRateConfirmed(1000);
+    COMPARE_LINES(fixture.take(),
+                  {u"call reportRateConfirmed(1000)"_s, u"signal isReportRateChangePendingChanged(false)"_s,
+                   u"signal reportRateChanged(1000)"_s});
+}
+
+void tst_ReportRate::rateIsPendingUntilTheWarningIsWritten()
+{
+    // From inside the warning the mouse reports another rate: the request is sent again.
+    PluginFixture fixture({false, true, false});
+    HostedDevice &device = fixture.started();
+    const QString warning = warningLine(u"Dongle set report rate failed"_s);
+    fixture.receiver.answers.acceptsRequests = false;
+    fixture.onceInside(warning, [&] {
+        fixture.receiver.answers.acceptsRequests = true;
+        device.reportRateConfirmed(250);
+    });
+    device.setReportRate(1000);
+    COMPARE_LINES(fixture.take(),
+                  {u"call setReportRate(1000)"_s, u"signal isReportRateChangePendingChanged(true)"_s,
+                   u"receiver setReportRate(1000) -> false"_s, warning, u"call reportRateConfirmed(250)"_s,
+                   u"receiver setReportRate(1000) -> true"_s, u"signal reportRateChanged(1000)"_s,
+                   u"signal isReportRateChangePendingChanged(false)"_s, u"signal reportRateChanged(1000)"_s});
+}
+
+void tst_ReportRate::everyStartHasAnEmptyRecord()
+{
+    PluginFixture fixture({false, true, false});
+    LazyReceiver receiver(fixture.timeline);
+    HostedDevice &device = fixture.create(&receiver, PluginFixture::mouse);
+    const QByteArray empty(sizeof(ReportRateInfo), '\0');
+    const QString notFound = warningLine(u"current report rate not found in list :  0"_s);
+    const QString asked = u"receiver getReportRateInfo() -> true"_s;
+
+    dirtyTheStack();
+    device.device()->start();
+    COMPARE_LINES(ratesOfStart(fixture.take()),
+                  {asked, notFound, warningLine(u"report rate not initialized"_s)});
+
+    receiver.fillsRecord = true;
+    device.device()->start();
+    fixture.take();
+
+    receiver.fillsRecord = false;
+    dirtyTheStack();
+    device.device()->start();
+    COMPARE_LINES(ratesOfStart(fixture.take()),
+                  {asked, notFound, u"signal isReportRateChangePendingChanged(true)"_s,
+                   u"receiver setReportRate(0) -> true"_s, u"signal reportRateChanged(0)"_s});
+    QCOMPARE(receiver.found, QByteArrayList({empty, empty, empty}));
+    fixture.destroy(device);
 }
 
 QTEST_GUILESS_MAIN(tst_ReportRate)

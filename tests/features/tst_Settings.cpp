@@ -25,6 +25,7 @@ private Q_SLOTS:
     void sameCapabilityIsNotSignalled();
     void capabilityWithoutReceiver();
     void capabilityIsSignalledOnTheCallingThread();
+    void supportIsKnownInItsSignal();
 };
 
 void tst_Settings::applySettingsWritesTheMap()
@@ -175,6 +176,18 @@ void tst_Settings::capabilityIsSignalledOnTheCallingThread()
                                    u"signal isSmartPointerSupportedChanged(false) on thread 2"_s});
     deliverQueuedCalls();
     COMPARE_LINES(fixture.take(), {});
+}
+
+void tst_Settings::supportIsKnownInItsSignal()
+{
+    PluginFixture fixture({false, false, false});
+    HostedDevice &device = fixture.started();
+    fixture.receiver.answers.isSmartPointerSupported = false;
+    QList<bool> seen;
+    fixture.onceInside(u"signal isSmartPointerSupportedChanged(false)"_s,
+                       [&] { seen += device.device()->isSmartPointerSupported(); });
+    device.capabilityChangedCallBack(1);
+    QCOMPARE(seen, QList<bool>{false});
 }
 
 QTEST_GUILESS_MAIN(tst_Settings)

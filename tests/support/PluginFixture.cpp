@@ -68,3 +68,13 @@ QStringList PluginFixture::take(Timeline::Style style)
 {
     return timeline.take(style);
 }
+
+void PluginFixture::onceInside(const QString &line, const std::function<void()> &action)
+{
+    timeline.setObserver([this, line, action](const TimelineEntry &entry) {
+        if (Timeline::line(entry, Timeline::Style::Plain) != line)
+            return;
+        timeline.setObserver({});
+        action();
+    });
+}

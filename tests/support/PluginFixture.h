@@ -7,6 +7,7 @@
 #include "SimulatedHostServices.h"
 #include "Timeline.h"
 
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -52,6 +53,10 @@ public:
 
     /// What came on the timeline since the last call.
     QStringList take(Timeline::Style style = Timeline::Style::Plain);
+
+    /// Runs the action once, from inside the first entry that reads so: what a slot, a log handler or a host
+    /// service does. Qt keeps log lines that an action inside a log line causes from the timeline.
+    void onceInside(const QString &line, const std::function<void()> &action);
 
 private:
     std::vector<std::unique_ptr<HostedDevice>> m_devices;
