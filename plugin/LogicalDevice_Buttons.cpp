@@ -41,9 +41,10 @@ void LogicalDevice::disbaleButtonsOrKeys(QList<int> buttonOrKeys)
 
 void LogicalDevice::resetDisabledButtonsOrKeysMask()
 {
-    // No operation sets the flags.
+    // GCOVR_EXCL_BR_START: no operation sets the flags
     m_disabledButtonsOrKeysMask =
-        m_isSmartPointerEnabled && m_isSmartPointerConfigured ? smartPointerBit : quint8(0);  // GCOVR_EXCL_BR_LINE
+        m_isSmartPointerEnabled && m_isSmartPointerConfigured ? smartPointerBit : quint8(0);
+    // GCOVR_EXCL_BR_STOP
 }
 
 // Whether there was a receiver to send it to.

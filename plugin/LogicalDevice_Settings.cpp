@@ -32,7 +32,7 @@ void LogicalDevice::resetSettings()
     deviceDebug() << "resetSettings";
     m_isSmartPointerEnabled = false;
     m_isSmartPointerConfigured = false;
-    // No operation of this device sets the flags, so the bit is never set: the rest is for the mouse that has the key.
+    // No operation of this device sets the flags, so the bit is never set.
     if ((m_disabledButtonsOrKeysMask & smartPointerBit) == 0)  // GCOVR_EXCL_BR_LINE
         return;
     // GCOVR_EXCL_START

@@ -9,7 +9,8 @@
 #   make            a function that leaves it in $building/made; what it calls is in keyFunctions
 #   minutes         how long that takes, for the user
 #
-# and calls provide, which builds it unless it is there, and prints its folder.
+# and calls provide, which builds it unless it is there, and prints its folder. A script may have its own key,
+# check_installed and discard.
 # shellcheck shell=bash
 # shellcheck disable=SC2154 # the variables are the script's
 
@@ -39,6 +40,11 @@ key() {
         declare -f make fetch_sources "${keyFunctions[@]}"
         ((${#keyFiles[@]} == 0)) || cat -- "${keyFiles[@]}"
     } | sha256sum | cut -c1-16
+}
+
+# discard FOLDER: removes one that is not whole.
+discard() {
+    rm -rf -- "$1"
 }
 
 # step TEXT: what is said when one of the next commands fails.
@@ -110,7 +116,7 @@ reason() {
 
 build() {
     local why
-    trap 'rm -rf -- "$building"' EXIT
+    trap 'discard "$building"' EXIT
     if ! mkdir -- "$building" || ! : >"$log"; then
         cannot "$name cannot be built: $cache cannot be written to"
     fi
@@ -130,7 +136,7 @@ remove_stale() {
         [[ -d $stale ]] || continue
         exec {lock}>>"${stale%.building}.lock"
         if [[ $stale == "$building" ]] || flock -n "$lock"; then
-            rm -rf -- "$stale"
+            discard "$stale"
         fi
         exec {lock}>&-
     done

@@ -91,21 +91,12 @@ class BuildOnceTest(SandboxTest):
         self.assert_cannot(process, f"{step} ({why}; all output: {self.log()})")
         self.assertEqual(self.left(), [])
 
-    def start_up_to_gate(self, variable, **changes):
-        """A call that stands in the middle, and the gate that holds it there."""
+    def start_up_to_gate(self, **changes):
+        """A call that is in the middle, and the gate that holds it there."""
         gate = self.sandbox.gate()
-        process = self.start(**{variable: str(gate)}, **changes)
+        process = self.start(BUILD_GATE=str(gate), **changes)
         gate.wait_for(process)
         return process, gate
-
-    def assert_killed_call_is_made_good(self, variable):
-        process, gate = self.start_up_to_gate(variable)
-        self.sandbox.kill(process)
-        gate.close()
-        (building,) = self.left()
-        (building / "leftover").write_text("", encoding="utf-8")
-        folder = self.assert_provided(self.provide())
-        self.assertEqual((folder, self.left()), (building.with_suffix(""), [folder]))
 
 
 class QtBuild(BuildOnceTest):
@@ -222,17 +213,23 @@ class QtBuild(BuildOnceTest):
                 path.rmdir() if path.is_dir() else path.unlink(missing_ok=True)
 
     def test_killed_build_is_not_taken_for_whole(self):
-        self.assert_killed_call_is_made_good("BUILD_GATE")
+        process, gate = self.start_up_to_gate()
+        self.sandbox.kill(process)
+        gate.close()
+        (building,) = self.left()
+        (building / "leftover").write_text("", encoding="utf-8")
+        folder = self.assert_provided(self.provide())
+        self.assertEqual((folder, self.left()), (building.with_suffix(""), [folder]))
 
     def test_terminated_build_removes_what_it_made(self):
-        process, gate = self.start_up_to_gate("BUILD_GATE")
+        process, gate = self.start_up_to_gate()
         out, _ = self.sandbox.kill(process, signal.SIGTERM)
         gate.close()
         self.assertNotEqual(process.returncode, 0)
         self.assertEqual((out, self.left()), ("", []))
 
     def test_leftovers_of_another_version_are_removed_when_their_builder_is_dead(self):
-        process, gate = self.start_up_to_gate("BUILD_GATE", QT_SOURCE="6.8.1-1")
+        process, gate = self.start_up_to_gate(QT_SOURCE="6.8.1-1")
         (stale,) = self.left()
         second = self.assert_built(self.provide())
         self.assertTrue(stale.exists(), "its builder still lives")
@@ -243,7 +240,7 @@ class QtBuild(BuildOnceTest):
 
     def start_two(self, **changes):
         """The second waits until the first, which the changes are for, is through the gate and done."""
-        first, gate = self.start_up_to_gate("BUILD_GATE", **changes)
+        first, gate = self.start_up_to_gate(**changes)
         second = self.start()
         self.assertIn("waiting for another build", second.stderr.readline())
         self.assertIsNone(second.poll())

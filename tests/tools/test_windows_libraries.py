@@ -20,13 +20,6 @@ HEADERS = Path(f"/usr/include/{os.uname().machine}-linux-gnu/qt6/QtCore/qconfig.
 VERSION = re.search(r'QT_VERSION_STR "(.*)"', HEADERS.read_text(encoding="utf-8"))[1]
 RUNTIME = ["msvcp140.dll", "msvcp140_1.dll", "msvcp140_2.dll", "vcruntime140.dll", "vcruntime140_1.dll"]
 
-FAKE_PYTHON = FAKE_TOOL + f"""
-if [[ $2 == pip && -n ${{PIP_GATE:-}} ]]; then
-    read -r _ <"$PIP_GATE"
-fi
-exec {sys.executable} "$@"
-"""
-
 FAKE_APT_GET = FAKE_TOOL + r"""
 if [[ " $* " == *" source "* ]]; then
     mkdir -p llvm/{libcxx,compiler-rt/lib/builtins,clang}/src rapidcheck
@@ -37,7 +30,7 @@ fi
 """
 
 FAKES = {
-    "python3": FAKE_PYTHON,
+    "python3": f'{FAKE_TOOL}exec {sys.executable} "$@"\n',
     "apt-get": FAKE_APT_GET,
     "cmake": FAKE_TOOL + "[[ $1 != --install ]] || find llvm rapidcheck -type f >made/lib/sources\n",
     "cp": f'{FAKE_TOOL}exec {shutil.which("cp")} "$@"\n',
@@ -186,6 +179,3 @@ class WindowsLibraries(BuildOnceTest):
             with self.subTest(failing=failing):
                 self.assert_fails(self.provide(FAILING=failing, FAILING_SAYS=f"error: odd\n{why}\n"), step, why)
                 self.assertIn(failing, self.sandbox.called()[-1])
-
-    def test_killed_while_fetching(self):
-        self.assert_killed_call_is_made_good("PIP_GATE")
