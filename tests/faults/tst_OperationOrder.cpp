@@ -294,7 +294,8 @@ void tst_OperationOrder::fromTheThreadThatTheFactoryLeft()
     });
     QStringList expectedAtOnce;
     QStringList expectedThere;
-    for (const QString &line : linesOf(operation.whileRunning)) {
+    const QStringList lines = linesOf(operation.whileRunning);
+    for (const QString &line : lines) {
         const bool waits = line.startsWith(u"signal "_s) && operation.signalThread == SignalThread::Device;
         if (waits)
             expectedThere += line + u" on thread 2"_s;

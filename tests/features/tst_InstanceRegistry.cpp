@@ -62,7 +62,7 @@ void tst_InstanceRegistry::loneDeviceHasNumberZero()
     PluginFixture fixture({false, false, false});
     HostedDevice &device = fixture.create(first);
     device.start();
-    QCOMPARE(take(fixture).last(), announced(first, 0));
+    QCOMPARE(take(fixture).constLast(), announced(first, 0));
     QCOMPARE(device.device()->instanceNumber(), 0);
 }
 

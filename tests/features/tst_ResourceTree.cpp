@@ -46,13 +46,14 @@ bool pass(const char *symbol, const ResourceData &data)
 // Nodes have 22 bytes in format 3. The last 8 are a date.
 QByteArray node(const ResourceData &data, int index)
 {
-    constexpr int size = 22;
-    constexpr int dateSize = 8;
+    constexpr qsizetype size = 22;
+    constexpr qsizetype dateSize = 8;
     return QByteArray(reinterpret_cast<const char *>(data.tree) + size * index, size - dateSize).toHex(' ');
 }
 
 }  // namespace
 
+// NOLINTBEGIN(misc-use-internal-linkage)
 // The dynamic linker finds the program's functions before those of Qt, so the library calls these.
 Q_DECL_EXPORT bool qRegisterResourceData(int version, const uchar *tree, const uchar *names,
                                          const uchar *contents);
@@ -70,6 +71,7 @@ bool qUnregisterResourceData(int version, const uchar *tree, const uchar *names,
     unregistered().append({version, tree, names, contents});
     return pass("_Z23qUnregisterResourceDataiPKhS0_S0_", unregistered().constLast());
 }
+// NOLINTEND(misc-use-internal-linkage)
 
 class tst_ResourceTree : public QObject
 {
