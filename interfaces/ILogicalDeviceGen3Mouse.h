@@ -8,12 +8,12 @@ struct ReportRateInfo;
 ///
 /// A request (set...) goes to the receiver at once and stays pending until the mouse confirms it. There is
 /// no time-out. A request that the receiver refuses ends, and ends an earlier one that was still pending: a
-/// warning, and the flag is false. A further accepted request replaces the pending one, but for the report
-/// rate; the flag is true already, so it is not signalled. A confirmation of another value sends the pending
+/// warning, and the flag is false. A further accepted request replaces the pending one, except for
+/// the report rate; the flag is true already, so it is not signalled. A confirmation of another value sends the pending
 /// request again, without limit. It does nothing when it confirms the active slot or DPI button in force or
-/// the rate that reportRate() answers, which is the one requested last, when it has a slot index or button
-/// below 1, or when the pending number is negative. A requested slot value of 0 agrees with any value.
-/// With nothing pending a confirmation is taken as the mouse's own report, but for slot values. Operations
+/// the rate that reportRate() answers, which is the one requested last, when the slot index or button id
+/// is below 1, or when the pending number is negative. A requested slot value of 0 agrees with any value.
+/// With nothing pending a confirmation is taken as the mouse's own report, except for slot values. Operations
 /// that end in Confirmed or CallBack are the mouse's reports: the host's physical-device side calls them.
 /// Without a bound receiver a request sends nothing and writes a warning.
 class KVX_INTERFACE ILogicalDeviceGen3Mouse : public ILogicalDevice
@@ -35,7 +35,7 @@ public:
     virtual bool isDPIValueChangePending() const = 0;
     /// True.
     virtual bool isDPIValueSupported() const = 0;
-    /// The active DPI slot, 1 to 5 from a sane mouse; 2 until the mouse reports it.
+    /// The active DPI slot, 1 to 5; 2 until the mouse reports it.
     virtual int activeDpiSlotIndex() const = 0;
     /// The five DPI slot values as decimal numbers, in slot order; empty until the mouse reports them.
     virtual QStringList dpiSlotValues() const = 0;

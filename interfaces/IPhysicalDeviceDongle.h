@@ -115,7 +115,7 @@ public:
     virtual void reserved58() = 0;
 
     /// Asks the mouse for another DPI button or another active DPI slot. dpiButtonId: the one in force when
-    /// only the slot changes. activeDpiSlotIndex: 1 to 5 from a sane caller but unchecked, 0 when only the
+    /// only the slot changes. activeDpiSlotIndex: expected to be 1 to 5 but unchecked, 0 when only the
     /// button changes. True when the request was accepted; the outcome arrives through
     /// dpiButtonIdConfirmed() or activeDpiSlotIndexConfirmed().
     virtual bool setDpiButtonAndActiveSlot(DeviceId id, int dpiButtonId, int activeDpiSlotIndex) = 0;

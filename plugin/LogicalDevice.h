@@ -222,12 +222,13 @@ private:
     void onDpiButtonIdChanged(int buttonId);
     void setDpiButtonIdChangePending(bool isPending);
 
+    enum class CurrentRate { Keep, Take };
     struct ListedRates
     {
         bool hasCurrent = false;
         bool hasPreferred = false;
     };
-    ListedRates listReportRates(const ReportRateInfo &info, QStringList *rates, bool takeCurrentRate);
+    ListedRates readReportRates(const ReportRateInfo &info, QStringList *rates, CurrentRate currentRate);
     void initReportRate(const ReportRateInfo &info);
     void requestFallbackReportRate(const ReportRateInfo &info, bool isPreferredRateListed);
     void setReportRateChangePending(bool pending);
@@ -239,11 +240,10 @@ private:
     // The host sees a tap of Ctrl: released with the smart-pointer key or after this time, whichever is
     // first.
     static constexpr std::chrono::milliseconds smartPointerCtrReleaseDelay{25};
-    void updateSmartPointerKey(IHostServices *hostServices, bool isDown);
     void updateButtons(IHostServices *hostServices, std::bitset<lastButton> isDown);
 
-    LogicalDevicePlugin *m_ownerPlugin =
-        nullptr;  // also the parent, on its thread; never null once constructed
+    // Also the parent, if the device is created on the factory's thread.
+    LogicalDevicePlugin *m_ownerPlugin = nullptr;
     IPhysicalDevice *m_physicalDevice = nullptr;  // the host's
     DeviceId m_deviceId = 0;
     QUuid m_instanceId;

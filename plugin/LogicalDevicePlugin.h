@@ -22,7 +22,7 @@ public:
     void destroyDevice(IDevice *device) override;
     ILogicalDevice *createLogicalDevice(IPhysicalDevice *physicalDevice, DeviceId id) override;
 
-    /// What the devices deliver their mouse events to; null before initialize(). Not owned.
+    /// Receives the devices' button and Ctrl events; null before initialize(). Not owned.
     IHostServices *hostServices() const { return m_hostServices; }
 
 private:

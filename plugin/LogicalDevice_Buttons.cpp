@@ -41,7 +41,7 @@ void LogicalDevice::disbaleButtonsOrKeys(QList<int> buttonOrKeys)
 
 void LogicalDevice::resetDisabledButtonsOrKeysMask()
 {
-    // GCOVR_EXCL_BR_START: no operation sets the flags
+    // GCOVR_EXCL_BR_START: no operation sets the two flags
     m_disabledButtonsOrKeysMask =
         m_isSmartPointerEnabled && m_isSmartPointerConfigured ? smartPointerBit : quint8(0);
     // GCOVR_EXCL_BR_STOP

@@ -11,7 +11,7 @@ constexpr int dpiSlotCount = 5;
 
 // A requested 0 leaves the value of its slot to the mouse.
 constexpr quint16 anyDpi = 0;
-// Sent whatever the range, like 0, but confirmed like any other value.
+// Sent without a range check, like 0, but confirmed like any other value.
 constexpr quint16 unrangedDpi = 65535;
 
 quint16 parseSlotValue(const QString &text, int dpiMin, int dpiMax)
@@ -63,6 +63,7 @@ void LogicalDevice::setDpiSlotValues(QStringList values)
     deviceDebug() << "setDpiSlotValues exit";
 }
 
+// Five values.
 void LogicalDevice::sendDpiSlotValues(QList<quint16> values)
 {
     deviceDebug() << "Setting dpi slot values : " << values;

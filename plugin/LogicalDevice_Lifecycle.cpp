@@ -41,9 +41,8 @@ void LogicalDevice::bindDongle()
         m_batteryLevel = m_dongle->getBatteryLevel(m_deviceId);
     m_deviceValue = m_dongle->getDeviceValue(m_deviceId);
 
-    // By signature, because the receiver's class is the host's own; the texts are passed as they stand,
-    // blanks included, because a receiver sees them before Qt normalises them: kept, the host relies on it.
-    // Connected before the state is requested, so that no answer is missed.
+    // By signature, because the receiver's class is the host's own. The blanks are kept: Qt's warnings show
+    // the texts as they are given. Connected before the state is requested, so that no answer is missed.
     connect(dynamic_cast<QObject *>(m_dongle), "2dpiMinChanged( int )", this, "1onDpiMinChanged( int )");
     connect(dynamic_cast<QObject *>(m_dongle), "2dpiMaxChanged( int )", this, "1onDpiMaxChanged( int )");
 
@@ -51,7 +50,7 @@ void LogicalDevice::bindDongle()
     m_dongle->requestInitialState2(m_deviceId);
     m_dongle->requestInitialState3(m_deviceId);
     m_isSmartPointerSupported = m_dongle->isSmartPointerSupported(m_deviceId);
-    // Always so for this mouse. The host's contract is that the operation decides.
+    // Always true for this mouse; the operation decides all the same.
     if (isReportRateSupported()) {  // GCOVR_EXCL_BR_LINE
         ReportRateInfo info{};
         if (m_dongle->getReportRateInfo(m_deviceId, &info))

@@ -10,8 +10,16 @@ void LogicalDevice::mouseEventCallBack(quint8 mouseEvent)
     deviceDebug() << "mouseEventCallBack enter";
     IHostServices *hostServices = m_ownerPlugin->hostServices();
     const bool isKeyDown = (mouseEvent & smartPointerBit) != 0;
-    if (isKeyDown != m_isSmartPointerCtrPressed)
-        updateSmartPointerKey(hostServices, isKeyDown);
+    if (isKeyDown && !m_isSmartPointerCtrPressed) {
+        m_smartPointerCtrReleaseTimer.stop();
+        m_isSmartPointerCtrPressed = true;
+        hostServices->setCtrlKeyPressed(true);
+        m_smartPointerCtrReleaseTimer.start();
+    } else if (!isKeyDown && m_isSmartPointerCtrPressed) {
+        m_isSmartPointerCtrPressed = false;
+        m_smartPointerCtrReleaseTimer.stop();
+        hostServices->setCtrlKeyPressed(false);
+    }
     const std::bitset<lastButton> isDown(mouseEvent);
     if (isDown != m_isButtonPressed)
         updateButtons(hostServices, isDown);
@@ -28,15 +36,6 @@ void LogicalDevice::updateButtons(IHostServices *hostServices, std::bitset<lastB
         m_isButtonPressed[bit] = isDown[bit];
         hostServices->buttonEvent(QStringLiteral(RV418_PLUGIN_IID), button, isDown[bit]);
     }
-}
-
-void LogicalDevice::updateSmartPointerKey(IHostServices *hostServices, bool isDown)
-{
-    m_smartPointerCtrReleaseTimer.stop();
-    m_isSmartPointerCtrPressed = isDown;
-    hostServices->setCtrlKeyPressed(isDown);
-    if (isDown)
-        m_smartPointerCtrReleaseTimer.start();
 }
 
 void LogicalDevice::onSmartPointerCtrReleaseTimerTimeout()

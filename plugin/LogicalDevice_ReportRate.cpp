@@ -5,7 +5,7 @@
 
 namespace {
 
-// Requested, where it is on offer, when the rate in force is not.
+// Requested when the mouse lists it but not its current rate.
 constexpr int preferredFallbackRate = 125;  // Hz
 
 }  // namespace
@@ -77,7 +77,7 @@ void LogicalDevice::reportRateConfirmed(int rate)
 void LogicalDevice::reportRateChangedCallBack(const ReportRateInfo *info)
 {
     QStringList rates;
-    const ListedRates listed = listReportRates(*info, &rates, false);
+    const ListedRates listed = readReportRates(*info, &rates, CurrentRate::Keep);
     if (rates != m_reportRateValues) {
         m_reportRateValues = rates;
         emitOnOwnThread([this] { Q_EMIT reportRateValuesChanged(m_reportRateValues); });
@@ -91,16 +91,17 @@ void LogicalDevice::reportRateChangedCallBack(const ReportRateInfo *info)
 void LogicalDevice::initReportRate(const ReportRateInfo &info)
 {
     // Not cleared first, so a second start appends the rates again: kept, the host relies on it.
-    const ListedRates listed = listReportRates(info, &m_reportRateValues, true);
+    const ListedRates listed = readReportRates(info, &m_reportRateValues, CurrentRate::Take);
     if (listed.hasCurrent)
         return;
     deviceWarning() << "current report rate not found in list : " << info.currentRate;
     requestFallbackReportRate(info, listed.hasPreferred);
 }
 
-// Appends the rates of the record up to its first 0.
-LogicalDevice::ListedRates LogicalDevice::listReportRates(const ReportRateInfo &info, QStringList *rates,
-                                                          bool takeCurrentRate)
+// Appends the rates of the record up to its first 0, and takes over a listed current rate when that is
+// wanted.
+LogicalDevice::ListedRates LogicalDevice::readReportRates(const ReportRateInfo &info, QStringList *rates,
+                                                          CurrentRate currentRate)
 {
     ListedRates listed;
     for (const quint16 rate : info.supportedRates) {
@@ -112,7 +113,7 @@ LogicalDevice::ListedRates LogicalDevice::listReportRates(const ReportRateInfo &
         if (rate != info.currentRate)
             continue;
         listed.hasCurrent = true;
-        if (takeCurrentRate) {
+        if (currentRate == CurrentRate::Take) {
             deviceDebug() << "got current report rate : " << info.currentRate;
             m_reportRate = info.currentRate;
         }

@@ -32,7 +32,7 @@ void LogicalDevice::resetSettings()
     deviceDebug() << "resetSettings";
     m_isSmartPointerEnabled = false;
     m_isSmartPointerConfigured = false;
-    // No operation of this device sets the flags, so the bit is never set.
+    // No operation sets the two flags, so the mask never has this bit.
     if ((m_disabledButtonsOrKeysMask & smartPointerBit) == 0)  // GCOVR_EXCL_BR_LINE
         return;
     // GCOVR_EXCL_START
