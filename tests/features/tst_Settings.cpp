@@ -118,7 +118,7 @@ void tst_Settings::capabilityChangeIsSignalled()
     QVERIFY(!device.device()->isSmartPointerSupported());
     fixture.receiver.answers.isSmartPointerSupported = true;
     device.capabilityChangedCallBack(1);
-    QCOMPARE(fixture.take().last(), u"signal isSmartPointerSupportedChanged(true)"_s);
+    QCOMPARE(fixture.take().constLast(), u"signal isSmartPointerSupportedChanged(true)"_s);
     QVERIFY(device.device()->isSmartPointerSupported());
 }
 
