@@ -12,6 +12,19 @@ public:
     /// Not for reading here, only to be handed to code of Qt or the library.
     const QVariantMap &map() const;
 
+    operator const QVariantMap &() const { return map(); }
+
 private:
     QVariant m_map;
 };
+
+/// What a host passes for a value: the value, or a map that Qt has built.
+template <typename Value>
+const Value &passed(const Value &value)
+{
+    return value;
+}
+inline HostMap passed(const QVariantMap &values)
+{
+    return HostMap(values);
+}

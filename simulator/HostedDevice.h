@@ -1,18 +1,15 @@
 #pragma once
 
 #include "DeviceId.h"
-#include "ILogicalDeviceGen3.h"
-#include "ILogicalDeviceGen3Mouse.h"
+#include "Operations.h"
 #include "SignalRecorder.h"
 
 #include <QtCore/QJsonArray>
 
-#include <optional>
-
 class Timeline;
 
-/// One logical device as its host has it: the interface views, a recorder on its signals, and every operation
-/// with an effect under its own name, which is written to the timeline as a call before it is made.
+/// One logical device as its host has it: the interface views, a recorder on its signals, and every operation with an
+/// effect. A call is written to the timeline before it is made.
 /// Getters are for the views. Operations may be called from any thread, as those of the device.
 /// Does not own the device; PluginHost deletes it.
 class HostedDevice
@@ -27,35 +24,68 @@ public:
     QObject *object() const { return m_object; }
     DeviceId id() const { return m_id; }
 
-    bool start();
-    void stop();
-    quintptr forwardToPhysicalDevice(quintptr argument1, quintptr argument2, quintptr argument3);
-    quintptr query26(quintptr argument1, quintptr argument2, quintptr argument3);
-    void setFirmwareVersion(uint fwVersion);
-    void setBatteryLevel(int newBatteryLevel);
-    void applySettings(const QVariantMap &settings);
-    void resetSettings();
-    void capabilityChangedCallBack(quint8 capability);
-    void setButtonsOrKeysToDefault();
-    void disbaleButtonsOrKeys(const QList<int> &buttonOrKeys);
-    void mouseEventCallBack(quint8 mouseEvent);
-    void dpiValueChangedCallBack(int value);
-    void setActiveDpiSlotIndex(int index);
-    void activeDpiSlotIndexConfirmed(int index);
-    void activeDpiSlotIndexChangedCallBack(int index);
-    void setDpiSlotValues(const QStringList &values);
-    void dpiSlotValuesConfirmed(const quint16 values[5]);
-    void dpiSlotValuesChangedCallBack(const quint16 values[5]);
-    void setDpiButtonId(int buttonId);
-    void dpiButtonIdConfirmed(int buttonId);
-    void dpiButtonIdChangedCallBack(int buttonId);
-    void setReportRate(int rate);
-    void reportRateConfirmed(int rate);
-    void reportRateChangedCallBack(const ReportRateInfo *info);
-    void ppidChangedCallBack(const QString &ppid);
+    /// Calls an operation with arguments as the timeline has them.
+    QJsonValue call(const DeviceOperation &operation, const QJsonArray &arguments);
+    /// The same with the operation's own types.
+    template <auto function, typename... Arguments>
+    auto call(const CallableOperation<function> &operation, const Arguments &...arguments)
+    {
+        const quint64 entry = recordCall(operation, {timelineValue(arguments)...});
+        auto &view = viewOf<InterfaceOf<decltype(function)>>(*m_device);
+        if constexpr (std::is_void_v<decltype((view.*function)(passed(arguments)...))>) {
+            (view.*function)(passed(arguments)...);
+        } else {
+            const auto result = (view.*function)(passed(arguments)...);
+            recordResult(entry, timelineValue(result));
+            return result;
+        }
+    }
+
+    bool start() { return call(calls::start); }
+    void stop() { call(calls::stop); }
+    quintptr forwardToPhysicalDevice(quintptr argument1, quintptr argument2, quintptr argument3)
+    {
+        return call(calls::forwardToPhysicalDevice, argument1, argument2, argument3);
+    }
+    quintptr query26(quintptr argument1, quintptr argument2, quintptr argument3)
+    {
+        return call(calls::query26, argument1, argument2, argument3);
+    }
+    void applySettings(const QVariantMap &settings) { call(calls::applySettings, settings); }
+    void resetSettings() { call(calls::resetSettings); }
+    void setButtonsOrKeysToDefault() { call(calls::setButtonsOrKeysToDefault); }
+    void disbaleButtonsOrKeys(const QList<int> &buttons) { call(calls::disbaleButtonsOrKeys, buttons); }
+    void setActiveDpiSlotIndex(int index) { call(calls::setActiveDpiSlotIndex, index); }
+    void setDpiSlotValues(const QStringList &values) { call(calls::setDpiSlotValues, values); }
+    void setDpiButtonId(int buttonId) { call(calls::setDpiButtonId, buttonId); }
+    void setReportRate(int rate) { call(calls::setReportRate, rate); }
+    void setFirmwareVersion(uint fwVersion) { call(reports::setFirmwareVersion, fwVersion); }
+    void setBatteryLevel(int newBatteryLevel) { call(reports::setBatteryLevel, newBatteryLevel); }
+    void capabilityChangedCallBack(quint8 capability) { call(reports::capabilityChangedCallBack, capability); }
+    void mouseEventCallBack(quint8 mouseEvent) { call(reports::mouseEventCallBack, mouseEvent); }
+    void dpiValueChangedCallBack(int value) { call(reports::dpiValueChangedCallBack, value); }
+    void activeDpiSlotIndexConfirmed(int index) { call(reports::activeDpiSlotIndexConfirmed, index); }
+    void activeDpiSlotIndexChangedCallBack(int index)
+    {
+        call(reports::activeDpiSlotIndexChangedCallBack, index);
+    }
+    void dpiSlotValuesConfirmed(const quint16 values[5]) { call(reports::dpiSlotValuesConfirmed, values); }
+    void dpiSlotValuesChangedCallBack(const quint16 values[5])
+    {
+        call(reports::dpiSlotValuesChangedCallBack, values);
+    }
+    void dpiButtonIdConfirmed(int buttonId) { call(reports::dpiButtonIdConfirmed, buttonId); }
+    void dpiButtonIdChangedCallBack(int buttonId) { call(reports::dpiButtonIdChangedCallBack, buttonId); }
+    void reportRateConfirmed(int rate) { call(reports::reportRateConfirmed, rate); }
+    void reportRateChangedCallBack(const ReportRateInfo *info)
+    {
+        call(reports::reportRateChangedCallBack, info);
+    }
+    void ppidChangedCallBack(const QString &ppid) { call(reports::ppidChangedCallBack, ppid); }
 
 private:
-    quint64 recordCall(const char *operation, const QJsonArray &arguments = {});
+    quint64 recordCall(const DeviceOperation &operation, const QJsonArray &arguments);
+    void recordResult(quint64 call, const QJsonValue &result);
 
     Timeline &m_timeline;
     ILogicalDeviceGen3Mouse *m_device;

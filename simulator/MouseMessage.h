@@ -1,12 +1,13 @@
 #pragma once
 
-#include <QtCore/QJsonArray>
-#include <QtCore/QString>
+#include "DeviceOperation.h"
 
-/// A request to a mouse or a report of one, as plain data: the name of the interface operation that carries it
-/// and its arguments behind the device id, in the form that the timeline writes.
+#include <QtCore/QJsonArray>
+
+/// A request to a mouse or a report of one, as plain data.
 struct MouseMessage
 {
-    QString operation;
+    const DeviceOperation *operation = nullptr;
+    /// Behind the device id, as the timeline has them.
     QJsonArray arguments;
 };

@@ -2,14 +2,15 @@
 
 #include "IPhysicalDevice.h"
 #include "IPhysicalDeviceDongle.h"
+#include "ReportRateInfo.h"
 
 #include <QtCore/QObject>
 
 class Timeline;
 
-/// What every receiver of ours has in common: the signals for the DPI range, and an answer to the operations
-/// that a device plugin must never call, which writes the call and a verdict to the timeline.
-/// The operations that a plugin does use are left to the class that derives.
+/// A receiver with one sane mouse: it accepts every request, answers every read and reports nothing by itself. A class
+/// that derives overrides what it is about. An operation that a device plugin must never call writes the call and a
+/// verdict to the timeline; the others write nothing, take no lock and no memory.
 class ReceiverBase : public QObject, public IPhysicalDevice, public IPhysicalDeviceDongle
 {
     Q_OBJECT
@@ -19,6 +20,28 @@ public:
     explicit ReceiverBase(Timeline &timeline, QObject *parent = nullptr);
 
     Timeline &timeline() const;
+
+    quintptr forwardedCall(quintptr, quintptr, quintptr) override { return 0; }
+    uint getFirmwareVersion(DeviceId) override { return 0x0102; }
+    bool hasBatteryLevel(DeviceId) override { return true; }
+    int getBatteryLevel(DeviceId) override { return 80; }
+    bool setDisabledButtonsOrKeysMask(DeviceId, quint8) override { return true; }
+    int getStatusValue(DeviceId) override { return 0; }
+    int getDeviceValue(DeviceId) override { return 0; }
+    quintptr forwardedOperation(DeviceId, quintptr, quintptr) override { return 0; }
+    bool isSmartPointerSupported(DeviceId) override { return true; }
+    bool setReportRate(DeviceId, int) override { return true; }
+    bool getReportRateInfo(DeviceId, ReportRateInfo *info) override
+    {
+        *info = {0, 500, {125, 250, 500, 1000}};
+        return true;
+    }
+    int getLevelValue(DeviceId) override { return 0; }
+    bool setDpiButtonAndActiveSlot(DeviceId, int, int) override { return true; }
+    bool setDpiSlotValues(DeviceId, const quint16[5], int, int) override { return true; }
+    bool requestInitialState1(DeviceId) override { return true; }
+    bool requestInitialState2(DeviceId) override { return true; }
+    bool requestInitialState3(DeviceId) override { return true; }
 
 Q_SIGNALS:
     /// The lowest DPI that the mouse accepts. The plugin connects to it by this name and signature.

@@ -1,10 +1,10 @@
 #include "SimulatedMouse.h"
 
+#include "Operations.h"
+
 #include <QtCore/QJsonObject>
 
 #include <algorithm>
-
-using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -23,26 +23,26 @@ ReportRateInfo SimulatedMouse::reportRateInfo() const
     return info;
 }
 
-std::optional<QList<MouseMessage>> SimulatedMouse::take(const MouseMessage &request)
+QList<MouseMessage> SimulatedMouse::take(const MouseMessage &request)
 {
     if (isAsleep) {
         unheard.append(request);
-        return QList<MouseMessage>();
+        return {};
     }
-    const QString &operation = request.operation;
+    const DeviceOperation *operation = request.operation;
     const QJsonArray &arguments = request.arguments;
-    if (operation == u"setReportRate")
+    if (operation == &requests::setReportRate)
         return takeReportRate(arguments.at(0).toInt());
-    if (operation == u"setDpiSlotValues")
+    if (operation == &requests::setDpiSlotValues)
         return takeDpiSlotValues(arguments.at(0).toArray());
-    if (operation == u"setDpiButtonAndActiveSlot")
+    if (operation == &requests::setDpiButtonAndActiveSlot)
         return takeDpiButtonAndActiveSlot(arguments.at(0).toInt(), arguments.at(1).toInt());
-    if (operation == u"setDisabledButtonsOrKeysMask") {
+    if (operation == &requests::setDisabledButtonsOrKeysMask)
         disabledButtonsOrKeysMask = static_cast<quint8>(arguments.at(0).toInt());
-        return QList<MouseMessage>();
-    }
+    const std::array states{&requests::requestInitialState1, &requests::requestInitialState2,
+                            &requests::requestInitialState3};
     for (int part = 1; part <= 3; ++part) {
-        if (operation == u"requestInitialState"_s + QString::number(part))
+        if (operation == states.at(static_cast<std::size_t>(part - 1)))
             return initialState(part);
     }
     return {};
@@ -54,7 +54,7 @@ QList<MouseMessage> SimulatedMouse::takeReportRate(int rate)
         rate != 0 && std::find(reportRates.begin(), reportRates.end(), rate) != reportRates.end();
     if (isOffered)
         reportRate = rate;
-    return {{u"reportRateConfirmed"_s, {reportRate}}};
+    return {{&reports::reportRateConfirmed, {reportRate}}};
 }
 
 QList<MouseMessage> SimulatedMouse::takeDpiSlotValues(const QJsonArray &values)
@@ -64,7 +64,7 @@ QList<MouseMessage> SimulatedMouse::takeDpiSlotValues(const QJsonArray &values)
         if (value != 0)
             dpiSlotValues[static_cast<std::size_t>(slot)] = roundedDpi(value);
     }
-    QList<MouseMessage> reports{{u"dpiSlotValuesConfirmed"_s, slotValuesArgument(*this)}};
+    QList<MouseMessage> reports{{&reports::dpiSlotValuesConfirmed, slotValuesArgument(*this)}};
     appendDpiChange(reports);
     return reports;
 }
@@ -73,11 +73,11 @@ QList<MouseMessage> SimulatedMouse::takeDpiButtonAndActiveSlot(int buttonId, int
 {
     if (slotIndex == 0) {
         dpiButtonId = buttonId;
-        return {{u"dpiButtonIdConfirmed"_s, {dpiButtonId}}};
+        return {{&reports::dpiButtonIdConfirmed, {dpiButtonId}}};
     }
     if (slotIndex >= 1 && slotIndex <= dpiSlotCount)
         activeDpiSlotIndex = slotIndex;
-    QList<MouseMessage> reports{{u"activeDpiSlotIndexConfirmed"_s, {activeDpiSlotIndex}}};
+    QList<MouseMessage> reports{{&reports::activeDpiSlotIndexConfirmed, {activeDpiSlotIndex}}};
     appendDpiChange(reports);
     return reports;
 }
@@ -88,24 +88,24 @@ void SimulatedMouse::appendDpiChange(QList<MouseMessage> &reports)
     if (slotValue == dpiValue)
         return;
     dpiValue = slotValue;
-    reports.append({u"dpiValueChangedCallBack"_s, {dpiValue}});
+    reports.append({&reports::dpiValueChangedCallBack, {dpiValue}});
 }
 
 QList<MouseMessage> SimulatedMouse::initialState(int part) const
 {
     if (part == 1) {
-        return {{u"dpiMinChanged"_s, {dpiMin}},
-                {u"dpiMaxChanged"_s, {dpiMax}},
-                {u"dpiSlotValuesChangedCallBack"_s, slotValuesArgument(*this)}};
+        return {{&receiverSignals::dpiMinChanged, {dpiMin}},
+                {&receiverSignals::dpiMaxChanged, {dpiMax}},
+                {&reports::dpiSlotValuesChangedCallBack, slotValuesArgument(*this)}};
     }
     if (part == 2) {
-        return {{u"activeDpiSlotIndexChangedCallBack"_s, {activeDpiSlotIndex}},
-                {u"dpiButtonIdChangedCallBack"_s, {dpiButtonId}},
-                {u"dpiValueChangedCallBack"_s, {dpiValue}}};
+        return {{&reports::activeDpiSlotIndexChangedCallBack, {activeDpiSlotIndex}},
+                {&reports::dpiButtonIdChangedCallBack, {dpiButtonId}},
+                {&reports::dpiValueChangedCallBack, {dpiValue}}};
     }
     const ReportRateInfo info = reportRateInfo();
-    QList<MouseMessage> reports{{u"ppidChangedCallBack"_s, {ppid}}};
+    QList<MouseMessage> reports{{&reports::ppidChangedCallBack, {ppid}}};
     if (knowsReportRates)
-        reports.append({u"reportRateChangedCallBack"_s, {timelineValue(&info)}});
+        reports.append({&reports::reportRateChangedCallBack, {timelineValue(&info)}});
     return reports;
 }

@@ -8,7 +8,6 @@
 #include <QtCore/QString>
 
 #include <array>
-#include <optional>
 
 /// What one mouse knows of itself: plain data, sane from the start. To try something else, change a field.
 struct SimulatedMouse
@@ -44,15 +43,14 @@ struct SimulatedMouse
 
     ReportRateInfo reportRateInfo() const;
 
-    /// Does what the request says and returns the reports that answer it, in their order; no value for an
-    /// operation that is no request.
-    /// The mouse is the judge: a rate that it does not offer and a slot that it does not have leave it as it
+    /// Does what the request says and returns the reports that answer it, in their order.
+    /// The mouse decides: a rate that it does not offer and a slot that it does not have leave it as it
     /// is, and what it confirms is what is in force. A slot value of 0 leaves that slot as it is. Slot values
     /// are taken alone; the button and the active slot that travel with them change nothing.
     /// requestInitialState1 reports the DPI range and the slot values, 2 the active slot, DPI button and DPI,
     /// 3 the product id string and the report rates.
     /// Asleep it does and reports nothing, and hears the request when it wakes.
-    std::optional<QList<MouseMessage>> take(const MouseMessage &request);
+    QList<MouseMessage> take(const MouseMessage &request);
 
     // SimulatedMouse_Actions.cpp: what a hand does with the mouse, and what time does to it. Each returns the
     // reports that this makes, none while the mouse is asleep.

@@ -1,9 +1,9 @@
 #include "SimulatedMouse.h"
 
+#include "Operations.h"
+
 #include <algorithm>
 #include <utility>
-
-using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -38,7 +38,7 @@ QList<MouseMessage> SimulatedMouse::pressDpiButton()
     if (isAsleep)
         return {};
     activeDpiSlotIndex = activeDpiSlotIndex % dpiSlotCount + 1;
-    QList<MouseMessage> reports{{u"activeDpiSlotIndexChangedCallBack"_s, {activeDpiSlotIndex}}};
+    QList<MouseMessage> reports{{&reports::activeDpiSlotIndexChangedCallBack, {activeDpiSlotIndex}}};
     appendDpiChange(reports);
     return reports;
 }
@@ -66,7 +66,7 @@ QList<MouseMessage> SimulatedMouse::drainBattery(int percent)
         static_cast<int>(std::clamp(qint64{batteryLevel} - percent, qint64{0}, qint64{fullBattery}));
     if (std::exchange(batteryLevel, level) == level || isAsleep || !hasBatteryLevel)
         return {};
-    return {{u"setBatteryLevel"_s, {batteryLevel}}};
+    return {{&reports::setBatteryLevel, {batteryLevel}}};
 }
 
 QList<MouseMessage> SimulatedMouse::sleep()
@@ -93,7 +93,7 @@ QList<MouseMessage> SimulatedMouse::wake()
     }
     const QList<MouseMessage> requests = std::exchange(unheard, {});
     for (const MouseMessage &request : requests)
-        reports += take(request).value_or(QList<MouseMessage>());
+        reports += take(request);
     return reports;
 }
 
@@ -103,7 +103,7 @@ QList<MouseMessage> SimulatedMouse::buttonReport() const
     if (isAsleep)
         return {};
     const auto reported = static_cast<quint8>(heldButtons & (disabledButtonsOrKeysMask | smartPointerBit));
-    return {{u"mouseEventCallBack"_s, {reported}}};
+    return {{&reports::mouseEventCallBack, {reported}}};
 }
 
 quint16 SimulatedMouse::roundedDpi(quint16 value) const

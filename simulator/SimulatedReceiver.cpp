@@ -7,7 +7,7 @@
 #include <utility>
 
 SimulatedReceiver::SimulatedReceiver(Timeline &timeline, QObject *parent)
-    : ReceiverBase(timeline, parent), m_timer(this)
+    : RecordingReceiver(timeline, parent), m_timer(this)
 {
     m_timer.setSingleShot(true);
     m_timer.setTimerType(Qt::PreciseTimer);
@@ -59,7 +59,8 @@ void SimulatedReceiver::detach(DeviceId id)
 void SimulatedReceiver::addFault(const ReceiverFault &fault)
 {
     const QMutexLocker locker(&m_mutex);
-    m_faults.add(fault);
+    if (fault.times != 0)
+        m_faults.append(fault);
 }
 
 void SimulatedReceiver::clearFaults()
@@ -71,31 +72,7 @@ void SimulatedReceiver::clearFaults()
 QList<ReceiverFault> SimulatedReceiver::faults() const
 {
     const QMutexLocker locker(&m_mutex);
-    return m_faults.list();
-}
-
-void SimulatedReceiver::setAnswerDelay(std::chrono::milliseconds delay)
-{
-    const QMutexLocker locker(&m_mutex);
-    m_answerDelay = delay;
-}
-
-std::chrono::milliseconds SimulatedReceiver::answerDelay() const
-{
-    const QMutexLocker locker(&m_mutex);
-    return m_answerDelay;
-}
-
-void SimulatedReceiver::setResendLimit(int limit)
-{
-    const QMutexLocker locker(&m_mutex);
-    m_resendLimit = limit;
-}
-
-int SimulatedReceiver::resendLimit() const
-{
-    const QMutexLocker locker(&m_mutex);
-    return m_resendLimit;
+    return m_faults;
 }
 
 bool SimulatedReceiver::act(DeviceId id, const std::function<QList<MouseMessage>(SimulatedMouse &)> &action)

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "ReceiverBase.h"
 #include "ReceiverFault.h"
+#include "RecordingReceiver.h"
 #include "SimulatedMouse.h"
 
 #include <QtCore/QHash>
@@ -9,6 +9,7 @@
 #include <QtCore/QPointer>
 #include <QtCore/QTimer>
 
+#include <atomic>
 #include <chrono>
 #include <functional>
 
@@ -23,7 +24,7 @@ class ILogicalDeviceGen3Mouse;
 /// an attached device are dropped. The DPI range travels by signals that name no mouse: every started device hears them.
 ///
 /// The plugin may call from any thread, and so may everybody else, except where it says otherwise.
-class SimulatedReceiver : public ReceiverBase
+class SimulatedReceiver : public RecordingReceiver
 {
     Q_OBJECT
 
@@ -49,13 +50,11 @@ public:
     QList<ReceiverFault> faults() const;
 
     /// From an accepted request to its report.
-    void setAnswerDelay(std::chrono::milliseconds delay);
-    std::chrono::milliseconds answerDelay() const;
+    void setAnswerDelay(std::chrono::milliseconds delay) { m_answerDelay = delay; }
 
     /// How often a plugin may send a request again because its confirmation disagreed, before the receiver
     /// stops answering it with a verdict. The next request that is no such repetition is answered again.
-    void setResendLimit(int limit);
-    int resendLimit() const;
+    void setResendLimit(int limit) { m_resendLimit = limit; }
 
     /// Something that is done to the mouse, and the reports that it makes; they are delivered from the event loop.
     /// False when there is no mouse with this id.
@@ -72,25 +71,11 @@ public:
     /// Whether nothing is under way to a mouse or from one.
     bool isIdle() const;
 
-    /// Answers argument1.
-    quintptr forwardedCall(quintptr argument1, quintptr argument2, quintptr argument3) override;
-    uint getFirmwareVersion(DeviceId id) override;
-    bool hasBatteryLevel(DeviceId id) override;
-    int getBatteryLevel(DeviceId id) override;
-    bool setDisabledButtonsOrKeysMask(DeviceId id, quint8 mask) override;
-    int getStatusValue(DeviceId id) override;
-    int getDeviceValue(DeviceId id) override;
-    quintptr forwardedOperation(DeviceId id, quintptr argument2, quintptr argument3) override;
-    bool isSmartPointerSupported(DeviceId id) override;
-    bool setReportRate(DeviceId id, int rate) override;
-    bool getReportRateInfo(DeviceId id, ReportRateInfo *info) override;
-    int getLevelValue(DeviceId id) override;
-    bool setDpiButtonAndActiveSlot(DeviceId id, int dpiButtonId, int activeDpiSlotIndex) override;
-    bool setDpiSlotValues(DeviceId id, const quint16 values[5], int dpiButtonId,
-                          int activeDpiSlotIndex) override;
-    bool requestInitialState2(DeviceId id) override;
-    bool requestInitialState1(DeviceId id) override;
-    bool requestInitialState3(DeviceId id) override;
+protected:
+    /// A forwarded call that names no mouse is answered with its first argument.
+    QJsonValue answer(const DeviceOperation &operation, std::optional<DeviceId> id,
+                      const QJsonArray &arguments) override;
+    ReportRateInfo reportRateInfo(DeviceId id) const override { return mouse(id).reportRateInfo(); }
 
 private:
     // What a logical device is called through, as long as it lives.
@@ -122,20 +107,18 @@ private:
     struct Delivery
     {
         DeviceId id = 0;
-        QString operation;
+        const DeviceOperation *operation = nullptr;
         Qt::HANDLE thread = nullptr;
         bool isAnsweredByRequest = false;
     };
 
-    template <typename Value>
-    Value readValue(const char *operation, DeviceId id, Value SimulatedMouse::*member,
-                    const QJsonArray &arguments = {});
-    bool request(const char *operation, DeviceId id, const QJsonArray &arguments);
+    /// Sends an accepted request on to the mouse.
+    void forward(DeviceId id, MouseMessage request, const std::optional<ReceiverFault> &fault);
     /// False when this request repeats another one for the last time that is allowed.
-    bool countRepetition(DeviceId id, const QString &operation);
-    std::optional<ReceiverFault> takeFault(const QString &operation, DeviceId id);
+    bool countRepetition(DeviceId id, const DeviceOperation &operation);
+    /// The fault that affects this operation now. It goes when it was used up.
+    std::optional<ReceiverFault> takeFault(const DeviceOperation &operation, DeviceId id);
     void recordFault(const ReceiverFault &fault, DeviceId id);
-    void recordUnknownMouse(DeviceId id);
     void deliverKeptReport();
     void enqueue(Transit::Kind kind, DeviceId id, const MouseMessage &message,
                  std::chrono::milliseconds delay);
@@ -144,21 +127,21 @@ private:
     void arriveAtMouse(DeviceId id, const MouseMessage &request);
     void sendReport(DeviceId id, const MouseMessage &report);
     void deliverReport(DeviceId id, const MouseMessage &report);
-    void callDevice(ILogicalDeviceGen3Mouse &device, DeviceId id, const MouseMessage &report);
+    void callDevice(ILogicalDeviceGen3Mouse &device, const MouseMessage &report);
     ILogicalDeviceGen3Mouse *attachedDevice(DeviceId id) const;
 
     mutable QMutex m_mutex;
     // Guarded by the mutex, which is never held while a device, the timeline or a slot is called.
     QHash<DeviceId, SimulatedMouse> m_mice;
     QHash<DeviceId, Attachment> m_devices;
-    ReceiverFaults m_faults;
-    std::chrono::milliseconds m_answerDelay{5};
-    int m_resendLimit = 20;
+    QList<ReceiverFault> m_faults;
     QList<Transit> m_transits;  // in the order in which they are due
-    QHash<DeviceId, QHash<QString, int>>
-        m_repetitions;  // by mouse and report: answered by a request so often
+    // By mouse and report: answered by a request so often.
+    QHash<DeviceId, QHash<const DeviceOperation *, int>> m_repetitions;
     std::optional<Delivery> m_delivery;
     std::optional<KeptReport> m_keptReport;
 
+    std::atomic<std::chrono::milliseconds> m_answerDelay{std::chrono::milliseconds(5)};
+    std::atomic<int> m_resendLimit{20};
     QTimer m_timer;  // the receiver's thread only
 };

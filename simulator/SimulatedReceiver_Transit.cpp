@@ -1,4 +1,3 @@
-#include "MouseReport.h"
 #include "SimulatedReceiver.h"
 #include "Timeline.h"
 
@@ -20,44 +19,62 @@ constexpr std::chrono::milliseconds longestTimer = std::chrono::hours(24);
 
 }  // namespace
 
-bool SimulatedReceiver::request(const char *operation, DeviceId id, const QJsonArray &arguments)
+QJsonValue SimulatedReceiver::answer(const DeviceOperation &operation, std::optional<DeviceId> id,
+                                     const QJsonArray &arguments)
 {
-    MouseMessage message{QString::fromLatin1(operation), arguments};
-    bool isKnown = false;
-    {
-        const QMutexLocker locker(&m_mutex);
-        isKnown = m_mice.contains(id);
+    const QString name = operation.text();
+    if (!id) {
+        timeline().record(TimelineEntry::Kind::Receiver, {}, name, arguments, arguments.at(0));
+        return arguments.at(0);
     }
-    const std::optional<ReceiverFault> fault = isKnown ? takeFault(message.operation, id) : std::nullopt;
-    const bool isRefused = fault && fault->effect == Effect::Refuse;
-    const bool isAccepted = isKnown && !isRefused;
-    timeline().record(TimelineEntry::Kind::Receiver, id, message.operation, arguments, isAccepted);
+    bool isKnown = false;
+    const bool isRequest = operation.side == DeviceOperation::Side::Request;
+    QJsonValue result = true;
+    changeMouse(*id, [&](const SimulatedMouse &mouse) {
+        isKnown = true;
+        if (&operation == &reads::getReportRateInfo)
+            result = mouse.knowsReportRates;
+        else if (!isRequest)
+            result = valueRead(operation, mouse);
+    });
+    const std::optional<ReceiverFault> fault = isKnown ? takeFault(operation, *id) : std::nullopt;
+    if (!isKnown || (fault && fault->effect == Effect::Refuse))
+        result = isRequest || operation.forms.front() == ValueForm::Flag ? QJsonValue(false) : QJsonValue(0);
+    else if (fault && fault->effect == Effect::Alter && !isRequest)
+        result = fault->arguments.at(0);
+    timeline().record(TimelineEntry::Kind::Receiver, id, name, arguments, result);
     if (!isKnown)
-        recordUnknownMouse(id);
+        timeline().recordVerdict(u"the receiver knows no mouse with the id "_s + QString::number(*id), id);
     if (fault)
-        recordFault(*fault, id);
+        recordFault(*fault, *id);
+    if (isRequest) {
+        const bool isAnswered = countRepetition(*id, operation);
+        deliverKeptReport();
+        if (isAnswered && result.toBool())
+            forward(*id, {&operation, arguments}, fault);
+    }
+    return result;
+}
 
-    const bool isAnswered = countRepetition(id, message.operation);
-    deliverKeptReport();
-    if (!isAccepted || !isAnswered || (fault && fault->effect == Effect::Drop))
-        return isAccepted;
-    std::chrono::milliseconds delay = answerDelay();
+void SimulatedReceiver::forward(DeviceId id, MouseMessage request, const std::optional<ReceiverFault> &fault)
+{
+    std::chrono::milliseconds delay = m_answerDelay;
     int copies = 1;
+    if (fault && fault->effect == Effect::Drop)
+        copies = 0;
     if (fault && fault->effect == Effect::Delay)
         delay += fault->delay;
     if (fault && fault->effect == Effect::Repeat)
         copies += fault->repeats;
     if (fault && fault->effect == Effect::Alter)
-        message.arguments = fault->arguments;
+        request.arguments = fault->arguments;
     for (int copy = 0; copy < copies; ++copy)
-        enqueue(Transit::Kind::Request, id, message, delay);
-    return isAccepted;
+        enqueue(Transit::Kind::Request, id, request, delay);
 }
 
-bool SimulatedReceiver::countRepetition(DeviceId id, const QString &operation)
+bool SimulatedReceiver::countRepetition(DeviceId id, const DeviceOperation &operation)
 {
     int repetitions = 0;
-    int limit = 0;
     {
         const QMutexLocker locker(&m_mutex);
         const bool isRepetition =
@@ -68,12 +85,11 @@ bool SimulatedReceiver::countRepetition(DeviceId id, const QString &operation)
         }
         m_delivery->isAnsweredByRequest = true;
         repetitions = ++m_repetitions[id][m_delivery->operation];
-        limit = m_resendLimit;
     }
-    if (repetitions < limit)
+    if (repetitions < m_resendLimit)
         return true;
     timeline().recordVerdict(u"%1 was sent again %2 times without an agreeing confirmation; it gets no more "
-                             "answers"_s.arg(operation)
+                             "answers"_s.arg(operation.text())
                                  .arg(repetitions),
                              id);
     return false;
@@ -90,21 +106,25 @@ void SimulatedReceiver::deliverKeptReport()
         sendReport(report->id, report->message);
 }
 
-std::optional<ReceiverFault> SimulatedReceiver::takeFault(const QString &operation, DeviceId id)
+std::optional<ReceiverFault> SimulatedReceiver::takeFault(const DeviceOperation &operation, DeviceId id)
 {
     const QMutexLocker locker(&m_mutex);
-    return m_faults.take(operation, id);
+    const auto hit = std::find_if(m_faults.begin(), m_faults.end(), [&](const ReceiverFault &fault) {
+        return fault.operation == &operation && fault.device.value_or(id) == id;
+    });
+    if (hit == m_faults.end())
+        return {};
+    std::optional<ReceiverFault> fault = *hit;
+    if (hit->times != ReceiverFault::always)
+        --hit->times;
+    if (hit->times == 0)
+        m_faults.erase(hit);
+    return fault;
 }
 
 void SimulatedReceiver::recordFault(const ReceiverFault &fault, DeviceId id)
 {
-    timeline().recordVerdict(
-        u"fault on %1: %2"_s.arg(fault.operation, ReceiverFault::effectName(fault.effect)), id);
-}
-
-void SimulatedReceiver::recordUnknownMouse(DeviceId id)
-{
-    timeline().recordVerdict(u"the receiver knows no mouse with the id "_s + QString::number(id), id);
+    timeline().recordVerdict(u"fault on %1: %2"_s.arg(fault.operation->text(), fault.effectName()), id);
 }
 
 void SimulatedReceiver::enqueue(Transit::Kind kind, DeviceId id, const MouseMessage &message,
@@ -159,11 +179,9 @@ void SimulatedReceiver::deliverDue()
 
 void SimulatedReceiver::arriveAtMouse(DeviceId id, const MouseMessage &request)
 {
-    std::optional<QList<MouseMessage>> reports;
+    QList<MouseMessage> reports;
     changeMouse(id, [&](SimulatedMouse &mouse) { reports = mouse.take(request); });
-    if (!reports)
-        return;
-    for (const MouseMessage &report : std::as_const(*reports))
+    for (const MouseMessage &report : std::as_const(reports))
         sendReport(id, report);
 }
 
@@ -171,7 +189,7 @@ void SimulatedReceiver::sendReport(DeviceId id, const MouseMessage &report)
 {
     if (!attachedDevice(id))
         return;
-    const std::optional<ReceiverFault> fault = takeFault(report.operation, id);
+    const std::optional<ReceiverFault> fault = takeFault(*report.operation, id);
     if (!fault) {
         deliverReport(id, report);
         return;
@@ -199,27 +217,27 @@ void SimulatedReceiver::deliverReport(DeviceId id, const MouseMessage &report)
     ILogicalDeviceGen3Mouse *device = attachedDevice(id);
     if (!device)
         return;
-    timeline().record(TimelineEntry::Kind::Report, id, report.operation, report.arguments);
+    timeline().record(TimelineEntry::Kind::Report, id, report.operation->text(), report.arguments);
     std::optional<Delivery> outer;
     {
         const QMutexLocker locker(&m_mutex);
         outer = std::exchange(m_delivery, Delivery{id, report.operation, QThread::currentThreadId(), false});
     }
-    callDevice(*device, id, report);
+    callDevice(*device, report);
     const QMutexLocker locker(&m_mutex);
     if (!m_delivery->isAnsweredByRequest)
         m_repetitions[id].remove(report.operation);
     m_delivery = outer;
 }
 
-void SimulatedReceiver::callDevice(ILogicalDeviceGen3Mouse &device, DeviceId id, const MouseMessage &report)
+void SimulatedReceiver::callDevice(ILogicalDeviceGen3Mouse &device, const MouseMessage &report)
 {
-    if (report.operation == u"dpiMinChanged")
+    if (report.operation == &receiverSignals::dpiMinChanged)
         Q_EMIT dpiMinChanged(report.arguments.at(0).toInt());
-    else if (report.operation == u"dpiMaxChanged")
+    else if (report.operation == &receiverSignals::dpiMaxChanged)
         Q_EMIT dpiMaxChanged(report.arguments.at(0).toInt());
-    else if (!deliverMouseReport(device, report))
-        timeline().recordVerdict(u"there is no report with the name "_s + report.operation, id);
+    else
+        report.operation->call(device, report.arguments);
 }
 
 ILogicalDeviceGen3Mouse *SimulatedReceiver::attachedDevice(DeviceId id) const

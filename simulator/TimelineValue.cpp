@@ -99,6 +99,16 @@ ReportRateInfo reportRateInfoOf(const QJsonValue &value)
     return info;
 }
 
+QVariantMap settingsOf(const QJsonValue &value)
+{
+    QVariantMap settings;
+    const QJsonObject object = value.toObject();
+    for (auto setting = object.begin(); setting != object.end(); ++setting)
+        settings.insert(setting.key(),
+                        setting->isDouble() ? QVariant(setting->toInt()) : setting->toVariant());
+    return settings;
+}
+
 QString readableValue(const QJsonValue &value)
 {
     switch (value.type()) {

@@ -40,8 +40,9 @@ QJsonValue timelineValue(const quint16 *values);
 /// info may be null.
 QJsonValue timelineValue(const ReportRateInfo *info);
 
-/// The record back from what the timeline keeps of it; what is missing is 0.
+/// Back from what the timeline keeps; what is missing is 0.
 ReportRateInfo reportRateInfoOf(const QJsonValue &value);
+QVariantMap settingsOf(const QJsonValue &value);
 
 /// The value as it stands on a readable line: strings in quotes, arrays in brackets.
 QString readableValue(const QJsonValue &value);

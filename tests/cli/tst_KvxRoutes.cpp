@@ -106,6 +106,8 @@ void tst_KvxRoutes::devicesNeedNoReceiver()
                              u"remove"_s, u"use 1"_s, u"remove"_s});
     QCOMPARE(run.errors, QStringList());
     QCOMPARE(run.exitCode, 0);
+    QCOMPARE(play({u"device 1 none"_s, u"forwardToPhysicalDevice 1 2 3"_s}).errors,
+             QStringList{errorAt(2, u"device 1 has no physical device; see mouse and use"_s)});
     for (const QString &line :
          {u"set dpiMin 5"_s, u"press 1"_s, u"release 1"_s, u"drain 1"_s, u"sleep"_s, u"wake"_s}) {
         const KvxRun refused = play({u"device 1 none"_s, line});
@@ -154,7 +156,8 @@ void tst_KvxRoutes::badLines_data()
     row("other-thread-mouse", u"other-thread mouse 2"_s, u"\"mouse\" is not a command that can come so"_s);
     row("other-thread-twice", u"other-thread other-thread stop"_s,
         u"\"other-thread\" is not a command that can come so"_s);
-    row("other-thread-word", u"other-thread setReportRate fast"_s, u"\"fast\" is not one rate"_s);
+    row("other-thread-word", u"other-thread setReportRate fast"_s,
+        u"\"fast\" is not what setReportRate takes: a number"_s);
     row("other-thread-event", u"other-thread report mouseEventCallBack 1"_s,
         u"mouseEventCallBack must come on the device's thread"_s);
     row("at-once", u"at-once start"_s, u"\"start\" is not a command that can come so; there are report"_s);

@@ -65,6 +65,9 @@ private Q_SLOTS:
     void unusableFiles_data();
     void unusableFiles();
     void expectationsThatHold();
+    void allLinesOfACommandAreCompared_data();
+    void allLinesOfACommandAreCompared();
+    void unloadEndsThePlugin();
     void wordsMayBeQuoted();
     void everyRequestHasACommand();
     void everyFaultHasItsEffect();
@@ -242,6 +245,10 @@ void tst_KvxRun::failedExpectations_data()
         << u"expect log"_s
         << u"the log of the last command: expected none, seen "
            "debug RV418.LogicalDevice: stop enter | debug RV418.LogicalDevice: stop exit"_s;
+    QTest::newRow("metadata")
+        << u"expect metadata {}"_s
+        << u"the metadata: expected {}, seen {\"IID\":\"com.orvane.KVX.Plugin.LogicalDevice.RV418\","
+           "\"className\":\"LogicalDevicePlugin\"}"_s;
     QTest::newRow("wait") << u"wait signal never() 10"_s
                           << u"expected signal never(), seen nothing of it in 10 ms"_s;
 }
@@ -265,16 +272,20 @@ void tst_KvxRun::badLines_data()
     row("no-command", u"frobnicate 1"_s, u"\"frobnicate\" is no command"_s);
     row("letter-case", u"Start"_s, u"\"Start\" is no command"_s);
     row("open-quote", u"set ppid \"abc"_s, u"a quote is left open"_s);
-    row("rate-no-number", u"setReportRate fast"_s, u"\"fast\" is not one rate"_s);
-    row("rate-missing", u"setReportRate"_s, u"\"\" is not one rate"_s);
-    row("rate-twice", u"setReportRate 1 2"_s, u"\"1 2\" is not one rate"_s);
-    row("rate-too-large", u"setReportRate 4294967296"_s, u"\"4294967296\" is not one rate"_s);
-    row("slot-no-number", u"setActiveDpiSlotIndex x"_s, u"\"x\" is not one slot index"_s);
-    row("button-id-no-number", u"setDpiButtonId x"_s, u"\"x\" is not one button id"_s);
-    row("button-no-number", u"disbaleButtonsOrKeys 1 two"_s, u"\"two\" is not a button number"_s);
+    row("rate-no-number", u"setReportRate fast"_s, u"\"fast\" is not what setReportRate takes: a number"_s);
+    row("rate-missing", u"setReportRate"_s, u"\"\" is not what setReportRate takes: a number"_s);
+    row("rate-twice", u"setReportRate 1 2"_s, u"\"1 2\" is not what setReportRate takes: a number"_s);
+    row("rate-too-large", u"setReportRate 4294967296"_s,
+        u"\"4294967296\" is not what setReportRate takes: a number"_s);
+    row("slot-no-number", u"setActiveDpiSlotIndex x"_s,
+        u"\"x\" is not what setActiveDpiSlotIndex takes: a number"_s);
+    row("button-id-no-number", u"setDpiButtonId x"_s, u"\"x\" is not what setDpiButtonId takes: a number"_s);
+    row("button-no-number", u"disbaleButtonsOrKeys 1 two"_s,
+        u"\"1 two\" is not what disbaleButtonsOrKeys takes: numbers"_s);
     row("outcome", u"setReportRate 1 => maybe"_s, u"\"maybe\" is not an outcome"_s);
     row("superfluous", u"start now"_s, u"\"now\" is not wanted here"_s);
-    row("setting-without-value", u"applySettings speed"_s, u"\"speed\" is not a setting"_s);
+    row("setting-without-value", u"applySettings speed"_s,
+        u"\"speed\" is not what applySettings takes: NAME=VALUE..."_s);
     row("press-nothing", u"press"_s, u"\"\" is not a button"_s);
     row("press-six", u"press 6"_s, u"\"6\" is not a button"_s);
     row("release-unknown", u"release wheel"_s, u"\"wheel\" is not a button"_s);
@@ -291,17 +302,17 @@ void tst_KvxRun::badLines_data()
     row("use-negative", u"use -1"_s, u"\"-1\" is not a mouse id"_s);
     row("report-unknown", u"report weather 1"_s, u"\"weather\" is not a report"_s);
     row("report-value", u"report dpiValueChangedCallBack"_s,
-        u"\"\" is not what dpiValueChangedCallBack reports"_s);
+        u"\"\" is not what dpiValueChangedCallBack takes: a number"_s);
     row("report-four-slots", u"report dpiSlotValuesConfirmed 1 2 3 4"_s,
-        u"\"1 2 3 4\" is not what dpiSlotValuesConfirmed reports"_s);
+        u"\"1 2 3 4\" is not what dpiSlotValuesConfirmed takes: 5 slot values"_s);
     row("report-six-rates", u"report reportRateChangedCallBack 1 2 3 4 5 6"_s,
-        u"\"1 2 3 4 5 6\" is not what reportRateChangedCallBack reports"_s);
+        u"\"1 2 3 4 5 6\" is not what reportRateChangedCallBack takes: the rate in force"_s);
     row("fault-unknown", u"fault weather drop"_s, u"\"weather\" is not an operation"_s);
     row("fault-effect", u"fault setReportRate explode"_s, u"\"explode\" is not an effect"_s);
     row("fault-delay", u"fault setReportRate delay"_s, u"\"delay\" is not an effect"_s);
     row("fault-times", u"fault setReportRate drop times 0"_s, u"\"0\" is not a number of times"_s);
     row("fault-alter", u"fault dpiSlotValuesConfirmed alter 1"_s,
-        u"\"1\" is not what dpiSlotValuesConfirmed carries"_s);
+        u"\"1\" is not what dpiSlotValuesConfirmed takes: 5 slot values"_s);
     row("answer-delay", u"answer-delay -1"_s, u"\"-1\" is not a number of milliseconds"_s);
     row("resend-limit", u"resend-limit 0"_s, u"\"0\" is not a number of repetitions"_s);
     row("deadline", u"deadline soon"_s, u"\"soon\" is not a number of milliseconds"_s);
@@ -368,6 +379,59 @@ void tst_KvxRun::expectationsThatHold()
     QCOMPARE(run.exitCode, 0);
 }
 
+void tst_KvxRun::allLinesOfACommandAreCompared_data()
+{
+    QTest::addColumn<QStringList>("lines");
+    QTest::addColumn<QString>("error");
+    const QString call = u"= call setReportRate(500)"_s;
+    const QString signal = u"= signal stopped(\"this\")"_s;
+    const QStringList stop{u"stop"_s, u"= call stop()"_s, u"= debug RV418.LogicalDevice: stop enter"_s};
+    const QString stopExit = u"= debug RV418.LogicalDevice: stop exit"_s;
+    const QString confirmed = u"report dpiSlotValuesConfirmed 1 2 3 4 5"_s;
+    QTest::newRow("all") << stop + QStringList{signal, stopExit, u"stop"_s} << QString();
+    QTest::newRow("behind-a-check") << QStringList{u"setReportRate 500"_s, u"expect dpiMin 100"_s, call}
+                                    << QString();
+    QTest::newRow("any-address") << QStringList{confirmed,
+                                                u"= report dpiSlotValuesConfirmed([1, 2, 3, 4, 5])"_s,
+                                                u"= debug RV418.LogicalDevice: dpiSlotValuesConfirmed enter, "
+                                                "values : 0x..."_s,
+                                                u"= debug RV418.LogicalDevice: dpiSlotValuesConfirmed exit"_s}
+                                 << QString();
+    QTest::newRow("another") << QStringList{u"setReportRate 500"_s, u"= call stop()"_s}
+                             << u"4: line 1 of the last command: expected call stop(), seen call "
+                                "setReportRate(500)"_s;
+    QTest::newRow("too-many")
+        << QStringList{u"setReportRate 500"_s, call, call}
+        << u"5: line 2 of the last command: expected call setReportRate(500), seen none"_s;
+    QTest::newRow("too-few")
+        << stop + QStringList{u"expect dpiMin 100"_s}
+        << u"6: line 3 of the last command: expected none, seen signal stopped(\"this\")"_s;
+    QTest::newRow("too-few-at-the-end") << stop + QStringList{signal}
+                                        << u"6: line 4 of the last command: expected none, seen debug "
+                                           "RV418.LogicalDevice: stop exit"_s;
+}
+
+void tst_KvxRun::allLinesOfACommandAreCompared()
+{
+    QFETCH(const QStringList, lines);
+    QFETCH(const QString, error);
+    const KvxRun run = play(QStringList{u"mouse 1"_s, u"start"_s} + lines);
+    QCOMPARE(run.errors, error.isEmpty() ? QStringList()
+                                         : QStringList{errorAt(error.section(u':', 0, 0).toInt(),
+                                                               error.section(u": "_s, 1))});
+    QCOMPARE(run.exitCode, error.isEmpty() ? 0 : 1);
+}
+
+void tst_KvxRun::unloadEndsThePlugin()
+{
+    const KvxRun run = play({u"mouse 1"_s, u"start"_s, u"unload"_s,
+                             u"= debug RV418.LogicalDevicePlugin: ~LogicalDevicePlugin"_s,
+                             u"= debug RV418.LogicalDevice: ~LogicalDevice enter"_s,
+                             u"= debug RV418.LogicalDevice: ~LogicalDevice exit"_s, u"mouse 2"_s});
+    QCOMPARE(run.errors, QStringList{errorAt(7, u"the plugin is unloaded; put this before \"unload\""_s)});
+    QCOMPARE(run.exitCode, 2);
+}
+
 void tst_KvxRun::wordsMayBeQuoted()
 {
     const KvxRun run = play({u"mouse 1"_s, u"set ppid \"A # \\\"B\\\" Ω\""_s, u"start"_s,
@@ -382,14 +446,17 @@ void tst_KvxRun::everyRequestHasACommand()
         play({u"mouse 1"_s, u"start"_s, u"setReportRate 125"_s, u"setDpiSlotValues 100 200 300 400 500"_s,
               u"setActiveDpiSlotIndex 1"_s, u"setDpiButtonId 3"_s, u"disbaleButtonsOrKeys 1 5"_s,
               u"setButtonsOrKeysToDefault"_s, u"applySettings speed=3 name=fast"_s, u"resetSettings"_s,
-              u"stop"_s, u"expect dpiValue 100"_s, u"expect dpiButtonId 3"_s});
+              u"setDpiValue 700"_s, u"forwardToPhysicalDevice 1 2 3"_s, u"query26 4 5 6"_s, u"stop"_s,
+              u"expect dpiValue 100"_s, u"expect dpiButtonId 3"_s});
     QCOMPARE(run.errors, QStringList());
-    for (const QString &line : {u"call setReportRate(125)"_s,
-                                u"call setDpiSlotValues([\"100\", \"200\", \"300\", \"400\", \"500\"])"_s,
-                                u"call setActiveDpiSlotIndex(1)"_s, u"call setDpiButtonId(3)"_s,
-                                u"call disbaleButtonsOrKeys([1, 5])"_s, u"call setButtonsOrKeysToDefault()"_s,
-                                u"call applySettings({\"name\": \"fast\", \"speed\": 3})"_s,
-                                u"call resetSettings()"_s, u"call stop()"_s})
+    for (const QString &line :
+         {u"call setReportRate(125)"_s,
+          u"call setDpiSlotValues([\"100\", \"200\", \"300\", \"400\", \"500\"])"_s,
+          u"call setActiveDpiSlotIndex(1)"_s, u"call setDpiButtonId(3)"_s,
+          u"call disbaleButtonsOrKeys([1, 5])"_s, u"call setButtonsOrKeysToDefault()"_s,
+          u"call applySettings({\"name\": \"fast\", \"speed\": 3})"_s, u"call resetSettings()"_s,
+          u"call setDpiValue(700)"_s, u"call forwardToPhysicalDevice(1, 2, 3) -> 1"_s,
+          u"receiver forwardedOperation(5, 6) -> 0"_s, u"call query26(4, 5, 6) -> 0"_s, u"call stop()"_s})
         QVERIFY2(run.output.contains(line), qPrintable(line));
 }
 

@@ -2,7 +2,6 @@
 
 #include "IHostServices.h"
 #include "ReceiverBase.h"
-#include "ReportRateInfo.h"
 
 #include <atomic>
 
@@ -17,27 +16,10 @@ public:
 
     int requestCount() const { return m_requests.load(std::memory_order_relaxed); }
 
-    quintptr forwardedCall(quintptr argument1, quintptr, quintptr) override { return argument1; }
-    uint getFirmwareVersion(DeviceId) override { return 1; }
-    bool hasBatteryLevel(DeviceId) override { return true; }
-    int getBatteryLevel(DeviceId) override { return 0; }
     bool setDisabledButtonsOrKeysMask(DeviceId, quint8) override { return count(); }
-    int getStatusValue(DeviceId) override { return 0; }
-    int getDeviceValue(DeviceId) override { return 0; }
-    quintptr forwardedOperation(DeviceId, quintptr argument2, quintptr) override { return argument2; }
-    bool isSmartPointerSupported(DeviceId) override { return true; }
     bool setReportRate(DeviceId, int) override { return count(); }
-    bool getReportRateInfo(DeviceId, ReportRateInfo *info) override
-    {
-        *info = {0, 500, {125, 250, 500, 1000}};
-        return true;
-    }
-    int getLevelValue(DeviceId) override { return 0; }
     bool setDpiButtonAndActiveSlot(DeviceId, int, int) override { return count(); }
     bool setDpiSlotValues(DeviceId, const quint16[5], int, int) override { return count(); }
-    bool requestInitialState1(DeviceId) override { return true; }
-    bool requestInitialState2(DeviceId) override { return true; }
-    bool requestInitialState3(DeviceId) override { return true; }
 
 private:
     bool count()

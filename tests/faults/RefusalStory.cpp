@@ -9,6 +9,20 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+const QList<const DeviceOperation *> &refusable()
+{
+    using namespace requests;
+    static const QList<const DeviceOperation *> operations{&reads::getReportRateInfo,
+                                                           &requestInitialState1,
+                                                           &requestInitialState2,
+                                                           &requestInitialState3,
+                                                           &setDisabledButtonsOrKeysMask,
+                                                           &setDpiButtonAndActiveSlot,
+                                                           &setDpiSlotValues,
+                                                           &setReportRate};
+    return operations;
+}
+
 /// Accepts all calls but one.
 class RefusingReceiver : public FakeReceiver
 {
@@ -19,58 +33,21 @@ public:
     int calls = 0;
     int refusals = 0;
 
-    bool setDisabledButtonsOrKeysMask(DeviceId id, quint8 mask) override
+protected:
+    QJsonValue answer(const DeviceOperation &operation, std::optional<DeviceId> id,
+                      const QJsonArray &arguments) override
     {
-        decide();
-        return FakeReceiver::setDisabledButtonsOrKeysMask(id, mask);
-    }
-    bool setReportRate(DeviceId id, int rate) override
-    {
-        decide();
-        return FakeReceiver::setReportRate(id, rate);
-    }
-    bool getReportRateInfo(DeviceId id, ReportRateInfo *info) override
-    {
-        decide();
-        answers.hasReportRateInfo = answers.acceptsRequests;
-        return FakeReceiver::getReportRateInfo(id, info);
-    }
-    bool setDpiButtonAndActiveSlot(DeviceId id, int dpiButtonId, int activeDpiSlotIndex) override
-    {
-        decide();
-        return FakeReceiver::setDpiButtonAndActiveSlot(id, dpiButtonId, activeDpiSlotIndex);
-    }
-    bool setDpiSlotValues(DeviceId id, const quint16 values[5], int dpiButtonId,
-                          int activeDpiSlotIndex) override
-    {
-        decide();
-        return FakeReceiver::setDpiSlotValues(id, values, dpiButtonId, activeDpiSlotIndex);
-    }
-    bool requestInitialState1(DeviceId id) override
-    {
-        decide();
-        return FakeReceiver::requestInitialState1(id);
-    }
-    bool requestInitialState2(DeviceId id) override
-    {
-        decide();
-        return FakeReceiver::requestInitialState2(id);
-    }
-    bool requestInitialState3(DeviceId id) override
-    {
-        decide();
-        return FakeReceiver::requestInitialState3(id);
+        if (refusable().contains(&operation)) {
+            ++calls;
+            const bool isAccepted = calls != m_refusedCall;
+            refusals += isAccepted ? 0 : 1;
+            answers.acceptsRequests = isAccepted;
+            answers.hasReportRateInfo = isAccepted;
+        }
+        return FakeReceiver::answer(operation, id, arguments);
     }
 
 private:
-    void decide()
-    {
-        ++calls;
-        answers.acceptsRequests = calls != m_refusedCall;
-        if (!answers.acceptsRequests)
-            ++refusals;
-    }
-
     int m_refusedCall;
 };
 

@@ -59,6 +59,8 @@ public:
             m_current = words.value(1).toULongLong();
         if (isNew || command == u"start")
             m_started[m_current] = command == u"start";
+        if (command == u"unload")
+            m_started.clear();
         if (command == u"remove") {
             m_started.erase(m_current);
             m_current = m_started.empty() ? 0 : m_started.cbegin()->first;

@@ -1,3 +1,4 @@
+#include "Operations.h"
 #include "SimulatedMouse.h"
 
 #include <QtTest/QTest>
@@ -14,14 +15,14 @@ QString text(const QList<MouseMessage> &reports)
         QStringList arguments;
         for (const auto argument : report.arguments)
             arguments.append(readableValue(argument));
-        texts.append(report.operation + u'(' + arguments.join(u", "_s) + u')');
+        texts.append(report.operation->text() + u'(' + arguments.join(u", "_s) + u')');
     }
     return texts.join(u' ');
 }
 
 MouseMessage slotRequest(const QJsonArray &values)
 {
-    return {u"setDpiSlotValues"_s, {QJsonValue(values), 6, 2}};
+    return {&requests::setDpiSlotValues, {QJsonValue(values), 6, 2}};
 }
 
 }  // namespace
@@ -152,9 +153,8 @@ void tst_SimulatedMouse::slotValuesAreRounded()
     mouse.dpiStep = step;
     // A requested 0 leaves a slot alone.
     const auto reports = mouse.take(slotRequest({849, 850, 851, 0, 4000}));
-    QVERIFY(reports);
-    QVERIFY2(text(*reports).startsWith(u"dpiSlotValuesConfirmed(%1)"_s.arg(confirmed)),
-             qPrintable(text(*reports)));
+    QVERIFY2(text(reports).startsWith(u"dpiSlotValuesConfirmed(%1)"_s.arg(confirmed)),
+             qPrintable(text(reports)));
 }
 
 void tst_SimulatedMouse::sleepingMouseReportsNothing()
@@ -174,10 +174,9 @@ void tst_SimulatedMouse::requestsOfTheNightAreHeardInTheMorning()
 {
     SimulatedMouse mouse;
     mouse.sleep();
-    const auto asleep = mouse.take({u"setReportRate"_s, {125}});
-    QVERIFY(asleep);
-    QCOMPARE(text(*asleep), QString());
-    mouse.take({u"setReportRate"_s, {1000}});
+    const auto asleep = mouse.take({&requests::setReportRate, {125}});
+    QCOMPARE(text(asleep), QString());
+    mouse.take({&requests::setReportRate, {1000}});
     QCOMPARE(mouse.reportRate, 500);
     QCOMPARE(text(mouse.wake()), u"reportRateConfirmed(125) reportRateConfirmed(1000)"_s);
     QCOMPARE(mouse.reportRate, 1000);
@@ -189,10 +188,10 @@ void tst_SimulatedMouse::forgetfulMouseTellsEverythingAnew()
     mouse.losesSettingsAsleep = true;
     mouse.dpiButtonId = 3;
     mouse.disabledButtonsOrKeysMask = 0x1f;
-    mouse.take({u"setReportRate"_s, {1000}});
+    mouse.take({&requests::setReportRate, {1000}});
     mouse.pressDpiButton();
     mouse.sleep();
-    mouse.take({u"setDpiButtonAndActiveSlot"_s, {2, 0}});
+    mouse.take({&requests::setDpiButtonAndActiveSlot, {2, 0}});
     QCOMPARE(
         text(mouse.wake()),
         u"dpiMinChanged(100) dpiMaxChanged(8000) dpiSlotValuesChangedCallBack([800, 1600, 2400, 3200, 4000]) "

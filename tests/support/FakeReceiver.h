@@ -1,9 +1,6 @@
 #pragma once
 
-#include "ReceiverBase.h"
-#include "ReportRateInfo.h"
-
-#include <QtCore/QList>
+#include "RecordingReceiver.h"
 
 #include <functional>
 
@@ -25,12 +22,12 @@ struct ReceiverAnswers
 
 /// A receiver that records every call on the timeline, answers from plain data and never reports by itself:
 /// a test plays the mouse.
-class FakeReceiver : public ReceiverBase
+class FakeReceiver : public RecordingReceiver
 {
     Q_OBJECT
 
 public:
-    explicit FakeReceiver(Timeline &timeline);
+    explicit FakeReceiver(Timeline &timeline) : RecordingReceiver(timeline) {}
 
     ReceiverAnswers answers;
 
@@ -41,27 +38,8 @@ public:
     /// How many slots are connected to one of the receiver's signals, given as "dpiMinChanged(int)".
     int connectionCount(const char *signal) const;
 
-    quintptr forwardedCall(quintptr argument1, quintptr argument2, quintptr argument3) override;
-    uint getFirmwareVersion(DeviceId id) override;
-    bool hasBatteryLevel(DeviceId id) override;
-    int getBatteryLevel(DeviceId id) override;
-    bool setDisabledButtonsOrKeysMask(DeviceId id, quint8 mask) override;
-    int getStatusValue(DeviceId id) override;
-    int getDeviceValue(DeviceId id) override;
-    quintptr forwardedOperation(DeviceId id, quintptr argument2, quintptr argument3) override;
-    bool isSmartPointerSupported(DeviceId id) override;
-    bool setReportRate(DeviceId id, int rate) override;
-    bool getReportRateInfo(DeviceId id, ReportRateInfo *info) override;
-    int getLevelValue(DeviceId id) override;
-    bool setDpiButtonAndActiveSlot(DeviceId id, int dpiButtonId, int activeDpiSlotIndex) override;
-    bool setDpiSlotValues(DeviceId id, const quint16 values[5], int dpiButtonId,
-                          int activeDpiSlotIndex) override;
-    bool requestInitialState2(DeviceId id) override;
-    bool requestInitialState1(DeviceId id) override;
-    bool requestInitialState3(DeviceId id) override;
-
-private:
-    template <typename Result>
-    Result answer(const char *operation, DeviceId id, const QJsonArray &arguments, Result result);
-    bool answerRequest(const char *operation, DeviceId id, const QJsonArray &arguments);
+protected:
+    QJsonValue answer(const DeviceOperation &operation, std::optional<DeviceId> id,
+                      const QJsonArray &arguments) override;
+    ReportRateInfo reportRateInfo(DeviceId id) const override;
 };

@@ -3,115 +3,107 @@
 #include "SimulatedMouse.h"
 #include "Words.h"
 
-#include <QtCore/QMap>
-
-#include <functional>
+#include <type_traits>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
-// Answers whether the values fit the field.
-using Setter = std::function<bool(SimulatedMouse &, const QStringList &)>;
-
-template <typename Number>
-Setter number(Number SimulatedMouse::*field)
+struct Field
 {
-    return [field](SimulatedMouse &mouse, const QStringList &values) {
-        const std::optional<int> value = numberOf(values.value(0));
-        if (!value || values.size() != 1)
-            return false;
-        mouse.*field = static_cast<Number>(*value);
-        return true;
-    };
+    const char *name;
+    // Answers whether the values fit the field.
+    bool (*set)(SimulatedMouse &mouse, const QStringList &values);
+};
+
+bool setValue(bool &value, const QStringList &values)
+{
+    value = values == QStringList{u"true"_s};
+    return value || values == QStringList{u"false"_s};
 }
 
-Setter flag(bool SimulatedMouse::*field)
+bool setValue(QString &value, const QStringList &values)
 {
-    return [field](SimulatedMouse &mouse, const QStringList &values) {
-        const bool isTrue = values == QStringList{u"true"_s};
-        if (!isTrue && values != QStringList{u"false"_s})
-            return false;
-        mouse.*field = isTrue;
-        return true;
-    };
+    value = values.value(0);
+    return values.size() == 1;
 }
 
-// Up to so many numbers; those that are not given become 0.
+template <typename Number, std::enable_if_t<std::is_integral_v<Number>, bool> = true>
+bool setValue(Number &value, const QStringList &values)
+{
+    const std::optional<int> number = onlyNumber(values);
+    value = static_cast<Number>(number.value_or(0));
+    return number.has_value();
+}
+
+// Those that are not given become 0.
 template <std::size_t count>
-Setter numbers(std::array<quint16, count> SimulatedMouse::*field)
+bool setValue(std::array<quint16, count> &value, const QStringList &values)
 {
-    return [field](SimulatedMouse &mouse, const QStringList &values) {
-        if (values.isEmpty() || values.size() > static_cast<qsizetype>(count))
-            return false;
-        std::array<quint16, count> parsed{};
-        for (qsizetype i = 0; i < values.size(); ++i) {
-            const std::optional<int> value = numberOf(values.at(i));
-            if (!value || *value < 0 || *value > 0xffff)
-                return false;
-            parsed[static_cast<std::size_t>(i)] = static_cast<quint16>(*value);
-        }
-        mouse.*field = parsed;
-        return true;
-    };
+    value = {};
+    bool isRight = !values.isEmpty() && values.size() <= static_cast<qsizetype>(count);
+    for (qsizetype i = 0; isRight && i < values.size(); ++i) {
+        const std::optional<int> number = onlyNumber({values.at(i)}, 0, 0xffff);
+        value[static_cast<std::size_t>(i)] = static_cast<quint16>(number.value_or(0));
+        isRight = number.has_value();
+    }
+    return isRight;
 }
 
-Setter word(QString SimulatedMouse::*field)
+// A value that does not fit changes nothing.
+template <auto member>
+constexpr Field field(const char *name)
 {
-    return [field](SimulatedMouse &mouse, const QStringList &values) {
-        if (values.size() != 1)
-            return false;
-        mouse.*field = values.at(0);
-        return true;
-    };
+    return {name, [](SimulatedMouse &mouse, const QStringList &values) {
+                auto value = mouse.*member;
+                const bool isRight = setValue(value, values);
+                if (isRight)
+                    mouse.*member = value;
+                return isRight;
+            }};
 }
 
-const QMap<QString, Setter> &setters()
-{
-    static const QMap<QString, Setter> table{
-        {u"activeDpiSlotIndex"_s,
-         [](SimulatedMouse &mouse, const QStringList &values) {
-             const std::optional<int> index = numberOf(values.value(0));
-             if (!index || *index < 1 || *index > dpiSlotCount || values.size() != 1)
-                 return false;
-             mouse.activeDpiSlotIndex = *index;
-             return true;
-         }},
-        {u"batteryLevel"_s, number(&SimulatedMouse::batteryLevel)},
-        {u"deviceValue"_s, number(&SimulatedMouse::deviceValue)},
-        {u"dpiButtonId"_s, number(&SimulatedMouse::dpiButtonId)},
-        {u"dpiMax"_s, number(&SimulatedMouse::dpiMax)},
-        {u"dpiMin"_s, number(&SimulatedMouse::dpiMin)},
-        {u"dpiSlotValues"_s, numbers(&SimulatedMouse::dpiSlotValues)},
-        {u"dpiStep"_s, number(&SimulatedMouse::dpiStep)},
-        {u"dpiValue"_s, number(&SimulatedMouse::dpiValue)},
-        {u"firmwareVersion"_s, number(&SimulatedMouse::firmwareVersion)},
-        {u"hasBatteryLevel"_s, flag(&SimulatedMouse::hasBatteryLevel)},
-        {u"isSmartPointerSupported"_s, flag(&SimulatedMouse::isSmartPointerSupported)},
-        {u"knowsReportRates"_s, flag(&SimulatedMouse::knowsReportRates)},
-        {u"levelValue"_s, number(&SimulatedMouse::levelValue)},
-        {u"losesSettingsAsleep"_s, flag(&SimulatedMouse::losesSettingsAsleep)},
-        {u"ppid"_s, word(&SimulatedMouse::ppid)},
-        {u"reportRate"_s, number(&SimulatedMouse::reportRate)},
-        {u"reportRates"_s, numbers(&SimulatedMouse::reportRates)},
-        {u"statusValue"_s, number(&SimulatedMouse::statusValue)},
-    };
-    return table;
-}
+using Mouse = SimulatedMouse;
+constexpr Field fields[] = {
+    {"activeDpiSlotIndex",
+     [](SimulatedMouse &mouse, const QStringList &values) {
+         const std::optional<int> index = onlyNumber(values, 1, dpiSlotCount);
+         mouse.activeDpiSlotIndex = index.value_or(mouse.activeDpiSlotIndex);
+         return index.has_value();
+     }},
+    field<&Mouse::batteryLevel>("batteryLevel"),
+    field<&Mouse::deviceValue>("deviceValue"),
+    field<&Mouse::dpiButtonId>("dpiButtonId"),
+    field<&Mouse::dpiMax>("dpiMax"),
+    field<&Mouse::dpiMin>("dpiMin"),
+    field<&Mouse::dpiSlotValues>("dpiSlotValues"),
+    field<&Mouse::dpiStep>("dpiStep"),
+    field<&Mouse::dpiValue>("dpiValue"),
+    field<&Mouse::firmwareVersion>("firmwareVersion"),
+    field<&Mouse::forwardedResult>("forwardedResult"),
+    field<&Mouse::hasBatteryLevel>("hasBatteryLevel"),
+    field<&Mouse::isSmartPointerSupported>("isSmartPointerSupported"),
+    field<&Mouse::knowsReportRates>("knowsReportRates"),
+    field<&Mouse::levelValue>("levelValue"),
+    field<&Mouse::losesSettingsAsleep>("losesSettingsAsleep"),
+    field<&Mouse::ppid>("ppid"),
+    field<&Mouse::reportRate>("reportRate"),
+    field<&Mouse::reportRates>("reportRates"),
+    field<&Mouse::statusValue>("statusValue"),
+};
 
 }  // namespace
 
-QStringList mouseFieldNames()
-{
-    return setters().keys();
-}
-
 std::optional<QString> setMouseField(SimulatedMouse &mouse, const QString &name, const QStringList &values)
 {
-    const auto setter = setters().constFind(name);
-    if (setter == setters().constEnd())
-        return u"a mouse has no \"%1\"; it has %2"_s.arg(name, mouseFieldNames().join(u", "_s));
-    if (!(*setter)(mouse, values))
+    QStringList names;
+    for (const Field &field : fields) {
+        names.append(QString::fromLatin1(field.name));
+        if (names.last() != name)
+            continue;
+        if (field.set(mouse, values))
+            return std::nullopt;
         return u"\"%1\" is no value for %2"_s.arg(values.join(u' '), name);
-    return std::nullopt;
+    }
+    return u"a mouse has no \"%1\"; it has %2"_s.arg(name, names.join(u", "_s));
 }

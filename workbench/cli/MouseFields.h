@@ -7,8 +7,5 @@
 
 struct SimulatedMouse;
 
-/// The names of the fields of a simulated mouse that a command can set.
-QStringList mouseFieldNames();
-
 /// Sets a field by its name. Answers nothing when that worked, else what is wrong with the name or the values.
 std::optional<QString> setMouseField(SimulatedMouse &mouse, const QString &name, const QStringList &values);

@@ -6,6 +6,7 @@
 #include <QtCore/QFile>
 
 #include <cstdio>
+#include <functional>
 
 using namespace Qt::StringLiterals;
 
@@ -40,6 +41,48 @@ void printNewEntries(Scenario &scenario, bool isJson)
         printEntries(scenario.takeEntries(), scenario.lineStyle());
 }
 
+ExitCode play(Scenario &scenario, const QString &name, const QStringList &lines, bool isJson)
+{
+    const auto fail = [&](qsizetype number, const CommandResult &result) {
+        if (!result.message.isEmpty())
+            printError(u"%1:%2: %3"_s.arg(name, QString::number(number + 1), result.message));
+        return result.code;
+    };
+    if (isJson)
+        printLine(QString::fromUtf8(Timeline::jsonHeader()));
+    qsizetype number = 0;
+    for (; number < lines.size(); ++number) {
+        const QString command = withoutComment(lines.at(number));
+        if (!isJson && !command.isEmpty() && !command.startsWith(u"= "))
+            printLine(u"> "_s + command);
+        const CommandResult result = scenario.execute(command);
+        printNewEntries(scenario, isJson);
+        if (result.code != ExitCode::Success)
+            return fail(number, result);
+        if (result.isEnd)
+            return ExitCode::Success;
+    }
+    return fail(number - 1, scenario.finish());
+}
+
+ExitCode load(Scenario &scenario, const RunOptions &options)
+{
+    const QString library = options.pluginFile.isEmpty() ? libraryBesideTheProgram() : options.pluginFile;
+    const std::optional<QString> reason = scenario.load(library);
+    if (!reason)
+        return ExitCode::Success;
+    printError(*reason);
+    return ExitCode::Unusable;
+}
+
+std::function<void(const QString &)> printer(const RunOptions &options)
+{
+    return [isJson = options.isJson](const QString &line) {
+        if (!isJson)
+            printLine(line);
+    };
+}
+
 }  // namespace
 
 ExitCode runScenario(const RunOptions &options)
@@ -47,30 +90,21 @@ ExitCode runScenario(const RunOptions &options)
     const std::optional<QStringList> lines = readLines(options.file);
     if (!lines)
         return ExitCode::Unusable;
-    Scenario scenario([&](const QString &line) {
-        if (!options.isJson)
-            printLine(line);
-    });
-    const QString library = options.pluginFile.isEmpty() ? libraryBesideTheProgram() : options.pluginFile;
-    if (const std::optional<QString> reason = scenario.load(library)) {
-        printError(*reason);
-        return ExitCode::Unusable;
-    }
-    if (options.isJson)
-        printLine(QString::fromUtf8(Timeline::jsonHeader()));
+    Scenario scenario(printer(options));
+    const ExitCode loaded = load(scenario, options);
+    return loaded == ExitCode::Success ? play(scenario, options.file, *lines, options.isJson) : loaded;
+}
 
-    for (qsizetype number = 0; number < lines->size(); ++number) {
-        const QString command = withoutComment(lines->at(number));
-        if (!options.isJson && !command.isEmpty())
-            printLine(u"> "_s + command);
-        const CommandResult result = scenario.execute(lines->at(number));
-        printNewEntries(scenario, options.isJson);
-        if (!result.message.isEmpty())
-            printError(u"%1:%2: %3"_s.arg(options.file, QString::number(number + 1), result.message));
-        if (result.code != ExitCode::Success)
-            return result.code;
-        if (result.isEnd)
-            break;
-    }
+ExitCode runSession(const RunOptions &options)
+{
+    Scenario scenario(printer(options));
+    const ExitCode loaded = load(scenario, options);
+    if (loaded != ExitCode::Success)
+        return loaded;
+    const std::optional<QStringList> lines = readLines(u":/kvx/session.kvx"_s);
+    if (play(scenario, u"session.kvx"_s, lines.value(), options.isJson) != ExitCode::Success)
+        return ExitCode::Difference;
+    if (!options.isJson)
+        printLine(u"session: all %1 checks passed"_s.arg(scenario.checkCount()));
     return ExitCode::Success;
 }

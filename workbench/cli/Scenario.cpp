@@ -2,10 +2,16 @@
 
 #include "Words.h"
 
-#include <algorithm>
 #include <utility>
 
 using namespace Qt::StringLiterals;
+
+namespace {
+
+using Command = Scenario::Command;
+using Device = ILogicalDeviceGen3Mouse;
+
+}  // namespace
 
 Scenario::Scenario(std::function<void(const QString &)> print) : m_print(std::move(print)) {}
 
@@ -16,59 +22,97 @@ std::optional<QString> Scenario::load(const QString &pluginFile)
 
 const QList<Scenario::Command> &Scenario::commands()
 {
+    using Kind = Command::Kind;
+    using Needs = Command::Needs;
+    using Routes = Command::Routes;
+    const auto call = [](const DeviceOperation &operation, const QString &arguments, const QString &help,
+                         const DeviceOperation *request = nullptr,
+                         bool (Device::*isPending)() const = nullptr) {
+        const Needs needs = &operation == &calls::forwardToPhysicalDevice ? Needs::PhysicalDevice
+                                                                          : Needs::Device;
+        return Command{operation.text(), arguments,           help,       &Scenario::callOperation, needs,
+                       Kind::Action,     Routes::OtherThread, &operation, request,                  isPending};
+    };
     static const QList<Command> table{
-        {u"mouse"_s, u"ID [FIELD=VALUE,...]..."_s, u"add a mouse and create its device"_s, &Scenario::mouse},
-        {u"use"_s, u"ID"_s, u"make another mouse the current one"_s, &Scenario::use},
-        {u"remove"_s, u""_s, u"destroy the current device and take its mouse away"_s, &Scenario::remove},
+        {u"mouse"_s, u"ID [FIELD=VALUE,...]..."_s, u"add a mouse and create its device"_s, &Scenario::mouse,
+         Needs::Plugin},
+        {u"use"_s, u"ID"_s, u"make another mouse the current one"_s, &Scenario::use, Needs::Nothing,
+         Kind::Setting},
+        {u"remove"_s, u""_s, u"destroy the current device and take its mouse away"_s, &Scenario::remove,
+         Needs::Device},
         {u"device"_s, u"ID none|other"_s,
-         u"add a device without a physical device, or with one that is no receiver"_s, &Scenario::device},
-        {u"log"_s, u"SWITCH on|off ..."_s, u"initialize the plugin anew: debug, warning, critical"_s,
-         &Scenario::log},
-        {u"start"_s, u""_s, u"start the current device and hear the mouse's state"_s, &Scenario::start},
-        {u"stop"_s, u""_s, u"stop it"_s, &Scenario::stop},
-        {u"setReportRate"_s, u"HZ"_s, u"ask for a report rate"_s, &Scenario::setReportRate},
-        {u"setDpiSlotValues"_s, u"DPI..."_s, u"ask for slot values, as the texts given"_s,
-         &Scenario::setDpiSlotValues},
-        {u"setActiveDpiSlotIndex"_s, u"INDEX"_s, u"ask for the active slot"_s,
-         &Scenario::setActiveDpiSlotIndex},
-        {u"setDpiButtonId"_s, u"ID"_s, u"ask for the DPI button; 0 is the default"_s,
-         &Scenario::setDpiButtonId},
-        {u"disbaleButtonsOrKeys"_s, u"[BUTTON]..."_s, u"divert these buttons to the host"_s,
-         &Scenario::disableButtons},
-        {u"setButtonsOrKeysToDefault"_s, u""_s, u"give all buttons back to the mouse"_s,
-         &Scenario::setButtonsToDefault},
-        {u"applySettings"_s, u"[NAME=VALUE]..."_s, u"hand settings to the device"_s,
-         &Scenario::applySettings},
-        {u"resetSettings"_s, u""_s, u"reset the device's settings"_s, &Scenario::resetSettings},
-        {u"press"_s, u"BUTTON"_s, u"press a button of the mouse: 1 to 5, dpi or smart"_s, &Scenario::press},
-        {u"release"_s, u"BUTTON"_s, u"release it"_s, &Scenario::release},
-        {u"drain"_s, u"PERCENT"_s, u"take from the mouse's battery; negative charges it"_s, &Scenario::drain},
-        {u"sleep"_s, u""_s, u"send the mouse to sleep"_s, &Scenario::sleep},
-        {u"wake"_s, u""_s, u"wake it"_s, &Scenario::wake},
-        {u"set"_s, u"FIELD VALUE..."_s, u"change the mouse without a report"_s, &Scenario::set},
+         u"add a device without a physical device, or with one that is no receiver"_s, &Scenario::device,
+         Needs::Plugin},
+        {u"log"_s, u"SWITCH on|off ..."_s, u"initialize the plugin again: debug, warning, critical"_s,
+         &Scenario::log, Needs::Plugin},
+        {u"unload"_s, u""_s, u"unload the plugin with all devices that are left"_s, &Scenario::unload,
+         Needs::Plugin},
+        call(calls::start, u""_s, u"start the current device; the mouse reports its state"_s),
+        call(calls::stop, u""_s, u"stop it"_s),
+        call(calls::setReportRate, u"HZ"_s, u"request a report rate"_s, &requests::setReportRate,
+             &Device::isReportRateChangePending),
+        call(calls::setDpiSlotValues, u"DPI..."_s, u"request slot values, as the texts given"_s,
+             &requests::setDpiSlotValues, &Device::isDpiSlotValuesChangePending),
+        call(calls::setActiveDpiSlotIndex, u"INDEX"_s, u"request the active slot"_s,
+             &requests::setDpiButtonAndActiveSlot, &Device::isActiveDpiSlotIndexChangePending),
+        call(calls::setDpiButtonId, u"ID"_s, u"request the DPI button; 0 is the default"_s,
+             &requests::setDpiButtonAndActiveSlot, &Device::isDpiButtonIdChangePending),
+        call(calls::disbaleButtonsOrKeys, u"[BUTTON]..."_s, u"divert these buttons to the host"_s,
+             &requests::setDisabledButtonsOrKeysMask),
+        call(calls::setButtonsOrKeysToDefault, u""_s, u"end the diversion of all buttons"_s,
+             &requests::setDisabledButtonsOrKeysMask),
+        call(calls::applySettings, u"[NAME=VALUE]..."_s, u"pass settings to the device"_s),
+        call(calls::resetSettings, u""_s, u"reset the device's settings"_s,
+             &requests::setDisabledButtonsOrKeysMask),
+        call(calls::setDpiValue, u"DPI"_s, u"set the DPI, which this model does not do"_s),
+        call(calls::forwardToPhysicalDevice, u"N N N"_s, u"pass three numbers to the physical device"_s),
+        call(calls::query26, u"N N N"_s, u"pass three numbers to the receiver"_s),
+        {u"press"_s, u"BUTTON"_s, u"press a button of the mouse: 1 to 5, dpi or smart"_s, &Scenario::press,
+         Needs::Mouse},
+        {u"release"_s, u"BUTTON"_s, u"release it"_s, &Scenario::release, Needs::Mouse},
+        {u"drain"_s, u"PERCENT"_s, u"take from the mouse's battery; negative charges it"_s, &Scenario::drain,
+         Needs::Mouse},
+        {u"sleep"_s, u""_s, u"send the mouse to sleep"_s, &Scenario::sleep, Needs::Mouse},
+        {u"wake"_s, u""_s, u"wake it"_s, &Scenario::wake, Needs::Mouse},
+        {u"set"_s, u"FIELD VALUE..."_s, u"change the mouse without a report"_s, &Scenario::set, Needs::Mouse,
+         Kind::Setting},
         {u"report"_s, u"OPERATION VALUE..."_s, u"let the mouse report something unasked"_s,
-         &Scenario::report},
-        {u"other-thread"_s, u"COMMAND"_s,
-         u"make the request, the start, stop or report from another thread"_s, &Scenario::otherThread},
+         &Scenario::report, Needs::Device, Kind::Action, Routes::All},
+        {u"other-thread"_s, u"COMMAND"_s, u"make the call or the report from another thread"_s,
+         &Scenario::otherThread, Needs::Device},
         {u"at-once"_s, u"report ..."_s, u"report before anything that waits for the event loop"_s,
-         &Scenario::atOnce},
+         &Scenario::atOnce, Needs::Device},
         {u"inside-request"_s, u"report ..."_s, u"report before the next request is answered"_s,
-         &Scenario::insideRequest},
+         &Scenario::insideRequest, Needs::Device},
         {u"fault"_s, u"OPERATION EFFECT [VALUE]... [times N|always]"_s,
-         u"refuse, delay MS, drop, repeat N or alter VALUE... the next such operation"_s, &Scenario::fault},
-        {u"faults"_s, u""_s, u"list the faults in force"_s, &Scenario::faults},
-        {u"clear-faults"_s, u""_s, u"end all faults"_s, &Scenario::clearFaults},
-        {u"answer-delay"_s, u"MS"_s, u"how long the mouse takes to answer"_s, &Scenario::answerDelay},
-        {u"resend-limit"_s, u"N"_s, u"how often a request may be sent again"_s, &Scenario::resendLimit},
-        {u"show"_s, u"[VALUE]"_s, u"print the device's values, or one"_s, &Scenario::show},
-        {u"timeline"_s, u"[N]"_s, u"print the timeline's last lines"_s, &Scenario::showTimeline},
-        {u"expect"_s, u"VALUE TEXT... | signal LINE | timeline [LINE | LINE ...] | log [LINE | LINE ...]"_s,
-         u"compare a value, the next signal, the last lines without the log, or the log of the last command"_s,
-         &Scenario::expect},
-        {u"wait"_s, u"EVENT [MS]"_s, u"wait for a timeline line that begins so"_s, &Scenario::wait},
-        {u"settle"_s, u""_s, u"wait until the mouse has said all and nothing is queued"_s, &Scenario::settle},
-        {u"deadline"_s, u"MS"_s, u"how long requests are waited for"_s, &Scenario::deadline},
-        {u"help"_s, u""_s, u"print this"_s, &Scenario::help},
+         u"refuse, delay MS, drop, repeat N or alter VALUE... the next such operation"_s, &Scenario::fault,
+         Needs::Device, Kind::Setting},
+        {u"faults"_s, u""_s, u"list the faults in force"_s, &Scenario::faults, Needs::Nothing, Kind::Setting},
+        {u"clear-faults"_s, u""_s, u"end all faults"_s, &Scenario::clearFaults, Needs::Nothing,
+         Kind::Setting},
+        {u"answer-delay"_s, u"MS"_s, u"how long the mouse takes to answer"_s, &Scenario::answerDelay,
+         Needs::Nothing, Kind::Setting},
+        {u"resend-limit"_s, u"N"_s, u"how often a request may be sent again"_s, &Scenario::resendLimit,
+         Needs::Nothing, Kind::Setting},
+        {u"deadline"_s, u"MS"_s, u"how long requests are waited for"_s, &Scenario::deadline, Needs::Nothing,
+         Kind::Setting},
+        {u"show"_s, u"[VALUE]"_s, u"print the device's values, or one"_s, &Scenario::show, Needs::Device,
+         Kind::Check},
+        {u"timeline"_s, u"[N]"_s, u"print the timeline's last lines"_s, &Scenario::showTimeline,
+         Needs::Nothing, Kind::Check},
+        {u"="_s, u"LINE"_s,
+         u"compare the next line that the last command left; with the first, all of them must be given"_s,
+         &Scenario::expectNextLine, Needs::Nothing, Kind::Check},
+        {u"expect"_s,
+         u"VALUE TEXT... | signal LINE | timeline [LINE | LINE ...] | log [LINE | LINE ...] | metadata JSON"_s,
+         u"compare a value, the next signal, the last lines without the log, the log of the last command, or the "
+         "plugin's metadata without its Qt version and build type"_s,
+         &Scenario::expect, Needs::Nothing, Kind::Check},
+        {u"wait"_s, u"EVENT [MS]"_s, u"wait for a timeline line that begins so"_s, &Scenario::wait,
+         Needs::Nothing, Kind::Check},
+        {u"settle"_s, u""_s, u"wait until the mouse has reported everything and nothing is queued"_s,
+         &Scenario::settle},
+        {u"help"_s, u""_s, u"print this"_s, &Scenario::help, Needs::Nothing, Kind::Setting},
         {u"quit"_s, u""_s, u"end"_s, &Scenario::quit},
     };
     return table;
@@ -82,6 +126,15 @@ QStringList Scenario::commandNames()
     return names;
 }
 
+const Scenario::Command *Scenario::findCommand(const QString &name)
+{
+    for (const Command &command : commands()) {
+        if (command.name == name)
+            return &command;
+    }
+    return nullptr;
+}
+
 CommandResult Scenario::execute(const QString &line)
 {
     std::optional<QStringList> words = wordsOf(line);
@@ -90,10 +143,14 @@ CommandResult Scenario::execute(const QString &line)
     if (words->isEmpty())
         return {};
     const QString name = words->takeFirst();
-    const auto command = std::find_if(commands().cbegin(), commands().cend(),
-                                      [&](const Command &known) { return known.name == name; });
-    if (command == commands().cend())
+    const Command *command = findCommand(name);
+    if (!command)
         return CommandResult::unusable(u"\"%1\" is no command; see help"_s.arg(name));
+    if (command->run != &Scenario::expectNextLine) {
+        const CommandResult rest = finish();
+        if (rest.code != ExitCode::Success)
+            return rest;
+    }
 
     m_rest = behindFirstWord(line);
     m_wantedOutcome.clear();
@@ -108,30 +165,45 @@ CommandResult Scenario::execute(const QString &line)
         m_isWaiting = false;
         words->removeLast();
     }
-    static const QStringList notJudged{u"use"_s,          u"set"_s,      u"fault"_s,  u"faults"_s,
-                                       u"clear-faults"_s, u"show"_s,     u"expect"_s, u"wait"_s,
-                                       u"timeline"_s,     u"deadline"_s, u"help"_s,   u"answer-delay"_s,
-                                       u"resend-limit"_s};
-    if (!notJudged.contains(name))
+    if (command->kind == Command::Kind::Action)
         m_lastAction = m_workbench.timeline.lastSequence();
     return dispatch(*command, *words);
 }
 
+CommandResult Scenario::finish()
+{
+    const qsizetype compared = std::exchange(m_comparedLines, 0);
+    const QStringList seen = linesAfter(m_lastAction, {});
+    if (compared == 0 || compared >= seen.size())
+        return {};
+    return compare(u"line %1 of the last command"_s.arg(compared + 1), QString(), seen.at(compared));
+}
+
 CommandResult Scenario::dispatch(const Command &command, const QStringList &words)
 {
-    static const QStringList withoutDevice{
-        u"mouse"_s,        u"use"_s,          u"help"_s,     u"quit"_s,   u"answer-delay"_s,
-        u"resend-limit"_s, u"deadline"_s,     u"faults"_s,   u"device"_s, u"log"_s,
-        u"settle"_s,       u"clear-faults"_s, u"timeline"_s, u"expect"_s, u"wait"_s};
-    if (!m_workbench.device() && !withoutDevice.contains(command.name))
-        return withoutAnyDevice();
-    static const QStringList withMouse{u"set"_s, u"press"_s, u"release"_s, u"drain"_s, u"sleep"_s, u"wake"_s};
-    if (!m_workbench.hasMouse() && withMouse.contains(command.name))
-        return CommandResult::unusable(
-            u"device %1 has no mouse; see mouse and use"_s.arg(m_workbench.currentMouse()));
+    const CommandResult missing = whatIsMissing(command.needs);
+    if (missing.code != ExitCode::Success)
+        return missing;
     if (command.arguments.isEmpty() && !words.isEmpty())
-        return wrongWord(words.first(), u"wanted here; %1 stands alone"_s.arg(command.name));
+        return wrongWord(words.first(), u"wanted here; %1 takes no words"_s.arg(command.name));
+    m_command = &command;
     return (this->*command.run)(words);
+}
+
+CommandResult Scenario::whatIsMissing(Command::Needs needs) const
+{
+    using Needs = Command::Needs;
+    const HostedDevice *device = m_workbench.device();
+    if (needs >= Needs::Plugin && !m_workbench.host.factory())
+        return CommandResult::unusable(u"the plugin is unloaded; put this before \"unload\""_s);
+    if (needs >= Needs::Device && !device)
+        return CommandResult::unusable(u"there is no mouse yet; add one with \"mouse 1\""_s);
+    if (needs == Needs::PhysicalDevice && !device->device()->physicalDevice())
+        return CommandResult::unusable(
+            u"device %1 has no physical device; see mouse and use"_s.arg(device->id()));
+    if (needs == Needs::Mouse && !m_workbench.hasMouse())
+        return CommandResult::unusable(u"device %1 has no mouse; see mouse and use"_s.arg(device->id()));
+    return {};
 }
 
 QList<TimelineEntry> Scenario::takeEntries()
@@ -172,34 +244,19 @@ CommandResult Scenario::settled()
     return {};
 }
 
-CommandResult Scenario::withoutAnyDevice()
-{
-    return CommandResult::unusable(u"there is no mouse yet; add one with \"mouse 1\""_s);
-}
-
-CommandResult Scenario::wrongWord(const QString &word, const QString &wanted) const
+CommandResult Scenario::wrongWord(const QString &word, const QString &wanted)
 {
     return CommandResult::unusable(u"\"%1\" is not %2"_s.arg(word, wanted));
 }
 
-QStringList Scenario::eventLines(quint64 after) const
+QStringList Scenario::linesAfter(quint64 entry,
+                                 const std::function<bool(const TimelineEntry &)> &isWanted) const
 {
     QStringList lines;
-    const QList<TimelineEntry> entries = m_workbench.timeline.entriesAfter(after);
-    for (const TimelineEntry &entry : entries) {
-        if (entry.kind != TimelineEntry::Kind::Log)
-            lines.append(Timeline::line(entry, lineStyle()));
-    }
-    return lines;
-}
-
-QStringList Scenario::logLines(quint64 after) const
-{
-    QStringList lines;
-    const QList<TimelineEntry> entries = m_workbench.timeline.entriesAfter(after);
-    for (const TimelineEntry &entry : entries) {
-        if (entry.kind == TimelineEntry::Kind::Log)
-            lines.append(Timeline::line(entry, lineStyle()));
+    const QList<TimelineEntry> entries = m_workbench.timeline.entriesAfter(entry);
+    for (const TimelineEntry &candidate : entries) {
+        if (!isWanted || isWanted(candidate))
+            lines.append(Timeline::line(candidate, lineStyle()));
     }
     return lines;
 }

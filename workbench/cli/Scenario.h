@@ -20,17 +20,32 @@ struct CommandResult
     static CommandResult difference(const QString &message) { return {ExitCode::Difference, message, false}; }
 };
 
-/// The language of kvx run and kvx shell: one command a line, on a workbench of its own.
-/// A feature's commands stand in a file of their own (Scenario_Requests.cpp ...) and in the table of commands().
+/// The language of kvx run, kvx shell and kvx session: one command a line, on a workbench of its own.
+/// The table of all commands is in Scenario.cpp; they are in a file for each subject (Scenario_Operations.cpp ...).
 class Scenario
 {
 public:
     struct Command
     {
+        /// What must be there before it can run; each includes those before it.
+        enum class Needs { Nothing, Plugin, Device, PhysicalDevice, Mouse };
+        /// Whether it leaves something on the timeline that later commands compare.
+        enum class Kind { Action, Check, Setting };
+        /// How it can come apart from the usual way.
+        enum class Routes { Usual, OtherThread, All };
+
         QString name;
         QString arguments;  // as help shows them
         QString help;
         CommandResult (Scenario::*run)(const QStringList &words);
+        Needs needs = Needs::Nothing;
+        Kind kind = Kind::Action;
+        Routes routes = Routes::Usual;
+        /// Of a command that calls an operation of the device: the operation, what the device asks of the receiver for
+        /// it, and whether the mouse has still to confirm that.
+        const DeviceOperation *operation = nullptr;
+        const DeviceOperation *request = nullptr;
+        bool (ILogicalDeviceGen3Mouse::*isPending)() const = nullptr;
     };
 
     /// print: where the answers of commands go that have one, a line at a time.
@@ -41,10 +56,14 @@ public:
 
     /// Runs one line. Empty lines and comments do nothing.
     CommandResult execute(const QString &line);
+    /// To be called behind the last line: what the last command left beyond what was expected is a difference.
+    CommandResult finish();
 
     /// What came on the timeline since the last call.
     QList<TimelineEntry> takeEntries();
     Timeline::Style lineStyle() const;
+    /// How many comparisons were made.
+    int checkCount() const { return m_checkCount; }
 
     static QStringList commandNames();
 
@@ -58,53 +77,48 @@ private:
     };
 
     static const QList<Command> &commands();
+    static const Command *findCommand(const QString &name);
     CommandResult dispatch(const Command &command, const QStringList &words);
+    CommandResult whatIsMissing(Command::Needs needs) const;
 
     // Scenario.cpp
     CommandResult help(const QStringList &words);
     CommandResult quit(const QStringList &words);
 
-    // Scenario_Requests.cpp
-    CommandResult start(const QStringList &words);
-    CommandResult stop(const QStringList &words);
-    CommandResult setReportRate(const QStringList &words);
-    CommandResult setDpiSlotValues(const QStringList &words);
-    CommandResult setActiveDpiSlotIndex(const QStringList &words);
-    CommandResult setDpiButtonId(const QStringList &words);
-    CommandResult disableButtons(const QStringList &words);
-    CommandResult setButtonsToDefault(const QStringList &words);
-    CommandResult applySettings(const QStringList &words);
-    CommandResult resetSettings(const QStringList &words);
-
-    // Scenario_Host.cpp
-    CommandResult device(const QStringList &words);
-    CommandResult log(const QStringList &words);
-    CommandResult settle(const QStringList &words);
+    // Scenario_Operations.cpp
+    CommandResult callOperation(const QStringList &words);
+    CommandResult outcomeOf(const Command &command, quint64 before);
+    CommandResult report(const QStringList &words);
+    CommandResult fault(const QStringList &words);
+    CommandResult faults(const QStringList &words);
+    CommandResult clearFaults(const QStringList &words);
     CommandResult otherThread(const QStringList &words);
     CommandResult atOnce(const QStringList &words);
     CommandResult insideRequest(const QStringList &words);
-    /// Runs the command that the words are, if it is one of the known ones.
-    CommandResult runBy(Route route, const QStringList &known, const QStringList &words);
+    /// Runs the command that the words are, if it can come by this route.
+    CommandResult runBy(Route route, const QStringList &words);
     /// Makes the call from where the line says.
     void callDevice(const std::function<void()> &call);
 
-    // Scenario_Mouse.cpp
+    // Scenario_Host.cpp
     CommandResult mouse(const QStringList &words);
+    CommandResult device(const QStringList &words);
     CommandResult use(const QStringList &words);
     CommandResult remove(const QStringList &words);
+    CommandResult unload(const QStringList &words);
+    CommandResult log(const QStringList &words);
+    CommandResult settle(const QStringList &words);
+    CommandResult answerDelay(const QStringList &words);
+    CommandResult resendLimit(const QStringList &words);
+    CommandResult deadline(const QStringList &words);
+
+    // Scenario_Mouse.cpp
     CommandResult set(const QStringList &words);
     CommandResult press(const QStringList &words);
     CommandResult release(const QStringList &words);
     CommandResult drain(const QStringList &words);
     CommandResult sleep(const QStringList &words);
     CommandResult wake(const QStringList &words);
-    CommandResult report(const QStringList &words);
-    void sendReport(const MouseMessage &report);
-    CommandResult fault(const QStringList &words);
-    CommandResult faults(const QStringList &words);
-    CommandResult clearFaults(const QStringList &words);
-    CommandResult answerDelay(const QStringList &words);
-    CommandResult resendLimit(const QStringList &words);
 
     // Scenario_Checks.cpp
     CommandResult show(const QStringList &words);
@@ -113,26 +127,25 @@ private:
     CommandResult expectSignal(const QString &expected);
     CommandResult expectTimeline(const QString &expected);
     CommandResult expectLog(const QString &expected);
+    CommandResult expectMetadata(const QString &expected);
+    CommandResult expectNextLine(const QStringList &words);
     CommandResult wait(const QStringList &words);
-    CommandResult deadline(const QStringList &words);
 
-    /// A request and its outcome: waits until pending answers false or nothing more can come, unless the line says
-    /// not to; pending is null for requests that are not confirmed.
-    CommandResult request(const QString &receiverOperation, bool (ILogicalDeviceGen3Mouse::*pending)() const,
-                          const std::function<void(HostedDevice &)> &call);
+    CommandResult compare(const QString &what, const QString &expected, const QString &seen);
     CommandResult settled();
     CommandResult act(const std::function<QList<MouseMessage>(SimulatedMouse &)> &action);
-    static CommandResult withoutAnyDevice();
-    CommandResult wrongWord(const QString &word, const QString &wanted) const;
-    QStringList eventLines(quint64 after) const;
-    QStringList logLines(quint64 after) const;
+    static CommandResult wrongWord(const QString &word, const QString &wanted);
+    QStringList linesAfter(quint64 entry, const std::function<bool(const TimelineEntry &)> &isWanted) const;
 
     std::function<void(const QString &)> m_print;
     Workbench m_workbench;
-    quint64 m_taken = 0;         // the last entry that takeEntries() gave
-    quint64 m_signalCursor = 0;  // the last entry that "expect signal" or "wait" has used
-    quint64 m_lastAction = 0;    // the last entry before the last command that did something to a device
-    // What the line says behind its command, or in front of it.
+    quint64 m_taken = 0;          // the last entry that takeEntries() gave
+    quint64 m_signalCursor = 0;   // the last entry that "expect signal" or "wait" has used
+    quint64 m_lastAction = 0;     // the last entry before the last action
+    qsizetype m_comparedLines = 0;  // of the last action, by "=" lines
+    int m_checkCount = 0;
+    // Of the line that is executed: the command and what is behind it, or in front of it.
+    const Command *m_command = nullptr;
     QString m_rest;
     QString m_wantedOutcome;
     bool m_isWaiting = true;

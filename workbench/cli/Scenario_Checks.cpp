@@ -1,21 +1,33 @@
-#include "DeviceValues.h"
+#include "PluginInspection.h"
 #include "Scenario.h"
+#include "ShownValues.h"
 #include "Words.h"
+
+#include <QtCore/QJsonDocument>
+#include <QtCore/QRegularExpression>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
-// Where several lines are expected, they stand on one line with this between them.
+// Where several lines are expected, they are on one line with this between them.
 const QLatin1StringView lineSeparator = " | "_L1;
 
-// For a text whose last word has no blank in it.
-QString withoutLastWord(const QString &text)
+bool isLog(const TimelineEntry &entry)
 {
-    qsizetype end = text.size();
-    while (end > 0 && !text.at(end - 1).isSpace())
-        --end;
-    return text.left(end).trimmed();
+    return entry.kind == TimelineEntry::Kind::Log;
+}
+
+bool isEvent(const TimelineEntry &entry)
+{
+    return !isLog(entry);
+}
+
+// Addresses differ from run to run.
+QString withoutAddresses(QString line)
+{
+    static const QRegularExpression address(u"\\b0x[0-9a-f]{6,16}\\b"_s);
+    return line.replace(address, u"0x..."_s).trimmed();
 }
 
 }  // namespace
@@ -24,32 +36,42 @@ CommandResult Scenario::show(const QStringList &words)
 {
     constexpr int nameWidth = 36;
     const HostedDevice &device = *m_workbench.device();
+    if (words.size() > 1)
+        return wrongWord(words.join(u' '), u"one value"_s);
     if (words.size() == 1) {
-        const std::optional<QString> value = deviceValue(device, words.first());
+        const std::optional<QString> value = shownValue(device, words.first());
         if (!value)
             return wrongWord(words.first(), u"a value; \"show\" alone prints all of them"_s);
         m_print(*value);
         return {};
     }
-    if (!words.isEmpty())
-        return wrongWord(words.join(u' '), u"one value"_s);
-    const QList<QPair<QString, QString>> values = deviceValues(device);
-    for (const auto &[name, value] : values)
-        m_print(u"  "_s + name.leftJustified(nameWidth) + value);
+    const QStringList names = shownValueNames();
+    for (const QString &name : names)
+        m_print(u"  "_s + name.leftJustified(nameWidth) + shownValue(device, name).value());
     return {};
 }
 
 CommandResult Scenario::showTimeline(const QStringList &words)
 {
     constexpr int defaultCount = 20;
-    const std::optional<int> count = words.isEmpty() ? defaultCount : numberOf(words.first());
-    if (!count || *count < 1 || words.size() > 1)
+    const std::optional<int> count = words.isEmpty() ? defaultCount : onlyNumber(words, 1);
+    if (!count)
         return wrongWord(words.join(u' '), u"a number of lines"_s);
     const QStringList lines = m_workbench.timeline.lines(Timeline::Style::Full);
     const QStringList lastLines = lines.mid(qMax(qsizetype(0), lines.size() - *count));
     for (const QString &line : lastLines)
         m_print(line);
     return {};
+}
+
+CommandResult Scenario::compare(const QString &what, const QString &expected, const QString &seen)
+{
+    ++m_checkCount;
+    if (expected == seen)
+        return {};
+    const auto shown = [](const QString &text) { return text.isEmpty() ? u"none"_s : text; };
+    return CommandResult::difference(
+        u"%1: expected %2, seen %3"_s.arg(what, shown(expected), shown(seen)));
 }
 
 CommandResult Scenario::expect(const QStringList &words)
@@ -62,52 +84,62 @@ CommandResult Scenario::expect(const QStringList &words)
         return expectTimeline(rest);
     if (name == u"log")
         return expectLog(rest);
-    if (!m_workbench.device())
-        return withoutAnyDevice();
-    const std::optional<QString> value = deviceValue(*m_workbench.device(), name);
+    if (name == u"metadata")
+        return expectMetadata(rest);
+    const CommandResult missing = whatIsMissing(Command::Needs::Device);
+    if (missing.code != ExitCode::Success)
+        return missing;
+    const std::optional<QString> value = shownValue(*m_workbench.device(), name);
     if (!value)
-        return wrongWord(name, u"a value, \"signal\", \"timeline\" or \"log\""_s);
-    const QString expected = words.mid(1).join(u' ');
-    if (*value != expected)
-        return CommandResult::difference(u"%1: expected \"%2\", seen \"%3\""_s.arg(name, expected, *value));
-    return {};
+        return wrongWord(name, u"a value, \"signal\", \"timeline\", \"log\" or \"metadata\""_s);
+    const auto quoted = [](const QString &text) { return u'"' + text + u'"'; };
+    return compare(name, quoted(words.mid(1).join(u' ')), quoted(*value));
 }
 
 CommandResult Scenario::expectSignal(const QString &expected)
 {
+    QString seen;
     const QList<TimelineEntry> entries = m_workbench.timeline.entriesAfter(m_signalCursor);
     for (const TimelineEntry &entry : entries) {
         if (entry.kind != TimelineEntry::Kind::Signal)
             continue;
         m_signalCursor = entry.sequence;
-        const QString seen = Timeline::line(entry, lineStyle()).sliced(QStringLiteral("signal ").size());
-        if (seen == expected)
-            return {};
-        return CommandResult::difference(u"the next signal: expected %1, seen %2"_s.arg(expected, seen));
+        seen = Timeline::line(entry, lineStyle()).sliced(QStringLiteral("signal ").size());
+        break;
     }
-    return CommandResult::difference(u"the next signal: expected %1, seen none"_s.arg(expected));
+    return compare(u"the next signal"_s, expected, seen);
 }
 
 CommandResult Scenario::expectTimeline(const QString &expected)
 {
-    const QStringList wanted = expected.isEmpty() ? QStringList() : expected.split(lineSeparator);
-    QStringList seen = eventLines(wanted.isEmpty() ? m_lastAction : 0);
-    if (!wanted.isEmpty())
-        seen = seen.mid(qMax(qsizetype(0), seen.size() - wanted.size()));
-    if (seen == wanted)
-        return {};
-    return CommandResult::difference(u"the last lines: expected %1, seen %2"_s.arg(
-        expected.isEmpty() ? u"none"_s : expected, seen.join(lineSeparator)));
+    const qsizetype count = expected.isEmpty() ? 0 : expected.split(lineSeparator).size();
+    QStringList seen = linesAfter(count == 0 ? m_lastAction : 0, isEvent);
+    if (count > 0)
+        seen = seen.mid(qMax(qsizetype(0), seen.size() - count));
+    return compare(u"the last lines"_s, expected, seen.join(lineSeparator));
 }
 
 CommandResult Scenario::expectLog(const QString &expected)
 {
-    const QString seen = logLines(m_lastAction).join(lineSeparator).trimmed();
-    if (seen == expected)
-        return {};
-    const auto text = [](const QString &lines) { return lines.isEmpty() ? u"none"_s : lines; };
-    return CommandResult::difference(
-        u"the log of the last command: expected %1, seen %2"_s.arg(text(expected), text(seen)));
+    const QString seen = linesAfter(m_lastAction, isLog).join(lineSeparator);
+    return compare(u"the log of the last command"_s, withoutAddresses(expected), withoutAddresses(seen));
+}
+
+CommandResult Scenario::expectMetadata(const QString &expected)
+{
+    QJsonObject metaData = inspectPlugin(m_workbench.host.fileName()).metaData;
+    // These depend on the build.
+    for (const QLatin1StringView key : {"version"_L1, "debug"_L1, "archlevel"_L1})
+        metaData.remove(key);
+    return compare(u"the metadata"_s, expected,
+                   QString::fromUtf8(QJsonDocument(metaData).toJson(QJsonDocument::Compact)));
+}
+
+CommandResult Scenario::expectNextLine(const QStringList & /*words*/)
+{
+    const QString seen = linesAfter(m_lastAction, {}).value(m_comparedLines++);
+    return compare(u"line %1 of the last command"_s.arg(m_comparedLines), withoutAddresses(m_rest),
+                   withoutAddresses(seen));
 }
 
 CommandResult Scenario::wait(const QStringList &words)
@@ -128,18 +160,10 @@ CommandResult Scenario::wait(const QStringList &words)
         }
         return false;
     };
+    ++m_checkCount;
     const auto longest = limit ? std::chrono::milliseconds(*limit) : m_workbench.deadline;
     if (!m_workbench.waitFor(hasCome, longest))
         return CommandResult::difference(
             u"expected %1, seen nothing of it in %2 ms"_s.arg(event, QString::number(longest.count())));
-    return {};
-}
-
-CommandResult Scenario::deadline(const QStringList &words)
-{
-    const std::optional<int> limit = numberOf(words.value(0));
-    if (!limit || *limit < 0 || words.size() != 1)
-        return wrongWord(words.join(u' '), u"a number of milliseconds"_s);
-    m_workbench.deadline = std::chrono::milliseconds(*limit);
     return {};
 }

@@ -1,7 +1,6 @@
+#include "MouseFields.h"
 #include "Scenario.h"
 #include "Words.h"
-
-#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
@@ -15,6 +14,24 @@ const QStringList &switchNames()
 
 }  // namespace
 
+CommandResult Scenario::mouse(const QStringList &words)
+{
+    const std::optional<DeviceId> id = deviceIdOf(words.value(0));
+    if (!id)
+        return wrongWord(words.value(0), u"a mouse id; write a whole number"_s);
+    SimulatedMouse mouse;
+    const QStringList fields = words.mid(1);
+    for (const QString &word : fields) {
+        const QString field = word.section(u'=', 0, 0);
+        const QStringList values = word.section(u'=', 1).split(u',');
+        if (const std::optional<QString> problem = setMouseField(mouse, field, values))
+            return CommandResult::unusable(*problem);
+    }
+    if (!m_workbench.addMouse(*id, mouse))
+        return CommandResult::unusable(u"there is a mouse %1 already; see use"_s.arg(*id));
+    return {};
+}
+
 CommandResult Scenario::device(const QStringList &words)
 {
     const std::optional<DeviceId> id = deviceIdOf(words.value(0));
@@ -25,6 +42,29 @@ CommandResult Scenario::device(const QStringList &words)
         return wrongWord(physicalDevice, u"a physical device: none, or other for one that is no receiver"_s);
     if (!m_workbench.addDevice(*id, physicalDevice == u"other"))
         return CommandResult::unusable(u"there is a device %1 already; see use"_s.arg(*id));
+    return {};
+}
+
+CommandResult Scenario::use(const QStringList &words)
+{
+    const std::optional<DeviceId> id = deviceIdOf(words.value(0));
+    if (!id || words.size() != 1)
+        return wrongWord(words.join(u' '), u"a mouse id; write a whole number"_s);
+    if (!m_workbench.useMouse(*id))
+        return CommandResult::unusable(u"there is no mouse %1; add it with \"mouse %1\""_s.arg(*id));
+    return {};
+}
+
+CommandResult Scenario::remove(const QStringList & /*words*/)
+{
+    m_workbench.removeMouse();
+    return {};
+}
+
+CommandResult Scenario::unload(const QStringList & /*words*/)
+{
+    if (!m_workbench.unload())
+        return CommandResult::difference(u"unload: the library is still in the process"_s);
     return {};
 }
 
@@ -51,47 +91,29 @@ CommandResult Scenario::settle(const QStringList & /*words*/)
     return settled();
 }
 
-CommandResult Scenario::otherThread(const QStringList &words)
+CommandResult Scenario::answerDelay(const QStringList &words)
 {
-    static const QStringList known{u"start"_s,
-                                   u"stop"_s,
-                                   u"setReportRate"_s,
-                                   u"setDpiSlotValues"_s,
-                                   u"setActiveDpiSlotIndex"_s,
-                                   u"setDpiButtonId"_s,
-                                   u"disbaleButtonsOrKeys"_s,
-                                   u"setButtonsOrKeysToDefault"_s,
-                                   u"applySettings"_s,
-                                   u"resetSettings"_s,
-                                   u"report"_s};
-    return runBy(Route::OtherThread, known, words);
+    const std::optional<int> delay = onlyNumber(words, 0);
+    if (!delay)
+        return wrongWord(words.join(u' '), u"a number of milliseconds"_s);
+    m_workbench.receiver.setAnswerDelay(std::chrono::milliseconds(*delay));
+    return {};
 }
 
-CommandResult Scenario::atOnce(const QStringList &words)
+CommandResult Scenario::resendLimit(const QStringList &words)
 {
-    return runBy(Route::AtOnce, {u"report"_s}, words);
+    const std::optional<int> limit = onlyNumber(words, 1);
+    if (!limit)
+        return wrongWord(words.join(u' '), u"a number of repetitions, 1 or more"_s);
+    m_workbench.receiver.setResendLimit(*limit);
+    return {};
 }
 
-CommandResult Scenario::insideRequest(const QStringList &words)
+CommandResult Scenario::deadline(const QStringList &words)
 {
-    return runBy(Route::InsideRequest, {u"report"_s}, words);
-}
-
-CommandResult Scenario::runBy(Route route, const QStringList &known, const QStringList &words)
-{
-    const QString name = words.value(0);
-    const auto command = std::find_if(commands().cbegin(), commands().cend(),
-                                      [&](const Command &candidate) { return candidate.name == name; });
-    if (!known.contains(name) || command == commands().cend())
-        return wrongWord(name, u"a command that can come so; there are "_s + known.join(u", "_s));
-    m_route = route;
-    return dispatch(*command, words.mid(1));
-}
-
-void Scenario::callDevice(const std::function<void()> &call)
-{
-    if (m_route == Route::OtherThread)
-        m_workbench.runOnOtherThread(call);
-    else
-        call();
+    const std::optional<int> limit = onlyNumber(words, 0);
+    if (!limit)
+        return wrongWord(words.join(u' '), u"a number of milliseconds"_s);
+    m_workbench.deadline = std::chrono::milliseconds(*limit);
+    return {};
 }

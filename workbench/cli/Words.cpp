@@ -1,22 +1,50 @@
 #include "Words.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
-// Where the comment begins, or the length of the line.
-qsizetype commentStart(const QString &line)
+struct Tokens
 {
-    bool isQuoted = false;
+    QStringList words;
+    QList<qsizetype> starts;
+    qsizetype end = 0;  // of the last word
+    bool isQuoteOpen = false;
+};
+
+Tokens tokensOf(const QString &line)
+{
+    Tokens tokens;
+    bool isInWord = false;
     for (qsizetype i = 0; i < line.size(); ++i) {
-        if (isQuoted && line.at(i) == u'\\')
-            ++i;
-        else if (line.at(i) == u'"')
-            isQuoted = !isQuoted;
-        else if (!isQuoted && line.at(i) == u'#' && (i == 0 || line.at(i - 1).isSpace()))
-            return i;
+        const QChar character = line.at(i);
+        if (!tokens.isQuoteOpen && character.isSpace()) {
+            isInWord = false;
+            continue;
+        }
+        if (!isInWord && character == u'#')
+            break;
+        if (!std::exchange(isInWord, true)) {
+            tokens.starts.append(i);
+            tokens.words.append(QString());
+        }
+        if (character == u'"') {
+            tokens.isQuoteOpen = !tokens.isQuoteOpen;
+        } else {
+            if (tokens.isQuoteOpen && character == u'\\' && i + 1 < line.size())
+                ++i;
+            tokens.words.last().append(line.at(i));
+        }
+        tokens.end = i + 1;
     }
-    return line.size();
+    return tokens;
+}
+
+// The line as it is written from one place to another.
+QString written(const QString &line, qsizetype begin, qsizetype end)
+{
+    return line.sliced(begin, end - begin).trimmed();
 }
 
 // Qt reads more than that as a number: blanks around it, and a sign or another 0x behind 0x.
@@ -31,55 +59,28 @@ bool isDigits(const QString &text, bool isHexadecimal)
 
 }  // namespace
 
-QString withoutComment(const QString &line)
-{
-    return line.left(commentStart(line)).trimmed();
-}
-
 std::optional<QStringList> wordsOf(const QString &line)
 {
-    QStringList words;
-    QString word;
-    bool isInWord = false;
-    bool isQuoted = false;
-    const QString text = withoutComment(line);
-    for (qsizetype i = 0; i < text.size(); ++i) {
-        const QChar character = text.at(i);
-        if (!isQuoted && character.isSpace()) {
-            if (isInWord)
-                words.append(word);
-            word.clear();
-            isInWord = false;
-            continue;
-        }
-        isInWord = true;
-        if (character == u'"')
-            isQuoted = !isQuoted;
-        else if (isQuoted && character == u'\\' && i + 1 < text.size())
-            word.append(text.at(++i));
-        else
-            word.append(character);
-    }
-    if (isQuoted)
-        return std::nullopt;
-    if (isInWord)
-        words.append(word);
-    return words;
+    const Tokens tokens = tokensOf(line);
+    return tokens.isQuoteOpen ? std::nullopt : std::optional<QStringList>(tokens.words);
+}
+
+QString withoutComment(const QString &line)
+{
+    const Tokens tokens = tokensOf(line);
+    return tokens.starts.isEmpty() ? QString() : written(line, tokens.starts.first(), tokens.end);
 }
 
 QString behindFirstWord(const QString &line)
 {
-    bool isQuoted = false;
-    const QString text = withoutComment(line);
-    for (qsizetype i = 0; i < text.size(); ++i) {
-        if (isQuoted && text.at(i) == u'\\')
-            ++i;
-        else if (text.at(i) == u'"')
-            isQuoted = !isQuoted;
-        else if (!isQuoted && text.at(i).isSpace())
-            return text.sliced(i).trimmed();
-    }
-    return {};
+    const Tokens tokens = tokensOf(line);
+    return tokens.starts.size() < 2 ? QString() : written(line, tokens.starts.at(1), tokens.end);
+}
+
+QString withoutLastWord(const QString &line)
+{
+    const Tokens tokens = tokensOf(line);
+    return tokens.starts.isEmpty() ? QString() : written(line, tokens.starts.first(), tokens.starts.last());
 }
 
 std::optional<int> numberOf(const QString &word)
@@ -92,6 +93,12 @@ std::optional<int> numberOf(const QString &word)
     bool isNumber = false;
     const int number = isHexadecimal ? digits.toInt(&isNumber, 16) : word.toInt(&isNumber, 10);
     return isNumber ? std::optional<int>(number) : std::nullopt;
+}
+
+std::optional<int> onlyNumber(const QStringList &words, int lowest, int highest)
+{
+    const std::optional<int> number = words.size() == 1 ? numberOf(words.first()) : std::nullopt;
+    return number && *number >= lowest && *number <= highest ? number : std::nullopt;
 }
 
 std::optional<DeviceId> deviceIdOf(const QString &word)

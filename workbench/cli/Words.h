@@ -5,6 +5,7 @@
 #include <QtCore/QString>
 #include <QtCore/QStringList>
 
+#include <limits>
 #include <optional>
 
 /// A command line in its words. Blanks separate; double quotes keep blanks together, and inside them \" and \\ stand
@@ -14,11 +15,16 @@ std::optional<QStringList> wordsOf(const QString &line);
 /// The line without its comment and the blanks around it.
 QString withoutComment(const QString &line);
 
-/// What stands behind the first word, as it was written, without the comment and the blanks around it.
+/// What is behind the first word or before the last, as it was written, without the comment and the blanks around it.
 QString behindFirstWord(const QString &line);
+QString withoutLastWord(const QString &line);
 
 /// A whole number as the interfaces take them: decimal, or hexadecimal after 0x.
 std::optional<int> numberOf(const QString &word);
+
+/// The number that the only word is; no value when it is no number or outside the range, or the words are more.
+std::optional<int> onlyNumber(const QStringList &words, int lowest = std::numeric_limits<int>::min(),
+                              int highest = std::numeric_limits<int>::max());
 
 /// The id of a mouse or device: a whole number, decimal.
 std::optional<DeviceId> deviceIdOf(const QString &word);

@@ -3,6 +3,7 @@
 #include "TimelineWait.h"
 
 #include <QtCore/QCoreApplication>
+#include <QtCore/QFile>
 
 #include <algorithm>
 #include <utility>
@@ -67,6 +68,14 @@ void Workbench::removeMouse()
     m_devices.erase(current);
     if (!m_devices.empty())
         m_current = m_devices.begin()->first;
+}
+
+bool Workbench::unload()
+{
+    const bool isUnloaded = host.unload();
+    m_devices.clear();
+    // Its resources go with the library only.
+    return isUnloaded && !QFile::exists(QStringLiteral(":/com.orvane.KVX.Plugin.LogicalDevice.RV418"));
 }
 
 HostedDevice *Workbench::device() const

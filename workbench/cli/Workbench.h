@@ -48,6 +48,8 @@ public:
     bool useMouse(DeviceId id);
     /// Deletes the current logical device and takes its mouse away.
     void removeMouse();
+    /// Unloads the plugin and with it the devices that are left. False when something of it stays in the process.
+    bool unload();
     /// The current logical device; null when there is none.
     HostedDevice *device() const;
     DeviceId currentMouse() const { return m_current; }
@@ -55,10 +57,10 @@ public:
     bool hasMouse() const;
     bool hasSeveralDevices() const { return m_devices.size() > 1; }
 
-    /// To be told of each start of the current device.
+    /// To be called at each start of the current device.
     void noteStart();
 
-    /// Initializes the factory anew.
+    /// Initializes the factory again.
     void setLogSwitches(const LogSwitches &switches);
     LogSwitches logSwitches() const { return m_logSwitches; }
 

@@ -1,6 +1,5 @@
 #include "InspectCommand.h"
 #include "RunCommand.h"
-#include "SessionCommand.h"
 #include "ShellCommand.h"
 #include "StandardStreams.h"
 
@@ -40,16 +39,15 @@ int parseAndRun()
                "3 a request was refused, 4 a request was never confirmed.");
 
     std::string pluginFile;
-    SessionOptions sessionOptions;
+    RunOptions runOptions;
     CLI::App *session = app.add_subcommand(
         "session", "Play a session on one simulated mouse that checks itself at every step");
     session->add_option("--plugin", pluginFile, "The plugin library (default: the one beside this program)")
         ->option_text("FILE");
-    session->add_flag("--json", sessionOptions.isJson,
+    session->add_flag("--json", runOptions.isJson,
                       "Print the timeline as one JSON object a line, only that");
 
     std::string scenarioFile;
-    RunOptions runOptions;
     CLI::App *run = app.add_subcommand("run", "Play a scenario: commands from a file, one a line");
     run->add_option("FILE", scenarioFile, "The scenario; - for standard input")->required()->option_text(" ");
     run->add_option("--plugin", pluginFile, "The plugin library (default: the one beside this program)")
@@ -75,8 +73,8 @@ int parseAndRun()
     }
 
     if (session->parsed()) {
-        sessionOptions.pluginFile = QString::fromUtf8(pluginFile);
-        return static_cast<int>(runSession(sessionOptions));
+        runOptions.pluginFile = QString::fromUtf8(pluginFile);
+        return static_cast<int>(runSession(runOptions));
     }
     if (run->parsed()) {
         runOptions.file = QString::fromUtf8(scenarioFile);

@@ -1,0 +1,112 @@
+#pragma once
+
+#include "CallArgument.h"
+#include "ILogicalDeviceGen3.h"
+#include "ILogicalDeviceGen3Mouse.h"
+#include "IPhysicalDeviceDongle.h"
+
+#include <array>
+#include <cstddef>
+#include <type_traits>
+#include <utility>
+
+/// An operation between host, device and receiver. Operations.h has all of them.
+struct DeviceOperation
+{
+    enum class Side {
+        Call,            ///< the host calls the device
+        Report,          ///< the receiver reports to the device
+        ReceiverSignal,  ///< the receiver emits it; every started device reacts
+        Request,         ///< the device asks the receiver, which accepts or refuses
+        Read,            ///< the device reads a value from the receiver
+    };
+    using Call = QJsonValue (*)(ILogicalDeviceGen3Mouse &device, const QJsonArray &arguments);
+
+    const char *name = nullptr;
+    Side side = Side::Call;
+    /// Of the arguments without the device id; of a Read, of the value that is read.
+    std::array<ValueForm, 3> forms{};
+    std::size_t formCount = 0;
+    /// Calls the operation with arguments as the timeline has them, and answers the result; undefined when there is
+    /// none. Null for the receiver's own operations.
+    Call call = nullptr;
+
+    QString text() const { return QString::fromLatin1(name); }
+};
+
+/// An operation of the device that can be called with its own types, too.
+template <auto deviceFunction>
+struct CallableOperation : DeviceOperation
+{
+    static constexpr auto function = deviceFunction;
+};
+
+template <typename Function>
+struct MemberFunction;
+template <typename Result, typename Class, typename... Arguments>
+struct MemberFunction<Result (Class::*)(Arguments...)>
+{
+    using Interface = Class;
+};
+template <typename Function>
+using InterfaceOf = typename MemberFunction<Function>::Interface;
+
+/// The device through one of its interfaces.
+template <typename Interface>
+Interface &viewOf(ILogicalDeviceGen3Mouse &device)
+{
+    if constexpr (std::is_base_of_v<Interface, ILogicalDeviceGen3Mouse>)
+        return device;
+    else
+        return dynamic_cast<Interface &>(device);
+}
+
+template <auto function, typename Interface, typename Result, typename... Arguments, std::size_t... indices>
+QJsonValue callDevice(ILogicalDeviceGen3Mouse &device, const QJsonArray &arguments,
+                      Result (Interface::* /*function*/)(Arguments...), std::index_sequence<indices...> /*all*/)
+{
+    Interface &view = viewOf<Interface>(device);
+    if constexpr (std::is_void_v<Result>)
+        (view.*function)(CallArgument<std::decay_t<Arguments>>(arguments.at(indices)).value()...);
+    else
+        return timelineValue(
+            (view.*function)(CallArgument<std::decay_t<Arguments>>(arguments.at(indices)).value()...));
+    return QJsonValue::Undefined;
+}
+
+template <auto function, typename Interface, typename Result, typename... Arguments>
+constexpr CallableOperation<function> describe(const char *name, DeviceOperation::Side side,
+                                               Result (Interface::* /*function*/)(Arguments...))
+{
+    return {{name, side, {valueForm<std::decay_t<Arguments>>()...}, sizeof...(Arguments),
+             [](ILogicalDeviceGen3Mouse &device, const QJsonArray &arguments) {
+                 return callDevice<function>(device, arguments, function,
+                                             std::index_sequence_for<Arguments...>());
+             }}};
+}
+
+template <auto function>
+constexpr CallableOperation<function> describeCall(const char *name)
+{
+    return describe<function>(name, DeviceOperation::Side::Call, function);
+}
+
+template <auto function>
+constexpr CallableOperation<function> describeReport(const char *name)
+{
+    return describe<function>(name, DeviceOperation::Side::Report, function);
+}
+
+template <typename... Arguments>
+constexpr DeviceOperation describeRequest(const char *name,
+                                          bool (IPhysicalDeviceDongle::* /*function*/)(DeviceId, Arguments...))
+{
+    return {name, DeviceOperation::Side::Request, {valueForm<Arguments>()...}, sizeof...(Arguments), nullptr};
+}
+
+template <typename Value, typename... Arguments>
+constexpr DeviceOperation describeRead(const char *name,
+                                       Value (IPhysicalDeviceDongle::* /*function*/)(DeviceId, Arguments...))
+{
+    return {name, DeviceOperation::Side::Read, {valueForm<Value>()}, 1, nullptr};
+}
