@@ -24,6 +24,7 @@ KEYS = {
     "by": "by",
     "says": "says",
     "raw-host": "raw_host",
+    "session": "session",
     "without": "without",
     "reason": "reason",
 }
@@ -42,6 +43,7 @@ class Variant:
     by: str = "fail"
     says: str = ""
     raw_host: str = ""
+    session: str = ""
     old: str = ""
     new: str = ""
     compile: list = field(default_factory=list)
