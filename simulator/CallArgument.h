@@ -30,84 +30,49 @@ constexpr ValueForm valueForm()
         return ValueForm::Number;
 }
 
-/// An argument of a call, made from what the timeline has of it. What value() points to lives as long as this.
+/// The value back from what the timeline has of it. For a pointer, what it points to.
 template <typename Value>
-class CallArgument
+auto takenValue(const QJsonValue &value)
 {
-public:
-    explicit CallArgument(const QJsonValue &value) : m_value(value) {}
-
-    Value value() const
-    {
-        if constexpr (std::is_same_v<Value, bool>)
-            return m_value.toBool();
-        else if constexpr (std::is_same_v<Value, QString>)
-            return m_value.toString();
-        else if constexpr (std::is_same_v<Value, QStringList>)
-            return m_value.toVariant().toStringList();
-        else  // numbers beyond 2^53 are texts there
-            return static_cast<Value>(m_value.isString() ? m_value.toString().toULongLong()
-                                                         : static_cast<quint64>(m_value.toInteger()));
+    if constexpr (std::is_same_v<Value, bool>) {
+        return value.toBool();
+    } else if constexpr (std::is_same_v<Value, QString>) {
+        return value.toString();
+    } else if constexpr (std::is_same_v<Value, QStringList>) {
+        return value.toVariant().toStringList();
+    } else if constexpr (std::is_same_v<Value, QList<int>>) {
+        return numbersOf(value);
+    } else if constexpr (std::is_same_v<Value, QVariantMap>) {
+        return HostMap(settingsOf(value));
+    } else if constexpr (std::is_same_v<Value, const quint16 *>) {
+        std::array<quint16, dpiSlotCount> values{};
+        const QList<int> numbers = numbersOf(value);
+        for (std::size_t slot = 0; slot < values.size(); ++slot)
+            values[slot] = static_cast<quint16>(numbers.value(static_cast<qsizetype>(slot)));
+        return values;
+    } else if constexpr (std::is_same_v<Value, const ReportRateInfo *>) {
+        return reportRateInfoOf(value);
+    } else {  // numbers beyond 2^53 are texts there
+        return static_cast<Value>(value.isString() ? value.toString().toULongLong()
+                                                   : static_cast<quint64>(value.toInteger()));
     }
+}
 
-private:
-    QJsonValue m_value;
-};
-
-template <>
-class CallArgument<QList<int>>
+/// What is passed to an operation for a value. A pointer is valid as long as the value.
+template <typename Value>
+const Value &passed(const Value &value)
 {
-public:
-    explicit CallArgument(const QJsonValue &value)
-    {
-        const QJsonArray array = value.toArray();
-        for (const auto number : array)
-            m_numbers.append(number.toInt());
-    }
-
-    const QList<int> &value() const { return m_numbers; }
-
-private:
-    QList<int> m_numbers;
-};
-
-template <>
-class CallArgument<QVariantMap>
+    return value;
+}
+inline HostMap passed(const QVariantMap &values)
 {
-public:
-    explicit CallArgument(const QJsonValue &value) : m_settings(settingsOf(value)) {}
-
-    const QVariantMap &value() const { return m_settings.map(); }
-
-private:
-    HostMap m_settings;
-};
-
-template <>
-class CallArgument<const quint16 *>
+    return HostMap(values);
+}
+inline const quint16 *passed(const std::array<quint16, dpiSlotCount> &values)
 {
-public:
-    explicit CallArgument(const QJsonValue &value)
-    {
-        const QJsonArray array = value.toArray();
-        for (std::size_t slot = 0; slot < m_values.size(); ++slot)
-            m_values[slot] = static_cast<quint16>(array.at(static_cast<qsizetype>(slot)).toInt());
-    }
-
-    const quint16 *value() const { return m_values.data(); }
-
-private:
-    std::array<quint16, dpiSlotCount> m_values{};
-};
-
-template <>
-class CallArgument<const ReportRateInfo *>
+    return values.data();
+}
+inline const ReportRateInfo *passed(const ReportRateInfo &info)
 {
-public:
-    explicit CallArgument(const QJsonValue &value) : m_info(reportRateInfoOf(value)) {}
-
-    const ReportRateInfo *value() const { return &m_info; }
-
-private:
-    ReportRateInfo m_info;
-};
+    return &info;
+}

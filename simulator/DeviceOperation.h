@@ -63,22 +63,29 @@ Interface &viewOf(ILogicalDeviceGen3Mouse &device)
 
 template <auto function, typename Interface, typename Result, typename... Arguments, std::size_t... indices>
 QJsonValue callDevice(ILogicalDeviceGen3Mouse &device, const QJsonArray &arguments,
-                      Result (Interface::* /*function*/)(Arguments...), std::index_sequence<indices...> /*all*/)
+                      Result (Interface::* /*function*/)(Arguments...),
+                      std::index_sequence<indices...> /*all*/)
 {
-    Interface &view = viewOf<Interface>(device);
-    if constexpr (std::is_void_v<Result>)
-        (view.*function)(CallArgument<std::decay_t<Arguments>>(arguments.at(indices)).value()...);
-    else
-        return timelineValue(
-            (view.*function)(CallArgument<std::decay_t<Arguments>>(arguments.at(indices)).value()...));
-    return QJsonValue::Undefined;
+    const auto call = [&]() -> Result {
+        return (viewOf<Interface>(device).*
+                function)(passed(takenValue<std::decay_t<Arguments>>(arguments.at(indices)))...);
+    };
+    if constexpr (std::is_void_v<Result>) {
+        call();
+        return QJsonValue::Undefined;
+    } else {
+        return timelineValue(call());
+    }
 }
 
 template <auto function, typename Interface, typename Result, typename... Arguments>
 constexpr CallableOperation<function> describe(const char *name, DeviceOperation::Side side,
                                                Result (Interface::* /*function*/)(Arguments...))
 {
-    return {{name, side, {valueForm<std::decay_t<Arguments>>()...}, sizeof...(Arguments),
+    return {{name,
+             side,
+             {valueForm<std::decay_t<Arguments>>()...},
+             sizeof...(Arguments),
              [](ILogicalDeviceGen3Mouse &device, const QJsonArray &arguments) {
                  return callDevice<function>(device, arguments, function,
                                              std::index_sequence_for<Arguments...>());
@@ -98,8 +105,8 @@ constexpr CallableOperation<function> describeReport(const char *name)
 }
 
 template <typename... Arguments>
-constexpr DeviceOperation describeRequest(const char *name,
-                                          bool (IPhysicalDeviceDongle::* /*function*/)(DeviceId, Arguments...))
+constexpr DeviceOperation
+describeRequest(const char *name, bool (IPhysicalDeviceDongle::* /*function*/)(DeviceId, Arguments...))
 {
     return {name, DeviceOperation::Side::Request, {valueForm<Arguments>()...}, sizeof...(Arguments), nullptr};
 }

@@ -17,14 +17,3 @@ public:
 private:
     QVariant m_map;
 };
-
-/// What a host passes for a value: the value, or a map that Qt has built.
-template <typename Value>
-const Value &passed(const Value &value)
-{
-    return value;
-}
-inline HostMap passed(const QVariantMap &values)
-{
-    return HostMap(values);
-}

@@ -6,7 +6,7 @@
 #include <QtCore/QMutex>
 #include <QtCore/QMutexLocker>
 
-using namespace Qt::StringLiterals;
+#include <array>
 
 namespace {
 
@@ -23,22 +23,8 @@ ActiveRecorders &activeRecorders()
     return active;
 }
 
-QString severityWord(QtMsgType severity)
-{
-    switch (severity) {
-    case QtDebugMsg:
-        return u"debug"_s;
-    case QtInfoMsg:
-        return u"info"_s;
-    case QtWarningMsg:
-        return u"warning"_s;
-    case QtCriticalMsg:
-        return u"critical"_s;
-    case QtFatalMsg:
-        break;
-    }
-    return u"fatal"_s;
-}
+// In the order of QtMsgType.
+constexpr std::array severityWords{"debug", "warning", "critical", "fatal", "info"};
 
 }  // namespace
 
@@ -70,7 +56,9 @@ void LogRecorder::handle(QtMsgType severity, const QMessageLogContext &context, 
             return;
         LogRecorder *recorder = active.recorders.last();
         previous = active.recorders.first()->m_previous;
-        recorder->m_timeline.recordLog(severityWord(severity), QString::fromUtf8(context.category), text);
+        recorder->m_timeline.recordLog(
+            QString::fromLatin1(severityWords.at(static_cast<std::size_t>(severity))),
+            QString::fromUtf8(context.category), text);
     }
     if (severity == QtFatalMsg && previous)
         previous(severity, context, text);

@@ -29,7 +29,8 @@ public:
     int getDeviceValue(DeviceId id) override { return ask<int>(reads::getDeviceValue, id); }
     quintptr forwardedOperation(DeviceId id, quintptr argument2, quintptr argument3) override
     {
-        return ask<quintptr>(reads::forwardedOperation, id, {timelineValue(argument2), timelineValue(argument3)});
+        return ask<quintptr>(reads::forwardedOperation, id,
+                             {timelineValue(argument2), timelineValue(argument3)});
     }
     bool isSmartPointerSupported(DeviceId id) override
     {
@@ -94,6 +95,6 @@ private:
     template <typename Result>
     Result ask(const DeviceOperation &operation, std::optional<DeviceId> id, const QJsonArray &arguments = {})
     {
-        return CallArgument<Result>(answer(operation, id, arguments)).value();
+        return takenValue<Result>(answer(operation, id, arguments));
     }
 };

@@ -18,7 +18,7 @@ class SignalRecorder : public QObject
 {
 public:
     /// sender is not owned and may be deleted first. device: what the entries name as their device.
-    /// A signal that cannot be connected is told by a verdict on the timeline, and isComplete() is false.
+    /// A signal that cannot be connected leaves a verdict on the timeline, and isComplete() is false.
     SignalRecorder(Timeline &timeline, QObject *sender, std::optional<DeviceId> device);
     Q_DISABLE_COPY_MOVE(SignalRecorder)
 

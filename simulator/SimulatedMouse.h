@@ -61,13 +61,14 @@ struct SimulatedMouse
     QList<MouseMessage> releaseButton(int buttonNumber);
     /// The button that only changes the DPI slot, from the last to the first.
     QList<MouseMessage> pressDpiButton();
+    QList<MouseMessage> releaseDpiButton() { return {}; }
     /// The smart-pointer key is reported whatever is diverted; a mouse without one reports nothing.
     QList<MouseMessage> pressSmartPointerKey();
     QList<MouseMessage> releaseSmartPointerKey();
     /// percent: what is taken from the battery, down to 0; negative charges it, up to 100.
     QList<MouseMessage> drainBattery(int percent);
     QList<MouseMessage> sleep();
-    /// Tells everything anew when the settings were lost, then does what was asked while it slept.
+    /// Reports everything when the settings were lost, then does what was requested while it slept.
     QList<MouseMessage> wake();
 
 private:

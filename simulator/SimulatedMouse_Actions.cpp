@@ -1,6 +1,5 @@
-#include "SimulatedMouse.h"
-
 #include "Operations.h"
+#include "SimulatedMouse.h"
 
 #include <algorithm>
 #include <utility>
@@ -97,7 +96,7 @@ QList<MouseMessage> SimulatedMouse::wake()
     return reports;
 }
 
-// The held buttons that the host is told of.
+// The held buttons that are reported to the host.
 QList<MouseMessage> SimulatedMouse::buttonReport() const
 {
     if (isAsleep)

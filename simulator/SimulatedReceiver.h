@@ -20,7 +20,7 @@ class ILogicalDeviceGen3Mouse;
 ///
 /// Every call of the plugin is recorded. A request that is accepted reaches the mouse after answerDelay(),
 /// through the event loop of the receiver's thread and never inside the request; the mouse's reports are
-/// delivered there, in the order in which the requests came, unless told otherwise. Reports for a mouse without
+/// delivered there, in the order in which the requests came, unless a fault changes that. Reports for a mouse without
 /// an attached device are dropped. The DPI range travels by signals that name no mouse: every started device hears them.
 ///
 /// The plugin may call from any thread, and so may everybody else, except where it says otherwise.

@@ -8,6 +8,7 @@
 #include <QtCore/QThread>
 
 #include <algorithm>
+#include <array>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -16,25 +17,12 @@ namespace {
 
 constexpr QLatin1StringView ownCategoryPrefix{"com.orvane.KVX.Plugin.LogicalDevice."};
 
+// In the order of TimelineEntry::Kind.
+constexpr std::array kindWords{"call", "receiver", "report", "signal", "log", "host", "verdict"};
+
 QString kindWord(const TimelineEntry &entry)
 {
-    switch (entry.kind) {
-    case TimelineEntry::Kind::Call:
-        return u"call"_s;
-    case TimelineEntry::Kind::Receiver:
-        return u"receiver"_s;
-    case TimelineEntry::Kind::Report:
-        return u"report"_s;
-    case TimelineEntry::Kind::Signal:
-        return u"signal"_s;
-    case TimelineEntry::Kind::Log:
-        return u"log"_s;
-    case TimelineEntry::Kind::HostService:
-        return u"host"_s;
-    case TimelineEntry::Kind::Verdict:
-        break;
-    }
-    return u"verdict"_s;
+    return QString::fromLatin1(kindWords.at(static_cast<std::size_t>(entry.kind)));
 }
 
 QString lineStart(const TimelineEntry &entry, bool showsDevice)
@@ -230,16 +218,16 @@ void Timeline::setObserver(std::function<void(const TimelineEntry &)> observer)
     m_observer = std::move(observer);
 }
 
-void Timeline::setWitness(std::function<void(const TimelineEntry &)> witness)
+void Timeline::setLastingObserver(std::function<void(const TimelineEntry &)> observer)
 {
     const QMutexLocker locker(&m_mutex);
-    m_witness = std::move(witness);
+    m_lastingObserver = std::move(observer);
 }
 
 quint64 Timeline::append(TimelineEntry entry)
 {
     std::function<void(const TimelineEntry &)> observer;
-    std::function<void(const TimelineEntry &)> witness;
+    std::function<void(const TimelineEntry &)> lastingObserver;
     {
         const QMutexLocker locker(&m_mutex);
         entry.sequence = ++m_lastSequence;
@@ -248,10 +236,10 @@ quint64 Timeline::append(TimelineEntry entry)
         entry.thread = threadNumber();
         m_entries.append(entry);
         observer = m_observer;
-        witness = m_witness;
+        lastingObserver = m_lastingObserver;
     }
-    if (witness)
-        witness(entry);
+    if (lastingObserver)
+        lastingObserver(entry);
     if (observer)
         observer(entry);
     return entry.sequence;

@@ -23,7 +23,7 @@ struct TimelineEntry
         Signal,       ///< a signal of a device or of the receiver: name, arguments
         Log,          ///< a line of Qt's message logger: name is the severity, text in arguments[0]
         HostService,  ///< the plugin calls the host's service object: name, arguments
-        Verdict,      ///< the observer itself judges or notes something: text in arguments[0]
+        Verdict,      ///< the simulation itself notes something: text in arguments[0]
     };
 
     quint64 sequence = 0;               ///< 1, 2, 3 ... without gaps
@@ -82,8 +82,8 @@ public:
 
     /// Called for each new entry, on the thread that records it, with no lock held; one observer at a time.
     void setObserver(std::function<void(const TimelineEntry &)> observer);
-    /// As an observer, and beside it, for as long as the timeline lives.
-    void setWitness(std::function<void(const TimelineEntry &)> witness);
+    /// Another one, which is called before it and stays as long as the timeline lives.
+    void setLastingObserver(std::function<void(const TimelineEntry &)> observer);
 
 private:
     quint64 append(TimelineEntry entry);
@@ -95,5 +95,5 @@ private:
     QList<TimelineEntry> m_entries;
     quint64 m_lastSequence = 0;
     std::function<void(const TimelineEntry &)> m_observer;
-    std::function<void(const TimelineEntry &)> m_witness;
+    std::function<void(const TimelineEntry &)> m_lastingObserver;
 };

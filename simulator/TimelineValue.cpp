@@ -89,14 +89,23 @@ QJsonValue timelineValue(const ReportRateInfo *info)
 
 ReportRateInfo reportRateInfoOf(const QJsonValue &value)
 {
-    const QJsonArray rates = value["supportedRates"_L1].toArray();
+    const QList<int> rates = numbersOf(value["supportedRates"_L1]);
     ReportRateInfo info{};
     info.unused = static_cast<quint16>(value["unused"_L1].toInt());
     info.currentRate = static_cast<quint16>(value["currentRate"_L1].toInt());
     qsizetype index = 0;
     for (quint16 &rate : info.supportedRates)
-        rate = static_cast<quint16>(rates.at(index++).toInt());
+        rate = static_cast<quint16>(rates.value(index++));
     return info;
+}
+
+QList<int> numbersOf(const QJsonValue &value)
+{
+    QList<int> numbers;
+    const QJsonArray array = value.toArray();
+    for (const auto number : array)
+        numbers.append(number.toInt());
+    return numbers;
 }
 
 QVariantMap settingsOf(const QJsonValue &value)

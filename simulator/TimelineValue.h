@@ -43,6 +43,7 @@ QJsonValue timelineValue(const ReportRateInfo *info);
 /// Back from what the timeline keeps; what is missing is 0.
 ReportRateInfo reportRateInfoOf(const QJsonValue &value);
 QVariantMap settingsOf(const QJsonValue &value);
+QList<int> numbersOf(const QJsonValue &value);
 
 /// The value as it stands on a readable line: strings in quotes, arrays in brackets.
 QString readableValue(const QJsonValue &value);

@@ -1,6 +1,10 @@
 #include "Kvx.h"
 
+#include "PluginFixture.h"
+
 #include <QtCore/QProcess>
+
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -32,6 +36,17 @@ KvxRun runProgram(const QString &program, const QStringList &arguments, const QB
     run.output = lines(process.readAllStandardOutput());
     run.errors = lines(process.readAllStandardError());
     return run;
+}
+
+KvxRun playLines(const QStringList &lines)
+{
+    return runKvx({u"run"_s, u"--plugin"_s, PluginFixture::builtPluginFile(), u"-"_s},
+                  lines.join(u'\n').toUtf8());
+}
+
+QString errorAt(int line, const QString &text)
+{
+    return u"kvx: -:%1: %2"_s.arg(line).arg(text);
 }
 
 QString wrongLibrary(const QString &name)

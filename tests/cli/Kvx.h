@@ -17,5 +17,10 @@ KvxRun runKvx(const QStringList &arguments, const QByteArray &input = {});
 /// The same with a copy of the command.
 KvxRun runProgram(const QString &program, const QStringList &arguments, const QByteArray &input = {});
 
+/// A scenario of these lines, run with the library under test.
+KvxRun playLines(const QStringList &lines);
+/// What kvx says of one of these lines.
+QString errorAt(int line, const QString &text);
+
 /// A library of the tests that is wrong in the way that its name says.
 QString wrongLibrary(const QString &name);

@@ -1,25 +1,8 @@
 #include "Kvx.h"
-#include "PluginFixture.h"
 
 #include <QtTest/QTest>
 
 using namespace Qt::StringLiterals;
-
-namespace {
-
-// A scenario of these lines, run.
-KvxRun play(const QStringList &lines)
-{
-    return runKvx({u"run"_s, u"--plugin"_s, PluginFixture::builtPluginFile(), u"-"_s},
-                  lines.join(u'\n').toUtf8());
-}
-
-QString errorAt(int line, const QString &text)
-{
-    return u"kvx: -:%1: %2"_s.arg(line).arg(text);
-}
-
-}  // namespace
 
 /// The commands of kvx run for what is out of the ordinary: other threads, devices without a receiver, the log.
 class tst_KvxRoutes : public QObject
@@ -33,13 +16,11 @@ private Q_SLOTS:
     void devicesNeedNoReceiver();
     void secondStartIsSurvived();
     void logIsSwitchedOffAndOn();
-    void badLines_data();
-    void badLines();
 };
 
 void tst_KvxRoutes::otherThreadIsNoticed()
 {
-    const KvxRun run = play(
+    const KvxRun run = playLines(
         {u"mouse 1"_s, u"other-thread start"_s, u"other-thread setReportRate 125"_s,
          u"other-thread setDpiSlotValues 100 200 300 400 500"_s, u"other-thread setActiveDpiSlotIndex 1"_s,
          u"other-thread setDpiButtonId 3"_s, u"other-thread disbaleButtonsOrKeys 1"_s,
@@ -56,8 +37,8 @@ void tst_KvxRoutes::otherThreadIsNoticed()
           u"report setBatteryLevel(5) on thread 2"_s, u"call stop() on thread 2"_s})
         QVERIFY2(run.output.contains(line), qPrintable(line));
     // The outcome is that of the request.
-    QCOMPARE(play({u"mouse 1"_s, u"start"_s, u"fault setReportRate refuse"_s,
-                   u"other-thread setReportRate 125 => refused"_s})
+    QCOMPARE(playLines({u"mouse 1"_s, u"start"_s, u"fault setReportRate refuse"_s,
+                        u"other-thread setReportRate 125 => refused"_s})
                  .exitCode,
              0);
 }
@@ -66,7 +47,7 @@ void tst_KvxRoutes::queuedSignalsComeWhenItSettles()
 {
     const QString request = u"call setReportRate(1000) on thread 2 | receiver setReportRate(1000) -> true on "
                             "thread 2 | verdict fault on setReportRate: drop on thread 2"_s;
-    const KvxRun run = play(
+    const KvxRun run = playLines(
         {u"mouse 1"_s, u"start"_s, u"fault setReportRate drop"_s, u"other-thread setReportRate 1000 nowait"_s,
          u"expect timeline "_s + request,
          // It does not wait behind the signals.
@@ -82,7 +63,7 @@ void tst_KvxRoutes::queuedSignalsComeWhenItSettles()
 
 void tst_KvxRoutes::reportsComeInsideARequest()
 {
-    const KvxRun run = play(
+    const KvxRun run = playLines(
         {u"mouse 1"_s, u"start"_s, u"inside-request report setBatteryLevel 5"_s, u"expect batteryLevel 80"_s,
          u"fault setReportRate drop"_s, u"setReportRate 1000 nowait"_s,
          u"expect timeline receiver setReportRate(1000) -> true | verdict fault on setReportRate: drop | "
@@ -96,21 +77,21 @@ void tst_KvxRoutes::reportsComeInsideARequest()
 
 void tst_KvxRoutes::devicesNeedNoReceiver()
 {
-    const KvxRun run = play({u"device 1 none"_s, u"start"_s,
-                             u"expect timeline call start() -> true | "
-                             "signal instanceNumberChanged(0)"_s,
-                             u"report setBatteryLevel 5"_s, u"expect batteryLevel 5"_s, u"device 2 other"_s,
-                             u"start"_s, u"setDpiButtonId 3"_s,
-                             u"expect log debug RV418.LogicalDevice: Setting new dpi button id :  3 | "
-                             "warning RV418.LogicalDevice: Unknown IPhysicalDevice interface"_s,
-                             u"remove"_s, u"use 1"_s, u"remove"_s});
+    const KvxRun run = playLines({u"device 1 none"_s, u"start"_s,
+                                  u"expect timeline call start() -> true | "
+                                  "signal instanceNumberChanged(0)"_s,
+                                  u"report setBatteryLevel 5"_s, u"expect batteryLevel 5"_s,
+                                  u"device 2 other"_s, u"start"_s, u"setDpiButtonId 3"_s,
+                                  u"expect log debug RV418.LogicalDevice: Setting new dpi button id :  3 | "
+                                  "warning RV418.LogicalDevice: Unknown IPhysicalDevice interface"_s,
+                                  u"remove"_s, u"use 1"_s, u"remove"_s});
     QCOMPARE(run.errors, QStringList());
     QCOMPARE(run.exitCode, 0);
-    QCOMPARE(play({u"device 1 none"_s, u"forwardToPhysicalDevice 1 2 3"_s}).errors,
+    QCOMPARE(playLines({u"device 1 none"_s, u"forwardToPhysicalDevice 1 2 3"_s}).errors,
              QStringList{errorAt(2, u"device 1 has no physical device; see mouse and use"_s)});
     for (const QString &line :
          {u"set dpiMin 5"_s, u"press 1"_s, u"release 1"_s, u"drain 1"_s, u"sleep"_s, u"wake"_s}) {
-        const KvxRun refused = play({u"device 1 none"_s, line});
+        const KvxRun refused = playLines({u"device 1 none"_s, line});
         QCOMPARE(refused.errors, QStringList{errorAt(2, u"device 1 has no mouse; see mouse and use"_s)});
         QCOMPARE(refused.exitCode, 2);
     }
@@ -118,64 +99,22 @@ void tst_KvxRoutes::devicesNeedNoReceiver()
 
 void tst_KvxRoutes::secondStartIsSurvived()
 {
-    const KvxRun run = play({u"mouse 1"_s, u"start"_s, u"start"_s, u"mouse 2"_s, u"start"_s, u"use 1"_s});
+    const KvxRun run =
+        playLines({u"mouse 1"_s, u"start"_s, u"start"_s, u"mouse 2"_s, u"start"_s, u"use 1"_s});
     QCOMPARE(run.errors, QStringList());
     QCOMPARE(run.exitCode, 0);
 }
 
 void tst_KvxRoutes::logIsSwitchedOffAndOn()
 {
-    const KvxRun run = play({u"mouse 1"_s, u"log debug off"_s, u"start"_s, u"expect log"_s,
-                             u"log warning off debug on"_s, u"stop"_s,
-                             u"expect log debug RV418.LogicalDevice: stop enter | "
-                             "debug RV418.LogicalDevice: stop exit"_s});
+    const KvxRun run = playLines({u"mouse 1"_s, u"log debug off"_s, u"start"_s, u"expect log"_s,
+                                  u"log warning off debug on"_s, u"stop"_s,
+                                  u"expect log debug RV418.LogicalDevice: stop enter | "
+                                  "debug RV418.LogicalDevice: stop exit"_s});
     QCOMPARE(run.errors, QStringList());
     QCOMPARE(run.exitCode, 0);
     QVERIFY(run.output.contains(u"call initialize(false, true, true)"_s));
     QVERIFY(run.output.contains(u"call initialize(true, false, true)"_s));
-}
-
-void tst_KvxRoutes::badLines_data()
-{
-    QTest::addColumn<QString>("line");
-    QTest::addColumn<QString>("word");
-    const auto row = [](const char *tag, const QString &line, const QString &word) {
-        QTest::newRow(tag) << line << word;
-    };
-    row("device-id", u"device none"_s, u"\"none\" is not a device id"_s);
-    row("device-nowhere", u"device 2"_s, u"\"\" is not a physical device"_s);
-    row("device-where", u"device 2 receiver"_s, u"\"receiver\" is not a physical device"_s);
-    row("device-twice", u"device 1 none"_s, u"there is a device 1 already"_s);
-    row("log-nothing", u"log"_s, u"\"\" is not a log switch: debug, warning, critical"_s);
-    row("log-unknown", u"log debug off info off"_s, u"\"info\" is not a log switch"_s);
-    row("log-half", u"log debug off warning"_s, u"\"\" is not on or off, for the log switch warning"_s);
-    row("log-state", u"log debug 0"_s, u"\"0\" is not on or off"_s);
-    row("settle", u"settle down"_s, u"\"down\" is not wanted here"_s);
-    row("other-thread-nothing", u"other-thread"_s,
-        u"\"\" is not a command that can come so; there are start"_s);
-    row("other-thread-mouse", u"other-thread mouse 2"_s, u"\"mouse\" is not a command that can come so"_s);
-    row("other-thread-twice", u"other-thread other-thread stop"_s,
-        u"\"other-thread\" is not a command that can come so"_s);
-    row("other-thread-word", u"other-thread setReportRate fast"_s,
-        u"\"fast\" is not what setReportRate takes: a number"_s);
-    row("other-thread-event", u"other-thread report mouseEventCallBack 1"_s,
-        u"mouseEventCallBack must come on the device's thread"_s);
-    row("at-once", u"at-once start"_s, u"\"start\" is not a command that can come so; there are report"_s);
-    row("inside-request", u"inside-request stop"_s, u"\"stop\" is not a command that can come so"_s);
-    row("inside-request-event", u"inside-request report mouseEventCallBack 1"_s,
-        u"mouseEventCallBack must come on the device's thread"_s);
-    row("inside-request-report", u"inside-request report weather 1"_s, u"\"weather\" is not a report"_s);
-}
-
-void tst_KvxRoutes::badLines()
-{
-    QFETCH(const QString, line);
-    QFETCH(const QString, word);
-    const KvxRun run = play({u"mouse 1"_s, u"start"_s, line});
-    QCOMPARE(run.exitCode, 2);
-    QCOMPARE(run.errors.size(), qsizetype(1));
-    QVERIFY2(run.errors.first().startsWith(errorAt(3, word)), qPrintable(run.errors.first()));
-    QCOMPARE(run.output.last(), u"> "_s + line);
 }
 
 QTEST_GUILESS_MAIN(tst_KvxRoutes)

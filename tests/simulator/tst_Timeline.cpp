@@ -62,7 +62,7 @@ private Q_SLOTS:
     void timeNeverGoesBack();
     void resultOfAForgottenEntryIsIgnored();
     void observerSeesEachEntryWithNoLockHeld();
-    void witnessStaysWhenTheObserverChanges();
+    void lastingObserverStaysWhenTheOtherChanges();
     void manyThreadsRecordAtOnce();
 };
 
@@ -247,12 +247,12 @@ void tst_Timeline::observerSeesEachEntryWithNoLockHeld()
     QCOMPARE(seen.size(), 3);
 }
 
-void tst_Timeline::witnessStaysWhenTheObserverChanges()
+void tst_Timeline::lastingObserverStaysWhenTheOtherChanges()
 {
     Timeline timeline;
     QStringList seen;
-    timeline.setWitness([&](const TimelineEntry &entry) {
-        seen.append(u"witness %1"_s.arg(entry.sequence));
+    timeline.setLastingObserver([&](const TimelineEntry &entry) {
+        seen.append(u"lasting %1"_s.arg(entry.sequence));
         // Would never return with the lock held.
         seen.append(u"of %1"_s.arg(timeline.lastSequence()));
     });
@@ -262,8 +262,8 @@ void tst_Timeline::witnessStaysWhenTheObserverChanges()
     timeline.recordVerdict(u"v"_s);
     timeline.setObserver({});
     timeline.recordVerdict(u"v"_s);
-    COMPARE_LINES(seen, {u"witness 1"_s, u"of 1"_s, u"witness 2"_s, u"of 2"_s, u"observer 2"_s,
-                         u"witness 3"_s, u"of 3"_s});
+    COMPARE_LINES(seen, {u"lasting 1"_s, u"of 1"_s, u"lasting 2"_s, u"of 2"_s, u"observer 2"_s,
+                         u"lasting 3"_s, u"of 3"_s});
 }
 
 void tst_Timeline::manyThreadsRecordAtOnce()

@@ -116,6 +116,9 @@ private:
     CommandResult set(const QStringList &words);
     CommandResult press(const QStringList &words);
     CommandResult release(const QStringList &words);
+    using KeyAction = QList<MouseMessage> (SimulatedMouse::*)();
+    CommandResult moveButton(const QStringList &words, QList<MouseMessage> (SimulatedMouse::*button)(int),
+                             KeyAction smartPointerKey, KeyAction dpiButton);
     CommandResult drain(const QStringList &words);
     CommandResult sleep(const QStringList &words);
     CommandResult wake(const QStringList &words);
@@ -139,9 +142,9 @@ private:
 
     std::function<void(const QString &)> m_print;
     Workbench m_workbench;
-    quint64 m_taken = 0;          // the last entry that takeEntries() gave
-    quint64 m_signalCursor = 0;   // the last entry that "expect signal" or "wait" has used
-    quint64 m_lastAction = 0;     // the last entry before the last action
+    quint64 m_taken = 0;            // the last entry that takeEntries() gave
+    quint64 m_signalCursor = 0;     // the last entry that "expect signal" or "wait" has used
+    quint64 m_lastAction = 0;       // the last entry before the last action
     qsizetype m_comparedLines = 0;  // of the last action, by "=" lines
     int m_checkCount = 0;
     // Of the line that is executed: the command and what is behind it, or in front of it.

@@ -4,18 +4,6 @@
 
 using namespace Qt::StringLiterals;
 
-namespace {
-
-constexpr int firstButton = 1;
-constexpr int lastButton = 5;
-
-QString wantedButton()
-{
-    return u"a button: %1 to %2, dpi or smart"_s.arg(firstButton).arg(lastButton);
-}
-
-}  // namespace
-
 CommandResult Scenario::set(const QStringList &words)
 {
     std::optional<QString> problem;
@@ -33,26 +21,29 @@ CommandResult Scenario::act(const std::function<QList<MouseMessage>(SimulatedMou
 
 CommandResult Scenario::press(const QStringList &words)
 {
-    if (words == QStringList{u"dpi"_s})
-        return act([](SimulatedMouse &mouse) { return mouse.pressDpiButton(); });
-    if (words == QStringList{u"smart"_s})
-        return act([](SimulatedMouse &mouse) { return mouse.pressSmartPointerKey(); });
-    const std::optional<int> number = onlyNumber(words, firstButton, lastButton);
-    if (!number)
-        return wrongWord(words.join(u' '), wantedButton());
-    return act([&](SimulatedMouse &mouse) { return mouse.pressButton(*number); });
+    return moveButton(words, &SimulatedMouse::pressButton, &SimulatedMouse::pressSmartPointerKey,
+                      &SimulatedMouse::pressDpiButton);
 }
 
 CommandResult Scenario::release(const QStringList &words)
 {
-    if (words == QStringList{u"dpi"_s})
-        return {};
-    if (words == QStringList{u"smart"_s})
-        return act([](SimulatedMouse &mouse) { return mouse.releaseSmartPointerKey(); });
-    const std::optional<int> number = onlyNumber(words, firstButton, lastButton);
+    return moveButton(words, &SimulatedMouse::releaseButton, &SimulatedMouse::releaseSmartPointerKey,
+                      &SimulatedMouse::releaseDpiButton);
+}
+
+CommandResult Scenario::moveButton(const QStringList &words,
+                                   QList<MouseMessage> (SimulatedMouse::*button)(int),
+                                   KeyAction smartPointerKey, KeyAction dpiButton)
+{
+    constexpr int buttonCount = 5;
+    const bool isDpiButton = words == QStringList{u"dpi"_s};
+    if (isDpiButton || words == QStringList{u"smart"_s})
+        return act(
+            [&](SimulatedMouse &mouse) { return (mouse.*(isDpiButton ? dpiButton : smartPointerKey))(); });
+    const std::optional<int> number = onlyNumber(words, 1, buttonCount);
     if (!number)
-        return wrongWord(words.join(u' '), wantedButton());
-    return act([&](SimulatedMouse &mouse) { return mouse.releaseButton(*number); });
+        return wrongWord(words.join(u' '), u"a button: 1 to %1, dpi or smart"_s.arg(buttonCount));
+    return act([&](SimulatedMouse &mouse) { return (mouse.*button)(*number); });
 }
 
 CommandResult Scenario::drain(const QStringList &words)

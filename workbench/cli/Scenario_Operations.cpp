@@ -4,6 +4,7 @@
 #include <QtCore/QJsonObject>
 
 #include <algorithm>
+#include <array>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -15,39 +16,22 @@ using Routes = Scenario::Command::Routes;
 // More copies of a message show nothing new, and copies of copies would soon fill the memory.
 constexpr int mostRepeats = 1000;
 
-QString formText(ValueForm form)
-{
-    switch (form) {
-    case ValueForm::Number:
-        return u"a number"_s;
-    case ValueForm::Flag:
-        return u"true or false"_s;
-    case ValueForm::Text:
-        return u"a text"_s;
-    case ValueForm::Texts:
-        return u"texts"_s;
-    case ValueForm::Numbers:
-        return u"numbers"_s;
-    case ValueForm::Settings:
-        return u"NAME=VALUE..."_s;
-    case ValueForm::SlotValues:
-        return u"%1 slot values"_s.arg(dpiSlotCount);
-    case ValueForm::ReportRates:
-        break;
-    }
-    return u"the rate in force and up to 4 on offer"_s;
-}
+// In the order of ValueForm.
+constexpr std::array formTexts{
+    "a number", "true or false", "a text",        "texts",
+    "numbers",  "NAME=VALUE...", "5 slot values", "the rate in force and up to 4 on offer"};
 
 QString wantedArguments(const DeviceOperation &operation)
 {
     QStringList texts;
     for (std::size_t i = 0; i < operation.formCount; ++i)
-        texts.append(formText(operation.forms.at(i)));
+        texts.append(QString::fromLatin1(formTexts.at(static_cast<std::size_t>(operation.forms.at(i)))));
     return u"what %1 takes: "_s.arg(operation.text()) +
            (texts.isEmpty() ? u"nothing"_s : texts.join(u" and "_s));
 }
 
-// The numbers at the front of the words, no more than so many; no value when there is something else among them.
+// The numbers at the front of the words, no more than so many; no value when there is something else among
+// them.
 std::optional<QJsonArray> takeNumbers(QStringList &words, qsizetype most)
 {
     QJsonArray numbers;
@@ -151,8 +135,9 @@ bool takeTimes(QStringList &words, int &times)
 bool setEffect(ReceiverFault &fault, const QString &name, const QStringList &values)
 {
     using Effect = ReceiverFault::Effect;
-    const auto *const found = std::find_if(ReceiverFault::effectNames.begin(), ReceiverFault::effectNames.end(),
-                                    [&](const char *known) { return name == QLatin1StringView(known); });
+    const auto *const found =
+        std::find_if(ReceiverFault::effectNames.begin(), ReceiverFault::effectNames.end(),
+                     [&](const char *known) { return name == QLatin1StringView(known); });
     if (found == ReceiverFault::effectNames.end())
         return false;
     fault.effect = static_cast<Effect>(found - ReceiverFault::effectNames.begin());
@@ -202,11 +187,10 @@ CommandResult Scenario::outcomeOf(const Command &command, quint64 before)
     m_workbench.settle([&] { return command.isPending && !isPending(); });
     // The request itself or a repetition.
     const QList<TimelineEntry> entries = m_workbench.timeline.entriesAfter(before);
-    const bool isRefused =
-        std::any_of(entries.cbegin(), entries.cend(), [&](const TimelineEntry &entry) {
-            return entry.kind == TimelineEntry::Kind::Receiver && entry.device == device.id() &&
-                   entry.name == command.request->text() && !entry.result.toBool();
-        });
+    const bool isRefused = std::any_of(entries.cbegin(), entries.cend(), [&](const TimelineEntry &entry) {
+        return entry.kind == TimelineEntry::Kind::Receiver && entry.device == device.id() &&
+               entry.name == command.request->text() && !entry.result.toBool();
+    });
     const QString outcome = isRefused ? u"refused"_s : isPending() ? u"pending"_s : u"confirmed"_s;
     if (m_wantedOutcome.isEmpty() && outcome != u"confirmed")
         return {isRefused ? ExitCode::Refused : ExitCode::Pending, u"the request is "_s + outcome, false};
@@ -309,8 +293,7 @@ CommandResult Scenario::runBy(Route route, const QStringList &words)
             if (isPossible(candidate))
                 known.append(candidate.name);
         }
-        return wrongWord(words.value(0),
-                         u"a command that can come so; there are "_s + known.join(u", "_s));
+        return wrongWord(words.value(0), u"a command that can come so; there are "_s + known.join(u", "_s));
     }
     m_route = route;
     return dispatch(*command, words.mid(1));
