@@ -61,7 +61,10 @@ public:
     void setReportRate(int rate) { call(calls::setReportRate, rate); }
     void setFirmwareVersion(uint fwVersion) { call(reports::setFirmwareVersion, fwVersion); }
     void setBatteryLevel(int newBatteryLevel) { call(reports::setBatteryLevel, newBatteryLevel); }
-    void capabilityChangedCallBack(quint8 capability) { call(reports::capabilityChangedCallBack, capability); }
+    void capabilityChangedCallBack(quint8 capability)
+    {
+        call(reports::capabilityChangedCallBack, capability);
+    }
     void mouseEventCallBack(quint8 mouseEvent) { call(reports::mouseEventCallBack, mouseEvent); }
     void dpiValueChangedCallBack(int value) { call(reports::dpiValueChangedCallBack, value); }
     void activeDpiSlotIndexConfirmed(int index) { call(reports::activeDpiSlotIndexConfirmed, index); }

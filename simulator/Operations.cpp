@@ -3,12 +3,22 @@
 const QList<const DeviceOperation *> &operationsToDevice()
 {
     using namespace reports;
-    static const QList<const DeviceOperation *> operations{
-        &receiverSignals::dpiMinChanged, &receiverSignals::dpiMaxChanged, &reportRateConfirmed,
-        &reportRateChangedCallBack, &dpiValueChangedCallBack, &dpiSlotValuesConfirmed,
-        &dpiSlotValuesChangedCallBack, &activeDpiSlotIndexConfirmed, &activeDpiSlotIndexChangedCallBack,
-        &dpiButtonIdConfirmed, &dpiButtonIdChangedCallBack, &ppidChangedCallBack, &setFirmwareVersion,
-        &setBatteryLevel, &capabilityChangedCallBack, &mouseEventCallBack};
+    static const QList<const DeviceOperation *> operations{&receiverSignals::dpiMinChanged,
+                                                           &receiverSignals::dpiMaxChanged,
+                                                           &reportRateConfirmed,
+                                                           &reportRateChangedCallBack,
+                                                           &dpiValueChangedCallBack,
+                                                           &dpiSlotValuesConfirmed,
+                                                           &dpiSlotValuesChangedCallBack,
+                                                           &activeDpiSlotIndexConfirmed,
+                                                           &activeDpiSlotIndexChangedCallBack,
+                                                           &dpiButtonIdConfirmed,
+                                                           &dpiButtonIdChangedCallBack,
+                                                           &ppidChangedCallBack,
+                                                           &setFirmwareVersion,
+                                                           &setBatteryLevel,
+                                                           &capabilityChangedCallBack,
+                                                           &mouseEventCallBack};
     return operations;
 }
 
@@ -17,10 +27,10 @@ const QList<const DeviceOperation *> &operationsToReceiver()
     using namespace reads;
     using namespace requests;
     static const QList<const DeviceOperation *> operations{
-        &getFirmwareVersion, &hasBatteryLevel, &getBatteryLevel, &setDisabledButtonsOrKeysMask,
-        &getStatusValue, &getDeviceValue, &forwardedOperation, &isSmartPointerSupported, &setReportRate,
-        &getReportRateInfo, &getLevelValue, &setDpiButtonAndActiveSlot, &setDpiSlotValues,
-        &requestInitialState1, &requestInitialState2, &requestInitialState3};
+        &getFirmwareVersion, &hasBatteryLevel,      &getBatteryLevel,      &setDisabledButtonsOrKeysMask,
+        &getStatusValue,     &getDeviceValue,       &forwardedOperation,   &isSmartPointerSupported,
+        &setReportRate,      &getReportRateInfo,    &getLevelValue,        &setDpiButtonAndActiveSlot,
+        &setDpiSlotValues,   &requestInitialState1, &requestInitialState2, &requestInitialState3};
     return operations;
 }
 

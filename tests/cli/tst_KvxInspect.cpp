@@ -1,5 +1,5 @@
-#include "PluginFixture.h"
 #include "Kvx.h"
+#include "PluginFixture.h"
 #include "SmallLibraries.h"
 #include "ThisSystem.h"
 

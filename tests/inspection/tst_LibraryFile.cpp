@@ -1,5 +1,5 @@
-#include "PluginFixture.h"
 #include "LibraryFile.h"
+#include "PluginFixture.h"
 #include "SmallLibraries.h"
 #include "ThisSystem.h"
 

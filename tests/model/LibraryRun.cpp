@@ -118,7 +118,7 @@ void LibraryRun::performOnHost(const Step &step)
         break;
     case Kind::Initialize:
         m_fixture.host.initialize(&m_fixture.hostServices, step.logSwitches[0], step.logSwitches[1],
-                                step.logSwitches[2]);
+                                  step.logSwitches[2]);
         break;
     case Kind::ChangeReceiver:
         receiver(step.receiver).answers = step.answers;

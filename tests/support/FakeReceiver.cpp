@@ -11,9 +11,9 @@ QJsonValue FakeReceiver::answer(const DeviceOperation &operation, std::optional<
                                 const QJsonArray &arguments)
 {
     const bool isRequest = operation.side == DeviceOperation::Side::Request;
-    const QJsonValue result = isRequest                                  ? answers.acceptsRequests
+    const QJsonValue result = isRequest                                 ? answers.acceptsRequests
                               : &operation == &reads::getReportRateInfo ? answers.hasReportRateInfo
-                                                                         : valueRead(operation, answers);
+                                                                        : valueRead(operation, answers);
     timeline().record(TimelineEntry::Kind::Receiver, id, operation.text(), arguments, result);
     if (isRequest && duringRequest)
         duringRequest(operation.text());

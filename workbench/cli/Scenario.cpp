@@ -27,11 +27,19 @@ const QList<Scenario::Command> &Scenario::commands()
     using Routes = Command::Routes;
     const auto call = [](const DeviceOperation &operation, const QString &arguments, const QString &help,
                          const DeviceOperation *request = nullptr,
-                         bool (Device::*isPending)() const = nullptr) {
-        const Needs needs = &operation == &calls::forwardToPhysicalDevice ? Needs::PhysicalDevice
-                                                                          : Needs::Device;
-        return Command{operation.text(), arguments,           help,       &Scenario::callOperation, needs,
-                       Kind::Action,     Routes::OtherThread, &operation, request,                  isPending};
+                         bool(Device::*isPending)() const = nullptr) {
+        const Needs needs =
+            &operation == &calls::forwardToPhysicalDevice ? Needs::PhysicalDevice : Needs::Device;
+        return Command{operation.text(),
+                       arguments,
+                       help,
+                       &Scenario::callOperation,
+                       needs,
+                       Kind::Action,
+                       Routes::OtherThread,
+                       &operation,
+                       request,
+                       isPending};
     };
     static const QList<Command> table{
         {u"mouse"_s, u"ID [FIELD=VALUE,...]..."_s, u"add a mouse and create its device"_s, &Scenario::mouse,
@@ -76,8 +84,8 @@ const QList<Scenario::Command> &Scenario::commands()
         {u"wake"_s, u""_s, u"wake it"_s, &Scenario::wake, Needs::Mouse},
         {u"set"_s, u"FIELD VALUE..."_s, u"change the mouse without a report"_s, &Scenario::set, Needs::Mouse,
          Kind::Setting},
-        {u"report"_s, u"OPERATION VALUE..."_s, u"let the mouse report something unasked"_s,
-         &Scenario::report, Needs::Device, Kind::Action, Routes::All},
+        {u"report"_s, u"OPERATION VALUE..."_s, u"let the mouse report something unasked"_s, &Scenario::report,
+         Needs::Device, Kind::Action, Routes::All},
         {u"other-thread"_s, u"COMMAND"_s, u"make the call or the report from another thread"_s,
          &Scenario::otherThread, Needs::Device},
         {u"at-once"_s, u"report ..."_s, u"report before anything that waits for the event loop"_s,
@@ -105,7 +113,8 @@ const QList<Scenario::Command> &Scenario::commands()
          &Scenario::expectNextLine, Needs::Nothing, Kind::Check},
         {u"expect"_s,
          u"VALUE TEXT... | signal LINE | timeline [LINE | LINE ...] | log [LINE | LINE ...] | metadata JSON"_s,
-         u"compare a value, the next signal, the last lines without the log, the log of the last command, or the "
+         u"compare a value, the next signal, the last lines without the log, the log of the last command, or "
+         u"the "
          "plugin's metadata without its Qt version and build type"_s,
          &Scenario::expect, Needs::Nothing, Kind::Check},
         {u"wait"_s, u"EVENT [MS]"_s, u"wait for a timeline line that begins so"_s, &Scenario::wait,

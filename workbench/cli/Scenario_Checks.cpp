@@ -1,9 +1,9 @@
-#include "PluginInspection.h"
 #include "Scenario.h"
 #include "ShownValues.h"
 #include "Words.h"
 
 #include <QtCore/QJsonDocument>
+#include <QtCore/QPluginLoader>
 #include <QtCore/QRegularExpression>
 
 using namespace Qt::StringLiterals;
@@ -70,8 +70,7 @@ CommandResult Scenario::compare(const QString &what, const QString &expected, co
     if (expected == seen)
         return {};
     const auto shown = [](const QString &text) { return text.isEmpty() ? u"none"_s : text; };
-    return CommandResult::difference(
-        u"%1: expected %2, seen %3"_s.arg(what, shown(expected), shown(seen)));
+    return CommandResult::difference(u"%1: expected %2, seen %3"_s.arg(what, shown(expected), shown(seen)));
 }
 
 CommandResult Scenario::expect(const QStringList &words)
@@ -127,7 +126,7 @@ CommandResult Scenario::expectLog(const QString &expected)
 
 CommandResult Scenario::expectMetadata(const QString &expected)
 {
-    QJsonObject metaData = inspectPlugin(m_workbench.host.fileName()).metaData;
+    QJsonObject metaData = QPluginLoader(m_workbench.host.fileName()).metaData();
     // These depend on the build.
     for (const QLatin1StringView key : {"version"_L1, "debug"_L1, "archlevel"_L1})
         metaData.remove(key);

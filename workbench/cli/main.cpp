@@ -44,8 +44,7 @@ int parseAndRun()
         "session", "Play a session on one simulated mouse that checks itself at every step");
     session->add_option("--plugin", pluginFile, "The plugin library (default: the one beside this program)")
         ->option_text("FILE");
-    session->add_flag("--json", runOptions.isJson,
-                      "Print the timeline as one JSON object a line, only that");
+    session->add_flag("--json", runOptions.isJson, "Print the timeline as one JSON object a line, only that");
 
     std::string scenarioFile;
     CLI::App *run = app.add_subcommand("run", "Play a scenario: commands from a file, one a line");
