@@ -60,7 +60,7 @@ auto takenValue(const QJsonValue &value)
 
 /// What is passed to an operation for a value. A pointer is valid as long as the value.
 template <typename Value>
-const Value &passed(const Value &value)
+Value passed(const Value &value)
 {
     return value;
 }

@@ -34,6 +34,14 @@ struct DeviceOperation
     QString text() const { return QString::fromLatin1(name); }
 };
 
+/// A request to a mouse or a report of one, as plain data.
+struct MouseMessage
+{
+    const DeviceOperation *operation = nullptr;
+    /// Behind the device id, as the timeline has them.
+    QJsonArray arguments;
+};
+
 /// An operation of the device that can be called with its own types, too.
 template <auto deviceFunction>
 struct CallableOperation : DeviceOperation

@@ -1,8 +1,6 @@
 #pragma once
 
-#include "MouseMessage.h"
-#include "ReportRateInfo.h"
-#include "TimelineValue.h"
+#include "DeviceOperation.h"
 
 #include <QtCore/QList>
 #include <QtCore/QString>

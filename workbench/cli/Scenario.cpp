@@ -156,7 +156,7 @@ CommandResult Scenario::execute(const QString &line)
     if (!command)
         return CommandResult::unusable(u"\"%1\" is no command; see help"_s.arg(name));
     if (command->run != &Scenario::expectNextLine) {
-        const CommandResult rest = finish();
+        CommandResult rest = finish();
         if (rest.code != ExitCode::Success)
             return rest;
     }
@@ -190,7 +190,7 @@ CommandResult Scenario::finish()
 
 CommandResult Scenario::dispatch(const Command &command, const QStringList &words)
 {
-    const CommandResult missing = whatIsMissing(command.needs);
+    CommandResult missing = whatIsMissing(command.needs);
     if (missing.code != ExitCode::Success)
         return missing;
     if (command.arguments.isEmpty() && !words.isEmpty())

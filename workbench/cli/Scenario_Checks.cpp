@@ -85,7 +85,7 @@ CommandResult Scenario::expect(const QStringList &words)
         return expectLog(rest);
     if (name == u"metadata")
         return expectMetadata(rest);
-    const CommandResult missing = whatIsMissing(Command::Needs::Device);
+    CommandResult missing = whatIsMissing(Command::Needs::Device);
     if (missing.code != ExitCode::Success)
         return missing;
     const std::optional<QString> value = shownValue(*m_workbench.device(), name);
