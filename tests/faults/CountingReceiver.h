@@ -16,6 +16,8 @@ public:
 
     int requestCount() const { return m_requests.load(std::memory_order_relaxed); }
 
+    /// Below what the callers report, so that the level only grows.
+    int getBatteryLevel(DeviceId) override { return 0; }
     bool setDisabledButtonsOrKeysMask(DeviceId, quint8) override { return count(); }
     bool setReportRate(DeviceId, int) override { return count(); }
     bool setDpiButtonAndActiveSlot(DeviceId, int, int) override { return count(); }
