@@ -42,8 +42,7 @@ public:
 protected:
     void connectNotify(const QMetaMethod &signal) override
     {
-        timeline().record(TimelineEntry::Kind::Receiver, {}, u"connectNotify"_s,
-                          {QString::fromLatin1(signal.methodSignature())});
+        timeline().recordVerdict(u"connected "_s + QString::fromLatin1(signal.methodSignature()));
     }
 };
 
@@ -221,12 +220,11 @@ void tst_Lifecycle::receiverSignalsAreConnectedBetweenReadsAndRequests()
     device.start();
     const qsizetype reads = 5;
     const QStringList binding = wholeBinding();
-    COMPARE_LINES(fixture.take(),
-                  wholeStart(binding.mid(0, reads) +
-                                 QStringList{u"receiver connectNotify(\"dpiMinChanged(int)\")"_s,
-                                             u"receiver connectNotify(\"dpiMaxChanged(int)\")"_s} +
-                                 binding.mid(reads),
-                             u"signal instanceNumberChanged(0)"_s));
+    COMPARE_LINES(fixture.take(), wholeStart(binding.mid(0, reads) +
+                                                 QStringList{u"verdict connected dpiMinChanged(int)"_s,
+                                                             u"verdict connected dpiMaxChanged(int)"_s} +
+                                                 binding.mid(reads),
+                                             u"signal instanceNumberChanged(0)"_s));
     // Before its receiver goes.
     fixture.destroy(device);
 }
