@@ -2,38 +2,17 @@
 
 #include "IHostServices.h"
 #include "ReceiverBase.h"
-#include "ReportRateInfo.h"
 #include "Timeline.h"
 
 #include <QtCore/QStringList>
 
-/// A receiver that accepts everything and does nothing else, so that what is measured is the device's part.
+/// A receiver that records nothing, so that what is measured is the device's part.
 class QuietReceiver final : public ReceiverBase
 {
     Q_OBJECT
 
 public:
     QuietReceiver() : ReceiverBase(m_unused) {}
-
-    // clang-format off
-    quintptr forwardedCall(quintptr, quintptr, quintptr) override { return 0; }
-    uint getFirmwareVersion(DeviceId) override { return 0x0102; }
-    bool hasBatteryLevel(DeviceId) override { return true; }
-    int getBatteryLevel(DeviceId) override { return 80; }
-    bool setDisabledButtonsOrKeysMask(DeviceId, quint8) override { return true; }
-    int getStatusValue(DeviceId) override { return 0; }
-    int getDeviceValue(DeviceId) override { return 0; }
-    quintptr forwardedOperation(DeviceId, quintptr, quintptr) override { return 0; }
-    bool isSmartPointerSupported(DeviceId) override { return true; }
-    bool setReportRate(DeviceId, int) override { return true; }
-    bool getReportRateInfo(DeviceId, ReportRateInfo *info) override { *info = {0, 125, {125, 250, 500, 1000}}; return true; }
-    int getLevelValue(DeviceId) override { return 0; }
-    bool setDpiButtonAndActiveSlot(DeviceId, int, int) override { return true; }
-    bool setDpiSlotValues(DeviceId, const quint16[5], int, int) override { return true; }
-    bool requestInitialState2(DeviceId) override { return true; }
-    bool requestInitialState1(DeviceId) override { return true; }
-    bool requestInitialState3(DeviceId) override { return true; }
-    // clang-format on
 
 private:
     Timeline m_unused;
