@@ -100,28 +100,12 @@ constexpr CallableOperation<function> describe(const char *name, DeviceOperation
              }}};
 }
 
-template <auto function>
-constexpr CallableOperation<function> describeCall(const char *name)
+/// A request or a read.
+template <auto function, typename Result, typename... Arguments>
+constexpr DeviceOperation describe(const char *name, DeviceOperation::Side side,
+                                   Result (IPhysicalDeviceDongle::* /*function*/)(DeviceId, Arguments...))
 {
-    return describe<function>(name, DeviceOperation::Side::Call, function);
-}
-
-template <auto function>
-constexpr CallableOperation<function> describeReport(const char *name)
-{
-    return describe<function>(name, DeviceOperation::Side::Report, function);
-}
-
-template <typename... Arguments>
-constexpr DeviceOperation
-describeRequest(const char *name, bool (IPhysicalDeviceDongle::* /*function*/)(DeviceId, Arguments...))
-{
-    return {name, DeviceOperation::Side::Request, {valueForm<Arguments>()...}, sizeof...(Arguments), nullptr};
-}
-
-template <typename Value, typename... Arguments>
-constexpr DeviceOperation describeRead(const char *name,
-                                       Value (IPhysicalDeviceDongle::* /*function*/)(DeviceId, Arguments...))
-{
-    return {name, DeviceOperation::Side::Read, {valueForm<Value>()}, 1, nullptr};
+    if (side == DeviceOperation::Side::Read)
+        return {name, side, {valueForm<Result>()}, 1, nullptr};
+    return {name, side, {valueForm<Arguments>()...}, sizeof...(Arguments), nullptr};
 }

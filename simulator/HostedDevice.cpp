@@ -1,7 +1,5 @@
 #include "HostedDevice.h"
 
-#include "Timeline.h"
-
 HostedDevice::HostedDevice(Timeline &timeline, ILogicalDeviceGen3Mouse *device, DeviceId id)
     : m_timeline(timeline),
       m_device(device),
@@ -13,19 +11,9 @@ HostedDevice::HostedDevice(Timeline &timeline, ILogicalDeviceGen3Mouse *device, 
 
 QJsonValue HostedDevice::call(const DeviceOperation &operation, const QJsonArray &arguments)
 {
-    const quint64 entry = recordCall(operation, arguments);
+    const quint64 entry = m_timeline.record(TimelineEntry::Kind::Call, m_id, operation.text(), arguments);
     const QJsonValue result = operation.call(*m_device, arguments);
     if (!result.isUndefined())
-        recordResult(entry, result);
+        m_timeline.setResult(entry, result);
     return result;
-}
-
-quint64 HostedDevice::recordCall(const DeviceOperation &operation, const QJsonArray &arguments)
-{
-    return m_timeline.record(TimelineEntry::Kind::Call, m_id, operation.text(), arguments);
-}
-
-void HostedDevice::recordResult(quint64 call, const QJsonValue &result)
-{
-    m_timeline.setResult(call, result);
 }

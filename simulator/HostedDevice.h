@@ -3,10 +3,7 @@
 #include "DeviceId.h"
 #include "Operations.h"
 #include "SignalRecorder.h"
-
-#include <QtCore/QJsonArray>
-
-class Timeline;
+#include "Timeline.h"
 
 /// One logical device as its host has it: the interface views, a recorder on its signals, and every operation with an
 /// effect. A call is written to the timeline before it is made.
@@ -30,13 +27,14 @@ public:
     template <auto function, typename... Arguments>
     auto call(const CallableOperation<function> &operation, const Arguments &...arguments)
     {
-        const quint64 entry = recordCall(operation, {timelineValue(arguments)...});
+        const quint64 entry = m_timeline.record(TimelineEntry::Kind::Call, m_id, operation.text(),
+                                                {timelineValue(arguments)...});
         auto &view = viewOf<InterfaceOf<decltype(function)>>(*m_device);
         if constexpr (std::is_void_v<decltype((view.*function)(passed(arguments)...))>) {
             (view.*function)(passed(arguments)...);
         } else {
             const auto result = (view.*function)(passed(arguments)...);
-            recordResult(entry, timelineValue(result));
+            m_timeline.setResult(entry, timelineValue(result));
             return result;
         }
     }
@@ -87,9 +85,6 @@ public:
     void ppidChangedCallBack(const QString &ppid) { call(reports::ppidChangedCallBack, ppid); }
 
 private:
-    quint64 recordCall(const DeviceOperation &operation, const QJsonArray &arguments);
-    void recordResult(quint64 call, const QJsonValue &result);
-
     Timeline &m_timeline;
     ILogicalDeviceGen3Mouse *m_device;
     QObject *m_object;

@@ -4,60 +4,44 @@
 
 #include <QtCore/QStringList>
 
-#include <initializer_list>
-
 // The names of all operations that a host, a device and a receiver call and that a simulation records.
+#define KVX_OPERATION(Interface, name, side)                                                                 \
+    inline constexpr auto name =                                                                             \
+        describe<&Interface::name>(#name, DeviceOperation::Side::side, &Interface::name)
 
 /// The host calls the device.
 namespace calls {
-using Device = ILogicalDeviceGen3Mouse;
-inline constexpr auto start = describeCall<&Device::start>("start");
-inline constexpr auto stop = describeCall<&Device::stop>("stop");
-inline constexpr auto forwardToPhysicalDevice =
-    describeCall<&Device::forwardToPhysicalDevice>("forwardToPhysicalDevice");
-inline constexpr auto query26 = describeCall<&Device::query26>("query26");
-inline constexpr auto applySettings = describeCall<&Device::applySettings>("applySettings");
-inline constexpr auto resetSettings = describeCall<&Device::resetSettings>("resetSettings");
-inline constexpr auto setButtonsOrKeysToDefault =
-    describeCall<&Device::setButtonsOrKeysToDefault>("setButtonsOrKeysToDefault");
-inline constexpr auto disbaleButtonsOrKeys =
-    describeCall<&Device::disbaleButtonsOrKeys>("disbaleButtonsOrKeys");
-inline constexpr auto setDpiValue = describeCall<&Device::setDpiValue>("setDpiValue");
-inline constexpr auto setActiveDpiSlotIndex =
-    describeCall<&Device::setActiveDpiSlotIndex>("setActiveDpiSlotIndex");
-inline constexpr auto setDpiSlotValues = describeCall<&Device::setDpiSlotValues>("setDpiSlotValues");
-inline constexpr auto setDpiButtonId = describeCall<&Device::setDpiButtonId>("setDpiButtonId");
-inline constexpr auto setReportRate = describeCall<&Device::setReportRate>("setReportRate");
+KVX_OPERATION(ILogicalDeviceGen3Mouse, start, Call);
+KVX_OPERATION(ILogicalDeviceGen3Mouse, stop, Call);
+KVX_OPERATION(ILogicalDeviceGen3Mouse, forwardToPhysicalDevice, Call);
+KVX_OPERATION(ILogicalDeviceGen3Mouse, query26, Call);
+KVX_OPERATION(ILogicalDeviceGen3Mouse, applySettings, Call);
+KVX_OPERATION(ILogicalDeviceGen3Mouse, resetSettings, Call);
+KVX_OPERATION(ILogicalDeviceGen3Mouse, setButtonsOrKeysToDefault, Call);
+KVX_OPERATION(ILogicalDeviceGen3Mouse, disbaleButtonsOrKeys, Call);
+KVX_OPERATION(ILogicalDeviceGen3Mouse, setDpiValue, Call);
+KVX_OPERATION(ILogicalDeviceGen3Mouse, setActiveDpiSlotIndex, Call);
+KVX_OPERATION(ILogicalDeviceGen3Mouse, setDpiSlotValues, Call);
+KVX_OPERATION(ILogicalDeviceGen3Mouse, setDpiButtonId, Call);
+KVX_OPERATION(ILogicalDeviceGen3Mouse, setReportRate, Call);
 }  // namespace calls
 
 /// The receiver reports to the device.
 namespace reports {
-using Device = ILogicalDeviceGen3Mouse;
-inline constexpr auto setFirmwareVersion = describeReport<&Device::setFirmwareVersion>("setFirmwareVersion");
-inline constexpr auto setBatteryLevel = describeReport<&Device::setBatteryLevel>("setBatteryLevel");
-inline constexpr auto capabilityChangedCallBack =
-    describeReport<&Device::capabilityChangedCallBack>("capabilityChangedCallBack");
-inline constexpr auto mouseEventCallBack = describeReport<&Device::mouseEventCallBack>("mouseEventCallBack");
-inline constexpr auto dpiValueChangedCallBack =
-    describeReport<&Device::dpiValueChangedCallBack>("dpiValueChangedCallBack");
-inline constexpr auto reportRateConfirmed =
-    describeReport<&Device::reportRateConfirmed>("reportRateConfirmed");
-inline constexpr auto reportRateChangedCallBack =
-    describeReport<&Device::reportRateChangedCallBack>("reportRateChangedCallBack");
-inline constexpr auto activeDpiSlotIndexConfirmed =
-    describeReport<&Device::activeDpiSlotIndexConfirmed>("activeDpiSlotIndexConfirmed");
-inline constexpr auto activeDpiSlotIndexChangedCallBack =
-    describeReport<&Device::activeDpiSlotIndexChangedCallBack>("activeDpiSlotIndexChangedCallBack");
-inline constexpr auto dpiSlotValuesConfirmed =
-    describeReport<&Device::dpiSlotValuesConfirmed>("dpiSlotValuesConfirmed");
-inline constexpr auto dpiSlotValuesChangedCallBack =
-    describeReport<&Device::dpiSlotValuesChangedCallBack>("dpiSlotValuesChangedCallBack");
-inline constexpr auto dpiButtonIdConfirmed =
-    describeReport<&Device::dpiButtonIdConfirmed>("dpiButtonIdConfirmed");
-inline constexpr auto dpiButtonIdChangedCallBack =
-    describeReport<&Device::dpiButtonIdChangedCallBack>("dpiButtonIdChangedCallBack");
-inline constexpr auto ppidChangedCallBack =
-    describeReport<&ILogicalDeviceGen3::ppidChangedCallBack>("ppidChangedCallBack");
+KVX_OPERATION(ILogicalDeviceGen3Mouse, setFirmwareVersion, Report);
+KVX_OPERATION(ILogicalDeviceGen3Mouse, setBatteryLevel, Report);
+KVX_OPERATION(ILogicalDeviceGen3Mouse, capabilityChangedCallBack, Report);
+KVX_OPERATION(ILogicalDeviceGen3Mouse, mouseEventCallBack, Report);
+KVX_OPERATION(ILogicalDeviceGen3Mouse, dpiValueChangedCallBack, Report);
+KVX_OPERATION(ILogicalDeviceGen3Mouse, reportRateConfirmed, Report);
+KVX_OPERATION(ILogicalDeviceGen3Mouse, reportRateChangedCallBack, Report);
+KVX_OPERATION(ILogicalDeviceGen3Mouse, activeDpiSlotIndexConfirmed, Report);
+KVX_OPERATION(ILogicalDeviceGen3Mouse, activeDpiSlotIndexChangedCallBack, Report);
+KVX_OPERATION(ILogicalDeviceGen3Mouse, dpiSlotValuesConfirmed, Report);
+KVX_OPERATION(ILogicalDeviceGen3Mouse, dpiSlotValuesChangedCallBack, Report);
+KVX_OPERATION(ILogicalDeviceGen3Mouse, dpiButtonIdConfirmed, Report);
+KVX_OPERATION(ILogicalDeviceGen3Mouse, dpiButtonIdChangedCallBack, Report);
+KVX_OPERATION(ILogicalDeviceGen3, ppidChangedCallBack, Report);
 }  // namespace reports
 
 /// The receiver emits them. They name no mouse.
@@ -70,38 +54,31 @@ inline constexpr DeviceOperation dpiMaxChanged{
 
 /// The device asks the receiver.
 namespace requests {
-using Receiver = IPhysicalDeviceDongle;
-inline constexpr auto setDisabledButtonsOrKeysMask =
-    describeRequest("setDisabledButtonsOrKeysMask", &Receiver::setDisabledButtonsOrKeysMask);
-inline constexpr auto setReportRate = describeRequest("setReportRate", &Receiver::setReportRate);
-inline constexpr auto setDpiButtonAndActiveSlot =
-    describeRequest("setDpiButtonAndActiveSlot", &Receiver::setDpiButtonAndActiveSlot);
-inline constexpr auto setDpiSlotValues = describeRequest("setDpiSlotValues", &Receiver::setDpiSlotValues);
-inline constexpr auto requestInitialState1 =
-    describeRequest("requestInitialState1", &Receiver::requestInitialState1);
-inline constexpr auto requestInitialState2 =
-    describeRequest("requestInitialState2", &Receiver::requestInitialState2);
-inline constexpr auto requestInitialState3 =
-    describeRequest("requestInitialState3", &Receiver::requestInitialState3);
+KVX_OPERATION(IPhysicalDeviceDongle, setDisabledButtonsOrKeysMask, Request);
+KVX_OPERATION(IPhysicalDeviceDongle, setReportRate, Request);
+KVX_OPERATION(IPhysicalDeviceDongle, setDpiButtonAndActiveSlot, Request);
+KVX_OPERATION(IPhysicalDeviceDongle, setDpiSlotValues, Request);
+KVX_OPERATION(IPhysicalDeviceDongle, requestInitialState1, Request);
+KVX_OPERATION(IPhysicalDeviceDongle, requestInitialState2, Request);
+KVX_OPERATION(IPhysicalDeviceDongle, requestInitialState3, Request);
 }  // namespace requests
 
 /// The device reads from the receiver.
 namespace reads {
-using Receiver = IPhysicalDeviceDongle;
-inline constexpr auto getFirmwareVersion = describeRead("getFirmwareVersion", &Receiver::getFirmwareVersion);
-inline constexpr auto hasBatteryLevel = describeRead("hasBatteryLevel", &Receiver::hasBatteryLevel);
-inline constexpr auto getBatteryLevel = describeRead("getBatteryLevel", &Receiver::getBatteryLevel);
-inline constexpr auto getStatusValue = describeRead("getStatusValue", &Receiver::getStatusValue);
-inline constexpr auto getDeviceValue = describeRead("getDeviceValue", &Receiver::getDeviceValue);
-inline constexpr auto getLevelValue = describeRead("getLevelValue", &Receiver::getLevelValue);
-inline constexpr auto isSmartPointerSupported =
-    describeRead("isSmartPointerSupported", &Receiver::isSmartPointerSupported);
-inline constexpr auto getReportRateInfo = describeRead("getReportRateInfo", &Receiver::getReportRateInfo);
-inline constexpr auto forwardedOperation = describeRead("forwardedOperation", &Receiver::forwardedOperation);
+KVX_OPERATION(IPhysicalDeviceDongle, getFirmwareVersion, Read);
+KVX_OPERATION(IPhysicalDeviceDongle, hasBatteryLevel, Read);
+KVX_OPERATION(IPhysicalDeviceDongle, getBatteryLevel, Read);
+KVX_OPERATION(IPhysicalDeviceDongle, getStatusValue, Read);
+KVX_OPERATION(IPhysicalDeviceDongle, getDeviceValue, Read);
+KVX_OPERATION(IPhysicalDeviceDongle, getLevelValue, Read);
+KVX_OPERATION(IPhysicalDeviceDongle, isSmartPointerSupported, Read);
+KVX_OPERATION(IPhysicalDeviceDongle, getReportRateInfo, Read);
+KVX_OPERATION(IPhysicalDeviceDongle, forwardedOperation, Read);
 /// Of any physical device.
 inline constexpr DeviceOperation forwardedCall{
     "forwardedCall", DeviceOperation::Side::Read, {ValueForm::Number}, 1, nullptr};
 }  // namespace reads
+#undef KVX_OPERATION
 
 /// What a receiver tells devices, and what it is asked by them.
 const QList<const DeviceOperation *> &operationsToDevice();

@@ -20,11 +20,6 @@ void OtherThread::run(const std::function<void()> &function)
     QMetaObject::invokeMethod(&m_context, function, Qt::BlockingQueuedConnection);
 }
 
-QThread *OtherThread::thread()
-{
-    return &m_thread;
-}
-
 void deliverQueuedCalls()
 {
     QCoreApplication::sendPostedEvents();

@@ -17,7 +17,7 @@ public:
     void run(const std::function<void()> &function);
 
     /// For objects that shall live there.
-    QThread *thread();
+    QThread *thread() { return &m_thread; }
 
 private:
     QThread m_thread;

@@ -2,6 +2,7 @@
 
 #include "IPhysicalDevice.h"
 #include "Timeline.h"
+#include "TimelineValue.h"
 
 /// A physical device of another kind: no receiver. Records the forwarded call.
 class PlainPhysicalDevice : public IPhysicalDevice
@@ -15,10 +16,9 @@ public:
 
     quintptr forwardedCall(quintptr argument1, quintptr argument2, quintptr argument3) override
     {
-        m_timeline.record(
-            TimelineEntry::Kind::Receiver, {}, QStringLiteral("forwardedCall"),
-            {static_cast<qint64>(argument1), static_cast<qint64>(argument2), static_cast<qint64>(argument3)},
-            static_cast<qint64>(forwardedResult));
+        m_timeline.record(TimelineEntry::Kind::Receiver, {}, QStringLiteral("forwardedCall"),
+                          {timelineValue(argument1), timelineValue(argument2), timelineValue(argument3)},
+                          timelineValue(forwardedResult));
         return forwardedResult;
     }
 

@@ -6,11 +6,6 @@ using namespace Qt::StringLiterals;
 
 ReceiverBase::ReceiverBase(Timeline &timeline, QObject *parent) : QObject(parent), m_timeline(timeline) {}
 
-Timeline &ReceiverBase::timeline() const
-{
-    return m_timeline;
-}
-
 void ReceiverBase::recordReservedCall(int slot)
 {
     const QString operation = u"reserved"_s + QString::number(slot);

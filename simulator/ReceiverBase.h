@@ -19,7 +19,7 @@ public:
     /// timeline must outlive the receiver.
     explicit ReceiverBase(Timeline &timeline, QObject *parent = nullptr);
 
-    Timeline &timeline() const;
+    Timeline &timeline() const { return m_timeline; }
 
     quintptr forwardedCall(quintptr, quintptr, quintptr) override { return 0; }
     uint getFirmwareVersion(DeviceId) override { return 0x0102; }

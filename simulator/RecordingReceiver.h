@@ -15,22 +15,20 @@ public:
 
     quintptr forwardedCall(quintptr argument1, quintptr argument2, quintptr argument3) override
     {
-        return ask<quintptr>(reads::forwardedCall, {},
-                             {timelineValue(argument1), timelineValue(argument2), timelineValue(argument3)});
+        return ask<quintptr>(reads::forwardedCall, {}, argument1, argument2, argument3);
     }
     uint getFirmwareVersion(DeviceId id) override { return ask<uint>(reads::getFirmwareVersion, id); }
     bool hasBatteryLevel(DeviceId id) override { return ask<bool>(reads::hasBatteryLevel, id); }
     int getBatteryLevel(DeviceId id) override { return ask<int>(reads::getBatteryLevel, id); }
     bool setDisabledButtonsOrKeysMask(DeviceId id, quint8 mask) override
     {
-        return ask<bool>(requests::setDisabledButtonsOrKeysMask, id, {mask});
+        return ask<bool>(requests::setDisabledButtonsOrKeysMask, id, mask);
     }
     int getStatusValue(DeviceId id) override { return ask<int>(reads::getStatusValue, id); }
     int getDeviceValue(DeviceId id) override { return ask<int>(reads::getDeviceValue, id); }
     quintptr forwardedOperation(DeviceId id, quintptr argument2, quintptr argument3) override
     {
-        return ask<quintptr>(reads::forwardedOperation, id,
-                             {timelineValue(argument2), timelineValue(argument3)});
+        return ask<quintptr>(reads::forwardedOperation, id, argument2, argument3);
     }
     bool isSmartPointerSupported(DeviceId id) override
     {
@@ -38,7 +36,7 @@ public:
     }
     bool setReportRate(DeviceId id, int rate) override
     {
-        return ask<bool>(requests::setReportRate, id, {rate});
+        return ask<bool>(requests::setReportRate, id, rate);
     }
     bool getReportRateInfo(DeviceId id, ReportRateInfo *info) override
     {
@@ -50,13 +48,12 @@ public:
     int getLevelValue(DeviceId id) override { return ask<int>(reads::getLevelValue, id); }
     bool setDpiButtonAndActiveSlot(DeviceId id, int dpiButtonId, int activeDpiSlotIndex) override
     {
-        return ask<bool>(requests::setDpiButtonAndActiveSlot, id, {dpiButtonId, activeDpiSlotIndex});
+        return ask<bool>(requests::setDpiButtonAndActiveSlot, id, dpiButtonId, activeDpiSlotIndex);
     }
     bool setDpiSlotValues(DeviceId id, const quint16 values[5], int dpiButtonId,
                           int activeDpiSlotIndex) override
     {
-        return ask<bool>(requests::setDpiSlotValues, id,
-                         {timelineValue(values), dpiButtonId, activeDpiSlotIndex});
+        return ask<bool>(requests::setDpiSlotValues, id, values, dpiButtonId, activeDpiSlotIndex);
     }
     bool requestInitialState1(DeviceId id) override { return ask<bool>(requests::requestInitialState1, id); }
     bool requestInitialState2(DeviceId id) override { return ask<bool>(requests::requestInitialState2, id); }
@@ -92,9 +89,9 @@ protected:
     }
 
 private:
-    template <typename Result>
-    Result ask(const DeviceOperation &operation, std::optional<DeviceId> id, const QJsonArray &arguments = {})
+    template <typename Result, typename... Arguments>
+    Result ask(const DeviceOperation &operation, std::optional<DeviceId> id, Arguments... arguments)
     {
-        return takenValue<Result>(answer(operation, id, arguments));
+        return takenValue<Result>(answer(operation, id, {timelineValue(arguments)...}));
     }
 };

@@ -16,6 +16,16 @@ const Type &valueAt(const void *argument)
     return *static_cast<const Type *>(argument);
 }
 
+// Undefined when the type is none of these.
+template <typename... Types>
+QJsonValue valueOfOne(QMetaType type, const void *argument)
+{
+    QJsonValue value = QJsonValue::Undefined;
+    const auto take = [&](const auto &candidate) { value = timelineValue(candidate); };
+    ((type == QMetaType::fromType<Types>() ? take(valueAt<Types>(argument)) : void()), ...);
+    return value;
+}
+
 }  // namespace
 
 SignalRecorder::SignalRecorder(Timeline &timeline, QObject *sender, std::optional<DeviceId> device)
@@ -47,11 +57,6 @@ SignalRecorder::SignalRecorder(Timeline &timeline, QObject *sender, std::optiona
     }
 }
 
-bool SignalRecorder::isComplete() const
-{
-    return m_isComplete;
-}
-
 int SignalRecorder::qt_metacall(QMetaObject::Call call, int id, void **arguments)
 {
     id = QObject::qt_metacall(call, id, arguments);
@@ -65,26 +70,10 @@ int SignalRecorder::qt_metacall(QMetaObject::Call call, int id, void **arguments
 
 QJsonValue SignalRecorder::argumentValue(QMetaType type, const void *argument) const
 {
-    switch (type.id()) {
-    case QMetaType::Bool:
-        return timelineValue(valueAt<bool>(argument));
-    case QMetaType::Int:
-        return timelineValue(valueAt<int>(argument));
-    case QMetaType::UInt:
-        return timelineValue(valueAt<uint>(argument));
-    case QMetaType::LongLong:
-        return timelineValue(valueAt<qlonglong>(argument));
-    case QMetaType::ULongLong:
-        return timelineValue(valueAt<qulonglong>(argument));
-    case QMetaType::UChar:
-        return timelineValue(valueAt<quint8>(argument));
-    case QMetaType::QString:
-        return timelineValue(valueAt<QString>(argument));
-    case QMetaType::QStringList:
-        return timelineValue(valueAt<QStringList>(argument));
-    default:
-        break;
-    }
+    const QJsonValue value =
+        valueOfOne<bool, int, uint, qlonglong, qulonglong, quint8, QString, QStringList>(type, argument);
+    if (!value.isUndefined())
+        return value;
     if (type == QMetaType::fromType<IDevice *>()) {
         const void *device = valueAt<IDevice *>(argument);
         if (!device)

@@ -23,7 +23,7 @@ public:
     Q_DISABLE_COPY_MOVE(SignalRecorder)
 
     /// Whether there is a sender and each of its signals is recorded.
-    bool isComplete() const;
+    bool isComplete() const { return m_isComplete; }
 
     // Written by hand in place of Q_OBJECT: each connected signal of the sender is one more method here.
     int qt_metacall(QMetaObject::Call call, int id, void **arguments) override;

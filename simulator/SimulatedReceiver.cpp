@@ -89,11 +89,6 @@ void SimulatedReceiver::report(DeviceId id, const MouseMessage &message)
     enqueue(Transit::Kind::Report, id, message, std::chrono::milliseconds::zero());
 }
 
-void SimulatedReceiver::reportAtOnce(DeviceId id, const MouseMessage &message)
-{
-    sendReport(id, message);
-}
-
 void SimulatedReceiver::reportInsideRequest(DeviceId id, const MouseMessage &message)
 {
     const QMutexLocker locker(&m_mutex);

@@ -125,7 +125,6 @@ private:
     void scheduleDelivery();
     void deliverDue();
     void arriveAtMouse(DeviceId id, const MouseMessage &request);
-    void sendReport(DeviceId id, const MouseMessage &report);
     void deliverReport(DeviceId id, const MouseMessage &report);
     void callDevice(ILogicalDeviceGen3Mouse &device, const MouseMessage &report);
     ILogicalDeviceGen3Mouse *attachedDevice(DeviceId id) const;

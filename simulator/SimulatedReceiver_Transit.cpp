@@ -103,7 +103,7 @@ void SimulatedReceiver::deliverKeptReport()
         report = std::exchange(m_keptReport, std::nullopt);
     }
     if (report)
-        sendReport(report->id, report->message);
+        reportAtOnce(report->id, report->message);
 }
 
 std::optional<ReceiverFault> SimulatedReceiver::takeFault(const DeviceOperation &operation, DeviceId id)
@@ -167,7 +167,7 @@ void SimulatedReceiver::deliverDue()
             arriveAtMouse(transit.id, transit.message);
             break;
         case Transit::Kind::Report:
-            sendReport(transit.id, transit.message);
+            reportAtOnce(transit.id, transit.message);
             break;
         case Transit::Kind::HeldReport:
             deliverReport(transit.id, transit.message);
@@ -182,10 +182,10 @@ void SimulatedReceiver::arriveAtMouse(DeviceId id, const MouseMessage &request)
     QList<MouseMessage> reports;
     changeMouse(id, [&](SimulatedMouse &mouse) { reports = mouse.take(request); });
     for (const MouseMessage &report : std::as_const(reports))
-        sendReport(id, report);
+        reportAtOnce(id, report);
 }
 
-void SimulatedReceiver::sendReport(DeviceId id, const MouseMessage &report)
+void SimulatedReceiver::reportAtOnce(DeviceId id, const MouseMessage &report)
 {
     if (!attachedDevice(id))
         return;

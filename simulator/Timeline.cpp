@@ -138,12 +138,6 @@ void Timeline::setResult(quint64 sequence, const QJsonValue &result)
         entry->result = result;
 }
 
-QList<TimelineEntry> Timeline::entries() const
-{
-    const QMutexLocker locker(&m_mutex);
-    return m_entries;
-}
-
 QList<TimelineEntry> Timeline::entriesAfter(quint64 sequence) const
 {
     const QMutexLocker locker(&m_mutex);

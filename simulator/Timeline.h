@@ -62,7 +62,7 @@ public:
     /// Sets the result of an entry that is complete only when the call has returned.
     void setResult(quint64 sequence, const QJsonValue &result);
 
-    QList<TimelineEntry> entries() const;
+    QList<TimelineEntry> entries() const { return entriesAfter(0); }
     /// What came after the entry with this number; 0 for all.
     QList<TimelineEntry> entriesAfter(quint64 sequence) const;
     quint64 lastSequence() const;
