@@ -1,5 +1,4 @@
-#include "InspectCommand.h"
-
+#include "Commands.h"
 #include "MissingLibraries.h"
 #include "PluginHost.h"
 #include "PluginInspection.h"

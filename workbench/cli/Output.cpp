@@ -1,8 +1,6 @@
 #include "Output.h"
 
 #include <QtCore/QByteArray>
-#include <QtCore/QCoreApplication>
-#include <QtCore/QDir>
 
 #include <cstdio>
 
@@ -37,27 +35,4 @@ QString onOneLine(QString text)
             character = u' ';
     }
     return text;
-}
-
-void printEntries(const QList<TimelineEntry> &entries, Timeline::Style style)
-{
-    for (const TimelineEntry &entry : entries)
-        printLine(Timeline::line(entry, style));
-}
-
-void printEntriesAsJson(const QList<TimelineEntry> &entries)
-{
-    for (const TimelineEntry &entry : entries)
-        printLine(QString::fromUtf8(Timeline::jsonLine(entry)));
-}
-
-QString libraryBesideTheProgram()
-{
-#ifdef Q_OS_WIN
-    const QString suffix = u".dll"_s;
-#else
-    const QString suffix = u".so"_s;
-#endif
-    return QDir(QCoreApplication::applicationDirPath())
-        .filePath(u"com.orvane.KVX.Plugin.LogicalDevice.RV418"_s + suffix);
 }

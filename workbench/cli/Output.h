@@ -1,7 +1,5 @@
 #pragma once
 
-#include "Timeline.h"
-
 #include <QtCore/QString>
 
 /// What kvx answers to the shell.
@@ -15,14 +13,6 @@ enum class ExitCode {
 
 /// Writes a line to standard output, at once.
 void printLine(const QString &line);
-
-/// Writes the entries to standard output, a line each.
-void printEntries(const QList<TimelineEntry> &entries, Timeline::Style style);
-/// The same as one JSON object a line.
-void printEntriesAsJson(const QList<TimelineEntry> &entries);
-
-/// The plugin library that lies beside this program.
-QString libraryBesideTheProgram();
 
 /// Writes "kvx: " and the message as one line to standard error.
 void printError(const QString &message);

@@ -1,8 +1,10 @@
-#include "RunCommand.h"
-
+#include "Commands.h"
+#include "LineReader.h"
 #include "Scenario.h"
 #include "Words.h"
 
+#include <QtCore/QCoreApplication>
+#include <QtCore/QDir>
 #include <QtCore/QFile>
 
 #include <cstdio>
@@ -35,10 +37,10 @@ std::optional<QStringList> readLines(const QString &fileName)
 
 void printNewEntries(Scenario &scenario, bool isJson)
 {
-    if (isJson)
-        printEntriesAsJson(scenario.takeEntries());
-    else
-        printEntries(scenario.takeEntries(), scenario.lineStyle());
+    const QList<TimelineEntry> entries = scenario.takeEntries();
+    for (const TimelineEntry &entry : entries)
+        printLine(isJson ? QString::fromUtf8(Timeline::jsonLine(entry))
+                         : Timeline::line(entry, scenario.lineStyle()));
 }
 
 ExitCode play(Scenario &scenario, const QString &name, const QStringList &lines, bool isJson)
@@ -63,6 +65,17 @@ ExitCode play(Scenario &scenario, const QString &name, const QStringList &lines,
             return ExitCode::Success;
     }
     return fail(number - 1, scenario.finish());
+}
+
+QString libraryBesideTheProgram()
+{
+#ifdef Q_OS_WIN
+    const QString suffix = u".dll"_s;
+#else
+    const QString suffix = u".so"_s;
+#endif
+    return QDir(QCoreApplication::applicationDirPath())
+        .filePath(u"com.orvane.KVX.Plugin.LogicalDevice.RV418"_s + suffix);
 }
 
 ExitCode load(Scenario &scenario, const RunOptions &options)
@@ -106,5 +119,29 @@ ExitCode runSession(const RunOptions &options)
         return ExitCode::Difference;
     if (!options.isJson)
         printLine(u"session: all %1 checks passed"_s.arg(scenario.checkCount()));
+    return ExitCode::Success;
+}
+
+ExitCode runShell(const RunOptions &options)
+{
+    Scenario scenario(printLine);
+    const ExitCode loaded = load(scenario, options);
+    if (loaded != ExitCode::Success)
+        return loaded;
+    LineReader reader(Scenario::commandNames());
+    const auto execute = [&](const QString &line) {
+        const CommandResult result = scenario.execute(line);
+        printNewEntries(scenario, false);
+        if (!result.message.isEmpty())
+            printError(result.message);
+        return result.isEnd;
+    };
+    execute(u"mouse 1"_s);
+    execute(u"start"_s);
+    printLine(u"One mouse is started. \"help\" lists the commands."_s);
+    while (const std::optional<QString> line = reader.readLine(u"kvx> "_s)) {
+        if (execute(*line))
+            break;
+    }
     return ExitCode::Success;
 }

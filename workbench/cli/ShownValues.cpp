@@ -2,36 +2,16 @@
 
 #include "HostedDevice.h"
 
+#include <QtCore/QVariant>
+
 namespace {
 
-QString text(bool value)
+QString text(const QVariant &value)
 {
-    return value ? QStringLiteral("true") : QStringLiteral("false");
-}
-
-QString text(int value)
-{
-    return QString::number(value);
-}
-
-QString text(uint value)
-{
-    return QString::number(value);
-}
-
-QString text(const QString &value)
-{
-    return value;
-}
-
-QString text(const QStringList &values)
-{
-    return values.join(u' ');
-}
-
-QString text(const QByteArray &value)
-{
-    return QString::fromUtf8(value).simplified();
+    if (value.typeId() == QMetaType::QStringList)
+        return value.toStringList().join(u' ');
+    const QString text = value.toString();
+    return value.typeId() == QMetaType::QByteArray ? text.simplified() : text;
 }
 
 struct Getter

@@ -1,7 +1,10 @@
 #include "Words.h"
 
-#include <algorithm>
+#include <QtCore/QRegularExpression>
+
 #include <utility>
+
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -47,16 +50,6 @@ QString written(const QString &line, qsizetype begin, qsizetype end)
     return line.sliced(begin, end - begin).trimmed();
 }
 
-// Qt reads more than that as a number: blanks around it, and a sign or another 0x behind 0x.
-bool isDigits(const QString &text, bool isHexadecimal)
-{
-    return !text.isEmpty() && std::all_of(text.cbegin(), text.cend(), [&](QChar character) {
-        const char16_t code = character.unicode();
-        return (code >= u'0' && code <= u'9') ||
-               (isHexadecimal && ((code >= u'a' && code <= u'f') || (code >= u'A' && code <= u'F')));
-    });
-}
-
 }  // namespace
 
 std::optional<QStringList> wordsOf(const QString &line)
@@ -85,13 +78,13 @@ QString withoutLastWord(const QString &line)
 
 std::optional<int> numberOf(const QString &word)
 {
-    const bool isHexadecimal = word.startsWith(u"0x");
-    const bool isSigned = word.startsWith(u'-') || word.startsWith(u'+');
-    const QString digits = word.sliced(isHexadecimal ? 2 : isSigned ? 1 : 0);
-    if (!isDigits(digits, isHexadecimal))
+    // Qt reads more than that as a number: blanks around it, and a sign or another 0x behind 0x.
+    static const QRegularExpression form(
+        QRegularExpression::anchoredPattern(u"0x[0-9A-Fa-f]+|[-+]?[0-9]+"_s));
+    if (!form.match(word).hasMatch())
         return std::nullopt;
     bool isNumber = false;
-    const int number = isHexadecimal ? digits.toInt(&isNumber, 16) : word.toInt(&isNumber, 10);
+    const int number = word.toInt(&isNumber, word.startsWith(u"0x") ? 16 : 10);
     return isNumber ? std::optional<int>(number) : std::nullopt;
 }
 

@@ -1,6 +1,4 @@
-#include "InspectCommand.h"
-#include "RunCommand.h"
-#include "ShellCommand.h"
+#include "Commands.h"
 #include "StandardStreams.h"
 
 #include <QtCore/QCoreApplication>
@@ -38,24 +36,22 @@ int parseAndRun()
     app.footer("Exit codes: 0 all went as it should, 1 something differed, 2 bad usage or an unusable file, "
                "3 a request was refused, 4 a request was never confirmed.");
 
-    std::string pluginFile;
-    RunOptions runOptions;
     CLI::App *session = app.add_subcommand(
         "session", "Play a session on one simulated mouse that checks itself at every step");
-    session->add_option("--plugin", pluginFile, "The plugin library (default: the one beside this program)")
-        ->option_text("FILE");
-    session->add_flag("--json", runOptions.isJson, "Print the timeline as one JSON object a line, only that");
-
-    std::string scenarioFile;
     CLI::App *run = app.add_subcommand("run", "Play a scenario: commands from a file, one a line");
-    run->add_option("FILE", scenarioFile, "The scenario; - for standard input")->required()->option_text(" ");
-    run->add_option("--plugin", pluginFile, "The plugin library (default: the one beside this program)")
-        ->option_text("FILE");
-    run->add_flag("--json", runOptions.isJson, "Print the timeline as one JSON object a line, only that");
     CLI::App *shell =
         app.add_subcommand("shell", "Host the plugin by hand: the commands of scenarios at a prompt");
-    shell->add_option("--plugin", pluginFile, "The plugin library (default: the one beside this program)")
-        ->option_text("FILE");
+    std::string scenarioFile;
+    std::string pluginFile;
+    RunOptions options;
+    run->add_option("FILE", scenarioFile, "The scenario; - for standard input")->required()->option_text(" ");
+    for (CLI::App *command : {session, run, shell})
+        command
+            ->add_option("--plugin", pluginFile, "The plugin library (default: the one beside this program)")
+            ->option_text("FILE");
+    for (CLI::App *command : {session, run})
+        command->add_flag("--json", options.isJson,
+                          "Print the timeline as one JSON object a line, only that");
 
     std::string inspectedFile;
     CLI::App *inspect =
@@ -71,17 +67,14 @@ int parseAndRun()
         return static_cast<int>(ExitCode::Unusable);
     }
 
-    if (session->parsed()) {
-        runOptions.pluginFile = QString::fromUtf8(pluginFile);
-        return static_cast<int>(runSession(runOptions));
-    }
-    if (run->parsed()) {
-        runOptions.file = QString::fromUtf8(scenarioFile);
-        runOptions.pluginFile = QString::fromUtf8(pluginFile);
-        return static_cast<int>(runScenario(runOptions));
-    }
+    options.file = QString::fromUtf8(scenarioFile);
+    options.pluginFile = QString::fromUtf8(pluginFile);
+    if (session->parsed())
+        return static_cast<int>(runSession(options));
+    if (run->parsed())
+        return static_cast<int>(runScenario(options));
     if (shell->parsed())
-        return static_cast<int>(runShell(QString::fromUtf8(pluginFile)));
+        return static_cast<int>(runShell(options));
     if (inspect->parsed())
         return static_cast<int>(runInspect(QString::fromUtf8(inspectedFile)));
     std::cerr << app.help();

@@ -2,13 +2,14 @@
 
 #include "Output.h"
 
-/// The options of kvx run and kvx session.
+/// The options of kvx run, kvx session and kvx shell.
 struct RunOptions
 {
-    /// The scenario; "-" for standard input. Not used by kvx session.
+    /// The scenario; "-" for standard input. For kvx run only.
     QString file;
     /// Empty for the library that is beside the program.
     QString pluginFile;
+    /// Not for kvx shell.
     bool isJson = false;
 };
 
@@ -18,3 +19,10 @@ ExitCode runScenario(const RunOptions &options);
 
 /// kvx session: the same with the scenario that is compiled in. Anything that goes wrong in it is a difference.
 ExitCode runSession(const RunOptions &options);
+
+/// kvx shell: the commands of scenarios at a prompt, with one mouse started. Goes on after a command that goes
+/// wrong; answers Success at its end.
+ExitCode runShell(const RunOptions &options);
+
+/// kvx inspect: prints what a plugin library says of itself, what it misses here, and whether it loads.
+ExitCode runInspect(const QString &file);

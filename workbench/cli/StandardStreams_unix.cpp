@@ -1,4 +1,0 @@
-#include "StandardStreams.h"
-
-// They do so by themselves.
-void unifyStandardStreams() {}
