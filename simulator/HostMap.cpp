@@ -14,7 +14,7 @@ HostMap::HostMap(const QVariantMap &values)
     Q_ASSERT(m_map.typeId() == QMetaType::QVariantMap);
 }
 
-const QVariantMap &HostMap::map() const
+HostMap::operator const QVariantMap &() const
 {
     return *static_cast<const QVariantMap *>(m_map.constData());
 }

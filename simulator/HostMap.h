@@ -10,9 +10,7 @@ public:
     explicit HostMap(const QVariantMap &values);
 
     /// Not for reading here, only to be handed to code of Qt or the library.
-    const QVariantMap &map() const;
-
-    operator const QVariantMap &() const { return map(); }
+    operator const QVariantMap &() const;
 
 private:
     QVariant m_map;

@@ -10,19 +10,13 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-template <typename Type>
-const Type &valueAt(const void *argument)
-{
-    return *static_cast<const Type *>(argument);
-}
-
 // Undefined when the type is none of these.
 template <typename... Types>
-QJsonValue valueOfOne(QMetaType type, const void *argument)
+QJsonValue valueIfOneOf(QMetaType type, const void *argument)
 {
     QJsonValue value = QJsonValue::Undefined;
     const auto take = [&](const auto &candidate) { value = timelineValue(candidate); };
-    ((type == QMetaType::fromType<Types>() ? take(valueAt<Types>(argument)) : void()), ...);
+    ((type == QMetaType::fromType<Types>() ? take(*static_cast<const Types *>(argument)) : void()), ...);
     return value;
 }
 
@@ -71,11 +65,11 @@ int SignalRecorder::qt_metacall(QMetaObject::Call call, int id, void **arguments
 QJsonValue SignalRecorder::argumentValue(QMetaType type, const void *argument) const
 {
     const QJsonValue value =
-        valueOfOne<bool, int, uint, qlonglong, qulonglong, quint8, QString, QStringList>(type, argument);
+        valueIfOneOf<bool, int, uint, qlonglong, qulonglong, quint8, QString, QStringList>(type, argument);
     if (!value.isUndefined())
         return value;
     if (type == QMetaType::fromType<IDevice *>()) {
-        const void *device = valueAt<IDevice *>(argument);
+        const void *device = *static_cast<IDevice *const *>(argument);
         if (!device)
             return QJsonValue::Null;
         return device == m_ownDevice ? u"this"_s : u"other"_s;

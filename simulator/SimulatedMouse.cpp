@@ -2,18 +2,7 @@
 
 #include "Operations.h"
 
-#include <QtCore/QJsonObject>
-
 #include <algorithm>
-
-namespace {
-
-QJsonArray slotValuesArgument(const SimulatedMouse &mouse)
-{
-    return {timelineValue(mouse.dpiSlotValues.data())};
-}
-
-}  // namespace
 
 ReportRateInfo SimulatedMouse::reportRateInfo() const
 {
@@ -64,7 +53,7 @@ QList<MouseMessage> SimulatedMouse::takeDpiSlotValues(const QJsonArray &values)
         if (value != 0)
             dpiSlotValues[static_cast<std::size_t>(slot)] = roundedDpi(value);
     }
-    QList<MouseMessage> reports{{&reports::dpiSlotValuesConfirmed, slotValuesArgument(*this)}};
+    QList<MouseMessage> reports{{&reports::dpiSlotValuesConfirmed, {timelineValue(dpiSlotValues.data())}}};
     appendDpiChange(reports);
     return reports;
 }
@@ -96,7 +85,7 @@ QList<MouseMessage> SimulatedMouse::initialState(int part) const
     if (part == 1) {
         return {{&receiverSignals::dpiMinChanged, {dpiMin}},
                 {&receiverSignals::dpiMaxChanged, {dpiMax}},
-                {&reports::dpiSlotValuesChangedCallBack, slotValuesArgument(*this)}};
+                {&reports::dpiSlotValuesChangedCallBack, {timelineValue(dpiSlotValues.data())}}};
     }
     if (part == 2) {
         return {{&reports::activeDpiSlotIndexChangedCallBack, {activeDpiSlotIndex}},

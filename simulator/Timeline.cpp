@@ -104,23 +104,12 @@ Timeline::Timeline() : m_start(std::chrono::steady_clock::now()), m_threads{QThr
 quint64 Timeline::record(TimelineEntry::Kind kind, std::optional<DeviceId> device, const QString &name,
                          const QJsonArray &arguments, const QJsonValue &result)
 {
-    TimelineEntry entry;
-    entry.kind = kind;
-    entry.device = device;
-    entry.name = name;
-    entry.arguments = arguments;
-    entry.result = result;
-    return append(std::move(entry));
+    return append({kind, device, name, arguments, result, {}});
 }
 
 quint64 Timeline::recordLog(const QString &severity, const QString &category, const QString &text)
 {
-    TimelineEntry entry;
-    entry.kind = TimelineEntry::Kind::Log;
-    entry.name = severity;
-    entry.arguments = {text};
-    entry.category = category;
-    return append(std::move(entry));
+    return append({TimelineEntry::Kind::Log, {}, severity, {text}, QJsonValue::Undefined, category});
 }
 
 quint64 Timeline::recordVerdict(const QString &text, std::optional<DeviceId> device)

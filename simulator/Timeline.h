@@ -26,15 +26,15 @@ struct TimelineEntry
         Verdict,      ///< the simulation itself notes something: text in arguments[0]
     };
 
-    quint64 sequence = 0;               ///< 1, 2, 3 ... without gaps
-    std::chrono::microseconds time{0};  ///< since the timeline was made, from a monotonic clock
-    int thread = 0;                     ///< 1 is the timeline's own thread, others as they first appear
-    std::optional<DeviceId> device;     ///< unset where it is not known, as for log lines
     Kind kind = Kind::Verdict;
+    std::optional<DeviceId> device;  ///< unset where it is not known, as for log lines
     QString name;
     QJsonArray arguments;
     QJsonValue result = QJsonValue::Undefined;
-    QString category;  ///< log lines only
+    QString category;                   ///< log lines only
+    quint64 sequence = 0;               ///< 1, 2, 3 ... without gaps
+    std::chrono::microseconds time{0};  ///< since the timeline was made, from a monotonic clock
+    int thread = 0;                     ///< 1 is the timeline's own thread, others as they first appear
 };
 
 /// The one record of everything that can be observed: calls, signals, log lines, host-service events.

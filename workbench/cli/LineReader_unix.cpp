@@ -1,11 +1,11 @@
 #include "LineReader.h"
 
+#include <QtCore/QScopedPointer>
+
 #include <editline/readline.h>
 
-#include <cstdlib>
 #include <cstring>
 #include <iostream>
-#include <memory>
 #include <string>
 #include <unistd.h>
 
@@ -33,11 +33,6 @@ char **completeFirstWord(const char *text, int start, int /*end*/)
     return start == 0 ? rl_completion_matches(text, nextCompletion) : nullptr;
 }
 
-struct Free
-{
-    void operator()(char *line) const { std::free(line); }
-};
-
 }  // namespace
 
 LineReader::LineReader(const QStringList &firstWords)
@@ -58,7 +53,7 @@ std::optional<QString> LineReader::readLine(const QString &prompt)
         std::string line;
         return std::getline(std::cin, line) ? std::optional<QString>(QString::fromUtf8(line)) : std::nullopt;
     }
-    const std::unique_ptr<char, Free> line(readline(prompt.toUtf8().constData()));
+    const QScopedPointer<char, QScopedPointerPodDeleter> line(readline(prompt.toUtf8().constData()));
     if (!line)
         return std::nullopt;
     if (*line.get() != '\0')

@@ -6,123 +6,101 @@
 
 using namespace Qt::StringLiterals;
 
-namespace {
-
-using Command = Scenario::Command;
-using Device = ILogicalDeviceGen3Mouse;
-
-}  // namespace
-
-Scenario::Scenario(std::function<void(const QString &)> print) : m_print(std::move(print)) {}
-
-std::optional<QString> Scenario::load(const QString &pluginFile)
-{
-    return m_workbench.load(pluginFile);
-}
-
 const QList<Scenario::Command> &Scenario::commands()
 {
+    using Device = ILogicalDeviceGen3Mouse;
     using Kind = Command::Kind;
     using Needs = Command::Needs;
     using Routes = Command::Routes;
-    const auto call = [](const DeviceOperation &operation, const QString &arguments, const QString &help,
+    const auto call = [](const DeviceOperation &operation, const char *arguments, const char *help,
                          const DeviceOperation *request = nullptr,
                          bool(Device::*isPending)() const = nullptr) {
-        const Needs needs =
-            &operation == &calls::forwardToPhysicalDevice ? Needs::PhysicalDevice : Needs::Device;
-        return Command{operation.text(),
-                       arguments,
-                       help,
-                       &Scenario::callOperation,
-                       needs,
-                       Kind::Action,
-                       Routes::OtherThread,
-                       &operation,
-                       request,
-                       isPending};
+        Command command{operation.name, arguments, help, &Scenario::callOperation, Needs::Device};
+        if (&operation == &calls::forwardToPhysicalDevice)
+            command.needs = Needs::PhysicalDevice;
+        command.routes = Routes::OtherThread;
+        command.operation = &operation;
+        command.request = request;
+        command.isPending = isPending;
+        return command;
     };
     static const QList<Command> table{
-        {u"mouse"_s, u"ID [FIELD=VALUE,...]..."_s, u"add a mouse and create its device"_s, &Scenario::mouse,
+        {"mouse", "ID [FIELD=VALUE,...]...", "add a mouse and create its device", &Scenario::mouse,
          Needs::Plugin},
-        {u"use"_s, u"ID"_s, u"make another mouse the current one"_s, &Scenario::use, Needs::Nothing,
-         Kind::Setting},
-        {u"remove"_s, u""_s, u"destroy the current device and take its mouse away"_s, &Scenario::remove,
+        {"use", "ID", "make another mouse the current one", &Scenario::use, Needs::Nothing, Kind::Setting},
+        {"remove", "", "destroy the current device and take its mouse away", &Scenario::remove,
          Needs::Device},
-        {u"device"_s, u"ID none|other"_s,
-         u"add a device without a physical device, or with one that is no receiver"_s, &Scenario::device,
+        {"device", "ID none|other", "add a device without a physical device, or with one that is no receiver",
+         &Scenario::device, Needs::Plugin},
+        {"log", "SWITCH on|off ...", "initialize the plugin again: debug, warning, critical", &Scenario::log,
          Needs::Plugin},
-        {u"log"_s, u"SWITCH on|off ..."_s, u"initialize the plugin again: debug, warning, critical"_s,
-         &Scenario::log, Needs::Plugin},
-        {u"unload"_s, u""_s, u"unload the plugin with all devices that are left"_s, &Scenario::unload,
-         Needs::Plugin},
-        call(calls::start, u""_s, u"start the current device; the mouse reports its state"_s),
-        call(calls::stop, u""_s, u"stop it"_s),
-        call(calls::setReportRate, u"HZ"_s, u"request a report rate"_s, &requests::setReportRate,
+        {"unload", "", "unload the plugin with all devices that are left", &Scenario::unload, Needs::Plugin},
+        call(calls::start, "", "start the current device; the mouse reports its state"),
+        call(calls::stop, "", "stop it"),
+        call(calls::setReportRate, "HZ", "request a report rate", &requests::setReportRate,
              &Device::isReportRateChangePending),
-        call(calls::setDpiSlotValues, u"DPI..."_s, u"request slot values, as the texts given"_s,
+        call(calls::setDpiSlotValues, "DPI...", "request slot values, as the texts given",
              &requests::setDpiSlotValues, &Device::isDpiSlotValuesChangePending),
-        call(calls::setActiveDpiSlotIndex, u"INDEX"_s, u"request the active slot"_s,
+        call(calls::setActiveDpiSlotIndex, "INDEX", "request the active slot",
              &requests::setDpiButtonAndActiveSlot, &Device::isActiveDpiSlotIndexChangePending),
-        call(calls::setDpiButtonId, u"ID"_s, u"request the DPI button; 0 is the default"_s,
+        call(calls::setDpiButtonId, "ID", "request the DPI button; 0 is the default",
              &requests::setDpiButtonAndActiveSlot, &Device::isDpiButtonIdChangePending),
-        call(calls::disbaleButtonsOrKeys, u"[BUTTON]..."_s, u"divert these buttons to the host"_s,
+        call(calls::disbaleButtonsOrKeys, "[BUTTON]...", "divert these buttons to the host",
              &requests::setDisabledButtonsOrKeysMask),
-        call(calls::setButtonsOrKeysToDefault, u""_s, u"end the diversion of all buttons"_s,
+        call(calls::setButtonsOrKeysToDefault, "", "end the diversion of all buttons",
              &requests::setDisabledButtonsOrKeysMask),
-        call(calls::applySettings, u"[NAME=VALUE]..."_s, u"pass settings to the device"_s),
-        call(calls::resetSettings, u""_s, u"reset the device's settings"_s,
+        call(calls::applySettings, "[NAME=VALUE]...", "pass settings to the device"),
+        call(calls::resetSettings, "", "reset the device's settings",
              &requests::setDisabledButtonsOrKeysMask),
-        call(calls::setDpiValue, u"DPI"_s, u"set the DPI, which this model does not do"_s),
-        call(calls::forwardToPhysicalDevice, u"N N N"_s, u"pass three numbers to the physical device"_s),
-        call(calls::query26, u"N N N"_s, u"pass three numbers to the receiver"_s),
-        {u"press"_s, u"BUTTON"_s, u"press a button of the mouse: 1 to 5, dpi or smart"_s, &Scenario::press,
+        call(calls::setDpiValue, "DPI", "set the DPI, which this model does not do"),
+        call(calls::forwardToPhysicalDevice, "N N N", "pass three numbers to the physical device"),
+        call(calls::query26, "N N N", "pass three numbers to the receiver"),
+        {"press", "BUTTON", "press a button of the mouse: 1 to 5, dpi or smart", &Scenario::press,
          Needs::Mouse},
-        {u"release"_s, u"BUTTON"_s, u"release it"_s, &Scenario::release, Needs::Mouse},
-        {u"drain"_s, u"PERCENT"_s, u"take from the mouse's battery; negative charges it"_s, &Scenario::drain,
+        {"release", "BUTTON", "release it", &Scenario::release, Needs::Mouse},
+        {"drain", "PERCENT", "take from the mouse's battery; negative charges it", &Scenario::drain,
          Needs::Mouse},
-        {u"sleep"_s, u""_s, u"send the mouse to sleep"_s, &Scenario::sleep, Needs::Mouse},
-        {u"wake"_s, u""_s, u"wake it"_s, &Scenario::wake, Needs::Mouse},
-        {u"set"_s, u"FIELD VALUE..."_s, u"change the mouse without a report"_s, &Scenario::set, Needs::Mouse,
+        {"sleep", "", "send the mouse to sleep", &Scenario::act<&SimulatedMouse::sleep>, Needs::Mouse},
+        {"wake", "", "wake it", &Scenario::act<&SimulatedMouse::wake>, Needs::Mouse},
+        {"set", "FIELD VALUE...", "change the mouse without a report", &Scenario::set, Needs::Mouse,
          Kind::Setting},
-        {u"report"_s, u"OPERATION VALUE..."_s, u"let the mouse report something unasked"_s, &Scenario::report,
+        {"report", "OPERATION VALUE...", "let the mouse report something unasked", &Scenario::report,
          Needs::Device, Kind::Action, Routes::All},
-        {u"other-thread"_s, u"COMMAND"_s, u"make the call or the report from another thread"_s,
-         &Scenario::otherThread, Needs::Device},
-        {u"at-once"_s, u"report ..."_s, u"report before anything that waits for the event loop"_s,
-         &Scenario::atOnce, Needs::Device},
-        {u"inside-request"_s, u"report ..."_s, u"report before the next request is answered"_s,
-         &Scenario::insideRequest, Needs::Device},
-        {u"fault"_s, u"OPERATION EFFECT [VALUE]... [times N|always]"_s,
-         u"refuse, delay MS, drop, repeat N or alter VALUE... the next such operation"_s, &Scenario::fault,
+        {"other-thread", "COMMAND", "make the call or the report from another thread",
+         &Scenario::runBy<Route::OtherThread>, Needs::Device},
+        {"at-once", "report ...", "report before anything that waits for the event loop",
+         &Scenario::runBy<Route::AtOnce>, Needs::Device},
+        {"inside-request", "report ...", "report before the next request is answered",
+         &Scenario::runBy<Route::InsideRequest>, Needs::Device},
+        {"fault", "OPERATION EFFECT [VALUE]... [times N|always]",
+         "refuse, delay MS, drop, repeat N or alter VALUE... the next such operation", &Scenario::fault,
          Needs::Device, Kind::Setting},
-        {u"faults"_s, u""_s, u"list the faults in force"_s, &Scenario::faults, Needs::Nothing, Kind::Setting},
-        {u"clear-faults"_s, u""_s, u"end all faults"_s, &Scenario::clearFaults, Needs::Nothing,
+        {"faults", "", "list the faults in force", &Scenario::faults, Needs::Nothing, Kind::Setting},
+        {"clear-faults", "", "end all faults", &Scenario::clearFaults, Needs::Nothing, Kind::Setting},
+        {"answer-delay", "MS", "how long the mouse takes to answer", &Scenario::answerDelay, Needs::Nothing,
          Kind::Setting},
-        {u"answer-delay"_s, u"MS"_s, u"how long the mouse takes to answer"_s, &Scenario::answerDelay,
-         Needs::Nothing, Kind::Setting},
-        {u"resend-limit"_s, u"N"_s, u"how often a request may be sent again"_s, &Scenario::resendLimit,
-         Needs::Nothing, Kind::Setting},
-        {u"deadline"_s, u"MS"_s, u"how long requests are waited for"_s, &Scenario::deadline, Needs::Nothing,
+        {"resend-limit", "N", "how often a request may be sent again", &Scenario::resendLimit, Needs::Nothing,
          Kind::Setting},
-        {u"show"_s, u"[VALUE]"_s, u"print the device's values, or one"_s, &Scenario::show, Needs::Device,
+        {"deadline", "MS", "how long requests are waited for", &Scenario::deadline, Needs::Nothing,
+         Kind::Setting},
+        {"show", "[VALUE]", "print the device's values, or one", &Scenario::show, Needs::Device, Kind::Check},
+        {"timeline", "[N]", "print the timeline's last lines", &Scenario::showTimeline, Needs::Nothing,
          Kind::Check},
-        {u"timeline"_s, u"[N]"_s, u"print the timeline's last lines"_s, &Scenario::showTimeline,
-         Needs::Nothing, Kind::Check},
-        {u"="_s, u"LINE"_s,
-         u"compare the next line that the last command left; with the first, all of them must be given"_s,
+        {"=", "LINE",
+         "compare the next line that the last command left; with the first, all of them must be given",
          &Scenario::expectNextLine, Needs::Nothing, Kind::Check},
-        {u"expect"_s,
-         u"VALUE TEXT... | signal LINE | timeline [LINE | LINE ...] | log [LINE | LINE ...] | metadata JSON"_s,
-         u"compare a value, the next signal, the last lines without the log, the log of the last command, or "
-         u"the "
-         "plugin's metadata without its Qt version and build type"_s,
+        {"expect",
+         "VALUE TEXT... | signal LINE | timeline [LINE | LINE ...] | log [LINE | LINE ...] | metadata JSON",
+         "compare a value, the next signal, the last lines without the log, the log of the last command, or "
+         "the "
+         "plugin's metadata without its Qt version and build type",
          &Scenario::expect, Needs::Nothing, Kind::Check},
-        {u"wait"_s, u"EVENT [MS]"_s, u"wait for a timeline line that begins so"_s, &Scenario::wait,
-         Needs::Nothing, Kind::Check},
-        {u"settle"_s, u""_s, u"wait until the mouse has reported everything and nothing is queued"_s,
+        {"wait", "EVENT [MS]", "wait for a timeline line that begins so", &Scenario::wait, Needs::Nothing,
+         Kind::Check},
+        {"settle", "", "wait until the mouse has reported everything and nothing is queued",
          &Scenario::settle},
-        {u"help"_s, u""_s, u"print this"_s, &Scenario::help, Needs::Nothing, Kind::Setting},
-        {u"quit"_s, u""_s, u"end"_s, &Scenario::quit},
+        {"help", "", "print this", &Scenario::help, Needs::Nothing, Kind::Setting},
+        {"quit", "", "end", &Scenario::quit},
     };
     return table;
 }
@@ -131,14 +109,14 @@ QStringList Scenario::commandNames()
 {
     QStringList names;
     for (const Command &command : commands())
-        names.append(command.name);
+        names.append(QString::fromLatin1(command.name));
     return names;
 }
 
 const Scenario::Command *Scenario::findCommand(const QString &name)
 {
     for (const Command &command : commands()) {
-        if (command.name == name)
+        if (name == QLatin1StringView(command.name))
             return &command;
     }
     return nullptr;
@@ -193,8 +171,9 @@ CommandResult Scenario::dispatch(const Command &command, const QStringList &word
     CommandResult missing = whatIsMissing(command.needs);
     if (missing.code != ExitCode::Success)
         return missing;
-    if (command.arguments.isEmpty() && !words.isEmpty())
-        return wrongWord(words.first(), u"wanted here; %1 takes no words"_s.arg(command.name));
+    if (*command.arguments == '\0' && !words.isEmpty())
+        return wrongWord(words.first(),
+                         u"wanted here; %1 takes no words"_s.arg(QLatin1StringView(command.name)));
     m_command = &command;
     return (this->*command.run)(words);
 }
@@ -229,12 +208,13 @@ Timeline::Style Scenario::lineStyle() const
 
 CommandResult Scenario::help(const QStringList & /*words*/)
 {
-    for (const Command &command : commands())
-        m_print(u"  "_s + (command.name + u' ' + command.arguments).trimmed() + u"\n        "_s +
-                command.help);
+    for (const Command &command : commands()) {
+        const QString usage =
+            u"%1 %2"_s.arg(QLatin1StringView(command.name), QLatin1StringView(command.arguments));
+        m_print(u"  %1\n        %2"_s.arg(usage.trimmed(), QLatin1StringView(command.help)));
+    }
     m_print(u"A request waits for its outcome; \"nowait\" behind it does not, \"=> refused\" (confirmed, "
-            u"pending) "
-            "says which outcome is right. # begins a comment."_s);
+            "pending) says which outcome is right. # begins a comment."_s);
     return {};
 }
 
@@ -245,7 +225,7 @@ CommandResult Scenario::quit(const QStringList & /*words*/)
     return result;
 }
 
-CommandResult Scenario::settled()
+CommandResult Scenario::settle(const QStringList & /*words*/)
 {
     if (m_isWaiting && !m_workbench.settle())
         return CommandResult::difference(

@@ -7,6 +7,7 @@
 
 #include <functional>
 #include <optional>
+#include <utility>
 
 /// What came of one command line.
 struct CommandResult
@@ -34,9 +35,9 @@ public:
         /// How it can come apart from the usual way.
         enum class Routes { Usual, OtherThread, All };
 
-        QString name;
-        QString arguments;  // as help shows them
-        QString help;
+        const char *name;
+        const char *arguments;  // as help shows them
+        const char *help;
         CommandResult (Scenario::*run)(const QStringList &words);
         Needs needs = Needs::Nothing;
         Kind kind = Kind::Action;
@@ -49,10 +50,10 @@ public:
     };
 
     /// print: where the answers of commands go that have one, a line at a time.
-    explicit Scenario(std::function<void(const QString &)> print);
+    explicit Scenario(std::function<void(const QString &)> print) : m_print(std::move(print)) {}
 
     /// The reason in one sentence when the plugin cannot be used.
-    std::optional<QString> load(const QString &pluginFile);
+    std::optional<QString> load(const QString &pluginFile) { return m_workbench.load(pluginFile); }
 
     /// Runs one line. Empty lines and comments do nothing.
     CommandResult execute(const QString &line);
@@ -92,11 +93,13 @@ private:
     CommandResult fault(const QStringList &words);
     CommandResult faults(const QStringList &words);
     CommandResult clearFaults(const QStringList &words);
-    CommandResult otherThread(const QStringList &words);
-    CommandResult atOnce(const QStringList &words);
-    CommandResult insideRequest(const QStringList &words);
     /// Runs the command that the words are, if it can come by this route.
     CommandResult runBy(Route route, const QStringList &words);
+    template <Route route>
+    CommandResult runBy(const QStringList &words)
+    {
+        return runBy(route, words);
+    }
     /// Makes the call from where the line says.
     void callDevice(const std::function<void()> &call);
 
@@ -107,7 +110,7 @@ private:
     CommandResult remove(const QStringList &words);
     CommandResult unload(const QStringList &words);
     CommandResult log(const QStringList &words);
-    CommandResult settle(const QStringList &words);
+    CommandResult settle(const QStringList &words = {});
     CommandResult answerDelay(const QStringList &words);
     CommandResult resendLimit(const QStringList &words);
     CommandResult deadline(const QStringList &words);
@@ -120,8 +123,11 @@ private:
     CommandResult moveButton(const QStringList &words, QList<MouseMessage> (SimulatedMouse::*button)(int),
                              KeyAction smartPointerKey, KeyAction dpiButton);
     CommandResult drain(const QStringList &words);
-    CommandResult sleep(const QStringList &words);
-    CommandResult wake(const QStringList &words);
+    template <KeyAction action>
+    CommandResult act(const QStringList & /*words*/)
+    {
+        return act(action);
+    }
 
     // Scenario_Checks.cpp
     CommandResult show(const QStringList &words);
@@ -135,7 +141,6 @@ private:
     CommandResult wait(const QStringList &words);
 
     CommandResult compare(const QString &what, const QString &expected, const QString &seen);
-    CommandResult settled();
     CommandResult act(const std::function<QList<MouseMessage>(SimulatedMouse &)> &action);
     static CommandResult wrongWord(const QString &word, const QString &wanted);
     QStringList linesAfter(quint64 entry, const std::function<bool(const TimelineEntry &)> &isWanted) const;

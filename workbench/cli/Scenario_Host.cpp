@@ -4,16 +4,6 @@
 
 using namespace Qt::StringLiterals;
 
-namespace {
-
-const QStringList &switchNames()
-{
-    static const QStringList names{u"debug"_s, u"warning"_s, u"critical"_s};
-    return names;
-}
-
-}  // namespace
-
 CommandResult Scenario::mouse(const QStringList &words)
 {
     const std::optional<DeviceId> id = deviceIdOf(words.value(0));
@@ -70,25 +60,21 @@ CommandResult Scenario::unload(const QStringList & /*words*/)
 
 CommandResult Scenario::log(const QStringList &words)
 {
+    const QStringList names{u"debug"_s, u"warning"_s, u"critical"_s};
     Workbench::LogSwitches switches = m_workbench.logSwitches();
     if (words.isEmpty())
-        return wrongWord(QString(), u"a log switch: "_s + switchNames().join(u", "_s));
+        return wrongWord(QString(), u"a log switch: "_s + names.join(u", "_s));
     for (qsizetype i = 0; i < words.size(); i += 2) {
-        const qsizetype index = switchNames().indexOf(words.at(i));
+        const qsizetype index = names.indexOf(words.at(i));
         const QString state = words.value(i + 1);
         if (index < 0)
-            return wrongWord(words.at(i), u"a log switch: "_s + switchNames().join(u", "_s));
+            return wrongWord(words.at(i), u"a log switch: "_s + names.join(u", "_s));
         if (state != u"on" && state != u"off")
             return wrongWord(state, u"on or off, for the log switch "_s + words.at(i));
         switches.at(static_cast<std::size_t>(index)) = state == u"on";
     }
     m_workbench.setLogSwitches(switches);
     return {};
-}
-
-CommandResult Scenario::settle(const QStringList & /*words*/)
-{
-    return settled();
 }
 
 CommandResult Scenario::answerDelay(const QStringList &words)

@@ -16,7 +16,7 @@ CommandResult Scenario::set(const QStringList &words)
 CommandResult Scenario::act(const std::function<QList<MouseMessage>(SimulatedMouse &)> &action)
 {
     m_workbench.receiver.act(m_workbench.currentMouse(), action);
-    return settled();
+    return settle();
 }
 
 CommandResult Scenario::press(const QStringList &words)
@@ -52,14 +52,4 @@ CommandResult Scenario::drain(const QStringList &words)
     if (!percent)
         return wrongWord(words.join(u' '), u"a number of percent, -100 to 100"_s);
     return act([&](SimulatedMouse &mouse) { return mouse.drainBattery(*percent); });
-}
-
-CommandResult Scenario::sleep(const QStringList & /*words*/)
-{
-    return act([](SimulatedMouse &mouse) { return mouse.sleep(); });
-}
-
-CommandResult Scenario::wake(const QStringList & /*words*/)
-{
-    return act([](SimulatedMouse &mouse) { return mouse.wake(); });
 }

@@ -175,8 +175,8 @@ CommandResult Scenario::callOperation(const QStringList &words)
     QJsonValue result;
     callDevice([&] { result = device.call(*command.operation, *arguments); });
     if (result.isBool() && !result.toBool())
-        return CommandResult::difference(u"%1: expected true, seen false"_s.arg(command.name));
-    return m_isWaiting && command.request ? outcomeOf(command, before) : settled();
+        return CommandResult::difference(u"%1: expected true, seen false"_s.arg(command.operation->text()));
+    return m_isWaiting && command.request ? outcomeOf(command, before) : settle();
 }
 
 // Waits until the request is not pending any more or nothing more can come.
@@ -197,7 +197,7 @@ CommandResult Scenario::outcomeOf(const Command &command, quint64 before)
     if (!m_wantedOutcome.isEmpty() && outcome != m_wantedOutcome)
         return CommandResult::difference(
             u"the request: expected %1, seen %2"_s.arg(m_wantedOutcome, outcome));
-    return settled();
+    return settle();
 }
 
 CommandResult Scenario::report(const QStringList &words)
@@ -221,7 +221,7 @@ CommandResult Scenario::report(const QStringList &words)
         m_workbench.receiver.reportInsideRequest(id, message);
     else
         callDevice([&] { m_workbench.receiver.reportAtOnce(id, message); });
-    return settled();
+    return settle();
 }
 
 CommandResult Scenario::fault(const QStringList &words)
@@ -265,21 +265,6 @@ CommandResult Scenario::clearFaults(const QStringList & /*words*/)
     return {};
 }
 
-CommandResult Scenario::otherThread(const QStringList &words)
-{
-    return runBy(Route::OtherThread, words);
-}
-
-CommandResult Scenario::atOnce(const QStringList &words)
-{
-    return runBy(Route::AtOnce, words);
-}
-
-CommandResult Scenario::insideRequest(const QStringList &words)
-{
-    return runBy(Route::InsideRequest, words);
-}
-
 CommandResult Scenario::runBy(Route route, const QStringList &words)
 {
     const auto isPossible = [route](const Command &command) {
@@ -291,7 +276,7 @@ CommandResult Scenario::runBy(Route route, const QStringList &words)
         QStringList known;
         for (const Command &candidate : commands()) {
             if (isPossible(candidate))
-                known.append(candidate.name);
+                known.append(QString::fromLatin1(candidate.name));
         }
         return wrongWord(words.value(0), u"a command that can come so; there are "_s + known.join(u", "_s));
     }

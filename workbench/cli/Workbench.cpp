@@ -84,17 +84,6 @@ HostedDevice *Workbench::device() const
     return current == m_devices.end() ? nullptr : current->second.device.get();
 }
 
-bool Workbench::hasMouse() const
-{
-    const auto current = m_devices.find(m_current);
-    return current != m_devices.end() && current->second.hasMouse;
-}
-
-void Workbench::noteStart()
-{
-    ++m_devices.at(m_current).starts;
-}
-
 void Workbench::setLogSwitches(const LogSwitches &switches)
 {
     m_logSwitches = switches;

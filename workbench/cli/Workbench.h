@@ -54,11 +54,11 @@ public:
     HostedDevice *device() const;
     DeviceId currentMouse() const { return m_current; }
     /// Whether there is a mouse behind the current device.
-    bool hasMouse() const;
+    bool hasMouse() const { return device() && m_devices.at(m_current).hasMouse; }
     bool hasSeveralDevices() const { return m_devices.size() > 1; }
 
     /// To be called at each start of the current device.
-    void noteStart();
+    void noteStart() { ++m_devices.at(m_current).starts; }
 
     /// Initializes the factory again.
     void setLogSwitches(const LogSwitches &switches);
