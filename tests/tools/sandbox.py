@@ -244,6 +244,7 @@ class ToolTest(unittest.TestCase):
 
     maxDiff = None
     tool = ""
+    repository = REPOSITORY
 
     def setUp(self):
         folder = tempfile.TemporaryDirectory()
@@ -261,7 +262,7 @@ class ToolTest(unittest.TestCase):
         # Not those of the ./dev that runs this test.
         own = {name: value for name, value in os.environ.items() if not name.startswith("KVX_")}
         return subprocess.run(
-            [REPOSITORY / "tools" / self.tool, *words],
+            [self.repository / "tools" / self.tool, *words],
             cwd=self.base,
             env=own | {"PYTHONDONTWRITEBYTECODE": "1"} | variables,
             capture_output=True,
