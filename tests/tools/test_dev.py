@@ -282,16 +282,19 @@ class Failures(SandboxTest):
         self.assertEqual((process.err.splitlines()[-1], process.returncode), (expected, code))
         return process
 
-    def test_command(self):
-        self.assert_fails("exec bash -c 'exit 9'", 9, "exec bash -c 'exit 9'")
-
-    def test_configuring(self):
-        self.assert_fails("build dev", 1, "exec cmake --preset dev", FAILING="cmake --preset")
-        self.assertEqual(self.sandbox.called("cmake --build"), [])
-
-    def test_native_building(self):
-        repeat = "--native exec cmake --build --preset native-release"
-        self.assert_fails("--native run", 1, repeat, FAILING="cmake --build")
+    def test_what_is_repeated(self):
+        build = "--native exec cmake --build --preset native-release"
+        for line, code, repeat, failing in (
+            ("exec bash -c 'exit 9'", 9, "exec bash -c 'exit 9'", ""),
+            ("build dev", 1, "exec cmake --preset dev", "cmake --preset"),
+            ("--native run", 1, build, "cmake --build"),
+            ("valgrind tst_Dpi", 16, "valgrind tst_Dpi", "memcheck"),
+            ("fuzz readers 9", 8, "fuzz readers 9", "ctest"),
+            ("test", 2, "exec tools/check-test-count build/release", ""),
+        ):
+            with self.subTest(line):
+                self.assert_fails(line, code, repeat, FAILING=failing, FAILING_CODE=str(code))
+                self.assertIn(failing, self.sandbox.called()[-1])
 
     def test_tests_are_named_by_a_filter(self):
         log = self.sandbox.base / "failed.log"
@@ -300,15 +303,6 @@ class Failures(SandboxTest):
             "test", 8, "test release '^(tst_Dpi|odd\\.name\\+)$'", FAILING="ctest", FAILING_CODE="8",
             FAILED_LOG=str(log), FAILED_LOG_FOLDER=str(self.sandbox.checkout / "build/release/Testing/Temporary"),
         )
-
-    def test_valgrind(self):
-        self.assert_fails("valgrind tst_Dpi", 16, "valgrind tst_Dpi", FAILING="memcheck", FAILING_CODE="16")
-
-    def test_fuzz_readers(self):
-        self.assert_fails("fuzz readers 9", 8, "fuzz readers 9", FAILING="ctest", FAILING_CODE="8")
-
-    def test_count_of_tests(self):
-        self.assert_fails("test", 2, "exec tools/check-test-count build/release")
 
     def test_lint_runs_all_checks_and_names_those_that_failed(self):
         codes = {"format": 1, "tidy": 0, "clazy": 0, "shell": 2, "python": 0}
