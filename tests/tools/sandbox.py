@@ -180,6 +180,8 @@ class Sandbox:
             stderr=subprocess.PIPE,
             encoding="utf-8",
             start_new_session=True,
+            # A test that was started in the background would pass on that Ctrl-C is ignored.
+            preexec_fn=lambda: signal.signal(signal.SIGINT, signal.SIG_DFL),
         )
         self.started.append(process)
         return process

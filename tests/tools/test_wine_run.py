@@ -12,9 +12,6 @@ from pathlib import Path
 
 from sandbox import LIMIT, SandboxTest
 
-# Tried one after the other, in seconds, until one comes after all that a program has to do before.
-DEADLINES = (1, 4, 16, 64)
-
 FAKE_WINE = r"""
 case $1 in
     wineboot)
@@ -253,17 +250,10 @@ class Show(WineRunTest):
         os.kill(int(process.out), signal.SIGKILL)
         self.assertEqual((process.err, process.returncode), ("", 0))
 
-    def test_file_is_shown_after_the_deadline(self):
-        written = self.program('echo "so far" >"$1"; exec sleep 1000')
-        for deadline in DEADLINES:
-            process = self.wine_run("--deadline", str(deadline), "--show", str(self.file), written, str(self.file))
-            self.assertEqual(process.returncode, 124)
-            if self.file.exists() and self.file.stat().st_size:
-                break
-        self.assertEqual(process.out, "so far\n")
 
+class Ending(WineRunTest):
+    """What ends all that a program started: the deadline, and Ctrl-C, which comes when a test wants it."""
 
-class Deadline(WineRunTest):
     def setUp(self):
         super().setUp()
         self.addCleanup(self.end_noted)
@@ -284,58 +274,44 @@ class Deadline(WineRunTest):
             if not is_gone(process):
                 os.kill(process, signal.SIGKILL)
 
-    def run_past_deadline(self, program, names):
-        """Runs the program until a deadline that came after all of its processes had noted their numbers."""
-        for deadline in DEADLINES:
-            process = self.wine_run("--deadline", str(deadline), program)
-            if sorted(self.noted()) == sorted(names):
-                return process
-            self.end_noted()
-            shutil.rmtree(self.notes)
-            self.notes.mkdir()
-        return self.fail(f"{names} did not all come up: {process.err}")
-
-    def assert_timed_out(self, process, program):
-        self.assertEqual(process.returncode, 124)
-        self.assertEqual(len(process.err.splitlines()), 1, process.err)
-        self.assertRegex(process.err, r"^wine-run: ")
-        for part in (program, " was not done after "):
-            self.assertIn(part, process.err)
+    def interrupt(self, *words, names):
+        """Runs the program until all of its processes have noted their numbers."""
+        process = self.start(*words)
+        self.eventually(lambda: sorted(self.noted()) == sorted(names), f"{names} did not all come up")
+        os.kill(process.pid, signal.SIGINT)
+        return self.sandbox.finish(process)
 
     def assert_ended(self, *names):
-        noted = self.noted()
         for name in names:
-            self.eventually(lambda: is_gone(noted[name]), f"{name} still runs")
+            self.eventually(lambda: is_gone(self.noted()[name]), f"{name} still runs")
 
     def test_ends_the_program_and_all_that_it_started(self):
+        shown = self.sandbox.base / "shown"
         program = self.program(
             f"""
             {self.sleeper('child')} &
             setsid {self.sleeper('detached')} &
             ({self.sleeper('orphan')} &)
             trap '' HUP INT TERM
-            echo $$ >notes/itself
             echo started
+            echo "so far" >shown
+            echo $$ >notes/itself
             while :; do sleep 1000; done
             """
         )
         names = ["child", "detached", "orphan", "itself"]
-        process = self.run_past_deadline(program, names)
-        self.assert_timed_out(process, program)
-        self.assertEqual(process.out, "started\n")
+        self.assert_ends(self.interrupt("--show", str(shown), program, names=names), "started\nso far\n", "", 130)
         self.assert_ended(*names)
 
     def test_leaves_the_processes_of_another_call_alone(self):
         gate = self.sandbox.gate()
         other = self.start(self.program("read -r _ <gate; exit 5", "other.exe"))
         gate.wait_for(other)
-        program = self.program(f"exec {self.sleeper('itself')}")
-        self.assert_timed_out(self.run_past_deadline(program, ["itself"]), program)
+        self.interrupt(self.program(f"exec {self.sleeper('itself')}"), names=["itself"])
         self.assert_ended("itself")
         self.assertIsNone(other.poll())
         gate.open()
-        self.sandbox.finish(other)
-        self.assert_ends(other, "", "", 5)
+        self.assert_ends(self.sandbox.finish(other), "", "", 5)
 
     def test_leaves_the_server_alone(self):
         shutil.copy2("/bin/sleep", self.sandbox.fakes / "wineserver64")
@@ -346,16 +322,15 @@ class Deadline(WineRunTest):
             exec {self.sleeper('itself')}
             """
         )
-        process = self.run_past_deadline(program, ["server", "itself"])
-        self.assert_timed_out(process, program)
+        self.interrupt(program, names=["server", "itself"])
         self.assert_ended("itself")
         self.assertFalse(is_gone(self.noted()["server"]))
 
-    def test_program_that_only_speaks_of_the_server_is_ended(self):
+    def test_deadline(self):
+        """A program that only speaks of the server is ended, too."""
         gate = self.sandbox.gate()
-        program = self.program('read -r _ <"$1"', "test of wineserver.exe")
+        program = self.program(f"({self.sleeper('child')} &)\nread -r _ <\"$1\"", "test of wineserver.exe")
         process = self.wine_run("--deadline", "1", program, str(gate), "wineserver64")
-        self.assert_timed_out(process, program)
-
-    def test_program_that_is_done_before(self):
+        self.assert_one_line(process, 124, program, " was not done after 1 s; ended it with ")
+        self.assert_ended(*self.noted())
         self.assert_ends(self.wine_run("--deadline", "1000", self.program("exit 4")), "", "", 4)
