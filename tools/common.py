@@ -18,6 +18,13 @@ class Parser(argparse.ArgumentParser):
         raise BadInput(f"{message}; see --help")
 
 
+def write_whole(path, text):
+    """The file has its old content or all of the new one, whatever happens."""
+    aside = path.with_name(path.name + ".new")
+    aside.write_text(text, encoding="utf-8")
+    aside.replace(path)
+
+
 def complain(lines):
     for line in lines:
         print(f"{Path(sys.argv[0]).name}: {line}", file=sys.stderr)

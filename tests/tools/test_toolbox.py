@@ -67,21 +67,6 @@ class Making(ToolboxTest):
         self.assertNotIn("secret", process.out)
         self.assertFalse(self.sandbox.cache.exists())
 
-
-class Interrupted(ToolboxTest):
-    """Two calls at once, and what a killed one leaves, are the same for all that is built once: test_build_once."""
-
-    def test_killed_build_is_not_taken_for_whole(self):
-        gate = self.sandbox.gate()
-        process = self.sandbox.start("exec", "true", MMDEBSTRAP_GATE=str(gate))
-        gate.wait_for(process)
-        self.sandbox.kill(process)
-        gate.close()
-        self.assertFalse(self.sandbox.toolbox().exists())
-        self.assertIn(self.sandbox.toolbox().with_suffix(".building"), self.left())
-        toolbox = self.enter()
-        self.assertEqual(self.left(), [toolbox])
-
     def test_failed_build_leaves_nothing(self):
         self.dev("exec", "true", MMDEBSTRAP_FAILS="disk full")
         self.assertEqual(self.left(), [self.sandbox.toolbox().with_suffix(".log")])

@@ -103,7 +103,7 @@ class Programs(WineRunTest):
             [" a  b ", "", "it's", '"quoted"', "back\\slash\\", "Ünïcödé ☃", "*", "$HOME", "-1", "--", "two\nlines\n"],
             ["--deadline", "1", "--dlls", "x", "--runtime", "y"],
             ["--show=file", "--help"],
-            ["--unknown", "-h"],
+            ["--unknown", "-h", "--d"],
             ["--", "--deadline", "1"],
         ):
             with self.subTest(words=words):
