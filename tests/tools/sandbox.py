@@ -226,28 +226,28 @@ class Sandbox:
         return self.cache / "toolbox" / key.strip()
 
 
-class SandboxTest(unittest.TestCase):
+class FolderTest(unittest.TestCase):
     maxDiff = None
-
-    def setUp(self):
-        folder = tempfile.TemporaryDirectory()
-        self.addCleanup(folder.cleanup)
-        self.sandbox = Sandbox(os.path.realpath(folder.name))
-        self.addCleanup(self.sandbox.end_started)
-        self.dev = self.sandbox.dev
-
-
-class ToolTest(unittest.TestCase):
-    """Runs one of the tools, which the class names, on files in a folder of its own."""
-
-    maxDiff = None
-    tool = ""
-    repository = REPOSITORY
 
     def setUp(self):
         folder = tempfile.TemporaryDirectory()
         self.addCleanup(folder.cleanup)
         self.base = Path(os.path.realpath(folder.name))
+
+
+class SandboxTest(FolderTest):
+    def setUp(self):
+        super().setUp()
+        self.sandbox = Sandbox(self.base)
+        self.addCleanup(self.sandbox.end_started)
+        self.dev = self.sandbox.dev
+
+
+class ToolTest(FolderTest):
+    """Runs one of the tools, which the class names, on files in a folder of its own."""
+
+    tool = ""
+    repository = REPOSITORY
 
     def write(self, name, text="", mode=0o644):
         path = self.base / name

@@ -6,7 +6,6 @@ A fake stands in for Wine: it makes its folder, and runs "Windows programs" with
 import os
 import shutil
 import signal
-import sys
 import time
 from pathlib import Path
 
