@@ -18,7 +18,7 @@ private:
     Timeline m_unused;
 };
 
-/// A host that takes what it is told.
+/// Host services that do nothing.
 class QuietServices final : public IHostServices
 {
 public:
@@ -29,7 +29,7 @@ public:
     void setCtrlKeyPressed(bool /*isPressed*/) override {}
 };
 
-/// What the signals are connected to.
+/// Receives the signals.
 class QuietListener final : public QObject
 {
     Q_OBJECT

@@ -45,5 +45,5 @@ ReportRateInfo reportRateInfoOf(const QJsonValue &value);
 QVariantMap settingsOf(const QJsonValue &value);
 QList<int> numbersOf(const QJsonValue &value);
 
-/// The value as it stands on a readable line: strings in quotes, arrays in brackets.
+/// The value as a readable line shows it: strings in quotes, arrays in brackets.
 QString readableValue(const QJsonValue &value);

@@ -64,7 +64,7 @@ class Variant:
 
     @property
     def sources(self):
-        """The sources that are compiled anew, in the product's folder."""
+        """The sources that are compiled with the fault, in the product's folder."""
         is_source = Path(self.file).suffix == ".cpp"
         sources = self.compile or ([self.file] if is_source else [])
         # The source of a class includes its meta-object code.

@@ -35,7 +35,7 @@ using Operations = std::vector<Operation>;
 /// All but those without a row.
 const Operations &everyOperation();
 
-/// What no row of the table can tell of an operation, and where it is told.
+/// Operations without a row in the table, and the test that has them.
 struct OperationWithoutRow
 {
     const char *name;

@@ -183,16 +183,16 @@ private Q_SLOTS:
 void tst_OperationOrder::everyOperationHasOneRow()
 {
     PluginFixture fixture;
-    QStringList told;
+    QStringList named;
     for (const Operation &operation : everyOperation())
-        told += QString::fromLatin1(operation.name);
+        named += QString::fromLatin1(operation.name);
     for (const OperationWithoutRow &operation : operationsWithoutRow()) {
         QVERIFY2(qstrlen(operation.reason) > 0, operation.name);
-        told += QString::fromLatin1(operation.name);
+        named += QString::fromLatin1(operation.name);
     }
     QStringList untold = callableOperations(*fixture.create().object()->metaObject());
     QStringList surplus;
-    for (const QString &name : std::as_const(told)) {
+    for (const QString &name : std::as_const(named)) {
         if (!untold.removeOne(name))
             surplus += name;
     }

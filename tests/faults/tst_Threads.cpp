@@ -172,7 +172,7 @@ void tst_Threads::everyOperation()
             }
         });
     }
-    // Known before, as the receiver would have told it after the start.
+    // Known before, as if the receiver had reported it after the start.
     Q_EMIT shared.receiver.dpiMinChanged(100);
     Q_EMIT shared.receiver.dpiMaxChanged(8000);
     runAtOnce(workers);

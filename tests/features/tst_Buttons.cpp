@@ -68,7 +68,7 @@ private:
 };
 
 // A copy of a resource collection with one compressed file, whose compressed bytes are spoilt: the file is
-// found but cannot be opened. The place of the data stands in the fourth word of the collection, each file
+// found but cannot be opened. The place of the data is in the fourth word of the collection, each file
 // there begins with its length and the length that it has unpacked.
 QByteArray damagedCollection(const QString &file)
 {

@@ -446,7 +446,7 @@ void tst_MouseEvents::latestHostServicesAreUsed()
 
 void tst_MouseEvents::iidNeedsNoAllocation()
 {
-    // A report comes for every movement of a diverted button. A text that lies in the library has no memory
+    // A report comes for every movement of a diverted button. A text in the library's data has no memory
     // of its own, and so no capacity.
     class Services : public IHostServices
     {

@@ -69,7 +69,7 @@ void checkLine(const QString &line)
     if (words)
         checkWords(line, *words);
     else
-        mustHold(text.contains(u'"'), "a quote that is left open stands on the line");
+        mustHold(text.contains(u'"'), "a line with an open quote has a quote");
 }
 
 }  // namespace

@@ -18,7 +18,7 @@ QString streamed(const Value &value)
     return text;
 }
 
-/// What is streamed into one line stands with a blank between.
+/// What is streamed into one line is separated by blanks.
 template <typename... Values>
 QString logText(const char *first, const Values &...values)
 {

@@ -81,7 +81,7 @@ struct World
     std::array<Receiver, 2> receivers;
     std::array<std::optional<Device>, deviceSlotCount> devices;
     std::vector<int> creationOrder;    // slots
-    std::vector<int> registeredSlots;  // a device stands here once for each start
+    std::vector<int> registeredSlots;  // a device is listed once for each start
     std::vector<QueuedCall> queue;
     bool isOnOtherThread = false;
     QStringList lines;

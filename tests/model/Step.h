@@ -116,9 +116,9 @@ using StepPointer = std::shared_ptr<const Step>;
 /// A step whose values are those of a new one.
 Step stepOf(Step::Kind kind, Step::Route route = Step::Route::Direct, int slot = 0);
 
-/// The name as it stands on the timeline, or in QMetaObject::invokeMethod().
+/// The name as the timeline shows it, or in QMetaObject::invokeMethod().
 const char *nameOf(Step::Kind kind);
-/// "setReportRate(500)", as the call stands on the timeline.
+/// "setReportRate(500)", as the timeline shows the call.
 QString callText(const Step &step);
 /// How often the kind is drawn, among the others.
 int weightOf(Step::Kind kind);

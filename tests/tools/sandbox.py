@@ -82,14 +82,14 @@ FAKE_ID = 'printf "%s\\n" "${FAKE_UID:-0}"\n'
 
 
 class Gate:
-    """A named pipe. A fake that reads a line from it stands still until the test opens the gate."""
+    """A named pipe. A fake that reads a line from it waits until the test opens the gate."""
 
     def __init__(self, path):
         self.path = path
         os.mkfifo(path)
 
     def wait_for(self, process):
-        """Returns when somebody stands at the gate; the process is the one to bring that about."""
+        """Returns when a fake waits at the gate; the process is the one that starts it."""
         while True:
             try:
                 self.writer = os.open(self.path, os.O_WRONLY | os.O_NONBLOCK)

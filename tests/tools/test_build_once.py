@@ -68,7 +68,7 @@ class BuildOnceTest(SandboxTest):
             end.write("# another\n")
 
     def left(self):
-        """What lies in the cache, but for the locks and logs."""
+        """What is in the cache, except locks and logs."""
         return [entry for entry in sorted(self.folders.iterdir()) if entry.suffix not in (".lock", ".log")]
 
     def log(self):
@@ -194,7 +194,7 @@ class QtBuild(BuildOnceTest):
         self.assertEqual(self.sandbox.called("apt-get") + self.sandbox.called("cmake"), [])
 
     def test_cannot_be_written_to(self):
-        """A file stands where a folder has to be, and the other way round: root may write into any folder."""
+        """A file is where a folder has to be, and the other way round: root may write into any folder."""
         folder = self.assert_built(self.provide())
         not_writable = f"Qt for ThreadSanitizer cannot be built: {self.folders} cannot be written to"
         shutil.rmtree(self.sandbox.cache)

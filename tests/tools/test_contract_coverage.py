@@ -96,11 +96,11 @@ class ContractCoverage(ToolTest):
             lines = [{"schemaVersion": 1}, *part]
             self.write(f"timelines/tst_{number}-1.jsonl", "".join(json.dumps(line) + "\n" for line in lines))
 
-    def judge(self):
+    def check(self):
         return self.run_tool("timelines", "--repository", self.base)
 
     def assert_problems(self, *problems):
-        process = self.judge()
+        process = self.check()
         self.assert_ends(process, 1, *problems, out=process.stdout)
         self.assertIn("device slot ", process.stdout)
 
@@ -108,7 +108,7 @@ class ContractCoverage(ToolTest):
         self.assert_refused(part, "timelines", "--repository", self.base)
 
     def test_all_was_seen(self):
-        self.assert_ends(self.judge(), 0, out=TABLE)
+        self.assert_ends(self.check(), 0, out=TABLE)
 
     def test_gaps(self):
         """A signal does not stand for the call of its slot."""
@@ -129,7 +129,7 @@ class ContractCoverage(ToolTest):
                 self.write_timelines(WHOLE[:index] + WHOLE[index + 1 :])
                 self.assert_problems(sentence)
         self.write_timelines(WHOLE[1:])
-        self.assertIn("factory slot             0     1                0\n", self.judge().stdout)
+        self.assertIn("factory slot             0     1                0\n", self.check().stdout)
 
     def test_other_severity_or_category_is_another_text(self):
         for severity, category in (("warning", "LogicalDevice"), ("debug", "LogicalDevicePlugin")):
@@ -137,7 +137,7 @@ class ContractCoverage(ToolTest):
             self.write_timelines([other if line is RATE_LINE else line for line in WHOLE])
             self.assert_problems(
                 "log text never seen: debug LogicalDevice: rate : * , pending; : *",
-                f"log text seen that nothing tells of: {severity} {category}: rate : 500 , pending; : 0",
+                f"log text seen that is in no list: {severity} {category}: rate : 500 , pending; : 0",
             )
 
     def test_new_log_line(self):
@@ -152,7 +152,7 @@ class ContractCoverage(ToolTest):
     def test_what_nothing_tells_of(self):
         for kind, name in {"call": "device slot", "receiver": "receiver operation", "host": "host operation"}.items():
             self.write_timelines([*WHOLE, entry(kind, "unheardOf")])
-            self.assert_problems(f"{name} seen that nothing tells of: unheardOf")
+            self.assert_problems(f"{name} seen that is in no list: unheardOf")
 
     def test_reason_that_does_not_hold(self):
         self.unseen(UNSEEN.replace('"reserved*"', '"reserved*", "gone"'))
@@ -165,7 +165,7 @@ class ContractCoverage(ToolTest):
         text = "debug LogicalDevice: rate : * , pending; : *"
         self.unseen(f'{UNSEEN}[[unseen]]\nkind = "log text"\nnames = ["{text}"]\nreason = "-"\n')
         self.write_timelines([line for line in WHOLE if line is not RATE_LINE])
-        self.assertEqual(self.judge().returncode, 0)
+        self.assertEqual(self.check().returncode, 0)
 
     def test_bad_input(self):
         needs = "unseen.toml: each [[unseen]] needs kind, names and reason"

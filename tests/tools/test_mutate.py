@@ -1,4 +1,4 @@
-"""What tools/mutate changes, how it judges, and what it refuses."""
+"""What tools/mutate changes, what counts as killed, and what it refuses."""
 
 import contextlib
 import importlib.machinery

@@ -1,6 +1,6 @@
 """tools/wine-run: exit codes, arguments, deadlines, and Wine's own folder.
 
-A fake stands in for Wine: it makes its folder, and runs "Windows programs" with a shell.
+A fake replaces Wine: it makes its folder, and runs "Windows programs" with a shell.
 """
 
 import os
