@@ -64,7 +64,7 @@ int SignalRecorder::qt_metacall(QMetaObject::Call call, int id, void **arguments
 
 QJsonValue SignalRecorder::argumentValue(QMetaType type, const void *argument) const
 {
-    const QJsonValue value =
+    QJsonValue value =
         valueIfOneOf<bool, int, uint, qlonglong, qulonglong, quint8, QString, QStringList>(type, argument);
     if (!value.isUndefined())
         return value;
