@@ -135,6 +135,7 @@ private Q_SLOTS:
     void timerHasItsLengthAfterTheName();
     void timerRunsUntilTheDestructorStopsIt();
     void timerIsStoppedBeforeOthersAreRenumbered();
+    void timerIsStoppedBeforeTheReleaseIsReported();
 };
 
 void tst_MouseEvents::heldButtonIsOnePressAndOneRelease()
@@ -566,6 +567,18 @@ void tst_MouseEvents::timerIsStoppedBeforeOthersAreRenumbered()
     fixture.onceInside(u"signal instanceNumberChanged(0)"_s, [] { QTest::qWait(300); });
     fixture.destroy(going);
     COMPARE_LINES(fixture.take(), {u"call destroyDevice()"_s, u"signal instanceNumberChanged(0)"_s});
+}
+
+void tst_MouseEvents::timerIsStoppedBeforeTheReleaseIsReported()
+{
+    // The host runs an event loop while it releases Ctrl.
+    PluginFixture fixture;
+    HostedDevice &device = fixture.started();
+    device.mouseEventCallBack(0x80);
+    fixture.take();
+    fixture.onceInside(ctrlLine(false), [] { QTest::qWait(300); });
+    device.mouseEventCallBack(0);
+    COMPARE_LINES(fixture.take(), report(0, {ctrlLine(false)}));
 }
 
 QTEST_GUILESS_MAIN(tst_MouseEvents)
