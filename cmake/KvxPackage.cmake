@@ -1,5 +1,5 @@
-# The contents of the packages: library and kvx, the interfaces as a CMake package, example scenarios. For Windows a
-# second package also has Qt Core, for machines without Qt.
+# The contents of the packages: library and kvx, the interfaces as a CMake package, the scenarios of the contract and the
+# examples. For Windows a second package also has Qt Core, for machines without Qt.
 include(CMakePackageConfigHelpers)
 
 set(packageFolder lib/cmake/KvxInterfaces)
@@ -17,6 +17,7 @@ write_basic_package_version_file(${PROJECT_BINARY_DIR}/KvxInterfacesConfigVersio
 install(FILES ${PROJECT_BINARY_DIR}/KvxInterfacesConfig.cmake ${PROJECT_BINARY_DIR}/KvxInterfacesConfigVersion.cmake
     DESTINATION ${packageFolder})
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples DESTINATION . FILES_MATCHING PATTERN *.kvx)
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/contract/ DESTINATION share/kvx/contract FILES_MATCHING PATTERN *.kvx)
 install(FILES ${PROJECT_SOURCE_DIR}/CHANGELOG.md ${PROJECT_SOURCE_DIR}/cmake/THIRD-PARTY.md DESTINATION .)
 
 # kvx_write_package_readme(FILE): README.md of a package; qtNote says what must be installed for it.

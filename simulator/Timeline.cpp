@@ -201,16 +201,16 @@ void Timeline::setObserver(std::function<void(const TimelineEntry &)> observer)
     m_observer = std::move(observer);
 }
 
-void Timeline::setLastingObserver(std::function<void(const TimelineEntry &)> observer)
+void Timeline::addLastingObserver(std::function<void(const TimelineEntry &)> observer)
 {
     const QMutexLocker locker(&m_mutex);
-    m_lastingObserver = std::move(observer);
+    m_lastingObservers.append(std::move(observer));
 }
 
 quint64 Timeline::append(TimelineEntry entry)
 {
     std::function<void(const TimelineEntry &)> observer;
-    std::function<void(const TimelineEntry &)> lastingObserver;
+    QList<std::function<void(const TimelineEntry &)>> lastingObservers;
     {
         const QMutexLocker locker(&m_mutex);
         entry.sequence = ++m_lastSequence;
@@ -219,9 +219,9 @@ quint64 Timeline::append(TimelineEntry entry)
         entry.thread = threadNumber();
         m_entries.append(entry);
         observer = m_observer;
-        lastingObserver = m_lastingObserver;
+        lastingObservers = m_lastingObservers;
     }
-    if (lastingObserver)
+    for (const auto &lastingObserver : std::as_const(lastingObservers))
         lastingObserver(entry);
     if (observer)
         observer(entry);

@@ -82,8 +82,8 @@ public:
 
     /// Called for each new entry, on the thread that records it, with no lock held; one observer at a time.
     void setObserver(std::function<void(const TimelineEntry &)> observer);
-    /// Another one, which is called before it and stays as long as the timeline lives.
-    void setLastingObserver(std::function<void(const TimelineEntry &)> observer);
+    /// Others, which are called before it in the order in which they were added, as long as the timeline lives.
+    void addLastingObserver(std::function<void(const TimelineEntry &)> observer);
 
 private:
     quint64 append(TimelineEntry entry);
@@ -95,5 +95,5 @@ private:
     QList<TimelineEntry> m_entries;
     quint64 m_lastSequence = 0;
     std::function<void(const TimelineEntry &)> m_observer;
-    std::function<void(const TimelineEntry &)> m_lastingObserver;
+    QList<std::function<void(const TimelineEntry &)>> m_lastingObservers;
 };

@@ -251,7 +251,7 @@ void tst_Timeline::lastingObserverStaysWhenTheOtherChanges()
 {
     Timeline timeline;
     QStringList seen;
-    timeline.setLastingObserver([&](const TimelineEntry &entry) {
+    timeline.addLastingObserver([&](const TimelineEntry &entry) {
         seen.append(u"lasting %1"_s.arg(entry.sequence));
         // Would never return with the lock held.
         seen.append(u"of %1"_s.arg(timeline.lastSequence()));

@@ -61,5 +61,5 @@ void keepInTimelineFile(Timeline &timeline)
     if (!qEnvironmentVariableIsSet(folderVariable))
         return;
     static TimelineFile file;
-    timeline.setLastingObserver([](const TimelineEntry &entry) { file.write(entry); });
+    timeline.addLastingObserver([](const TimelineEntry &entry) { file.write(entry); });
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Output.h"
+#include "Scenario.h"
 
 /// The options of kvx run, kvx session and kvx shell.
 struct RunOptions
@@ -11,6 +12,10 @@ struct RunOptions
     QString pluginFile;
     /// Not for kvx shell.
     bool isJson = false;
+    /// Prints every step for a program; for kvx run only.
+    bool isSteps = false;
+    /// What the random commands of the scenario begin with.
+    quint32 seed = Scenario::defaultSeed;
 };
 
 /// kvx run: plays the commands of a file, prints each with what it left on the timeline, and ends at the first

@@ -1,39 +1,15 @@
 #include "Commands.h"
 #include "LineReader.h"
-#include "Scenario.h"
-#include "Words.h"
+#include "ScenarioPlay.h"
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QDir>
-#include <QtCore/QFile>
 
-#include <cstdio>
 #include <functional>
 
 using namespace Qt::StringLiterals;
 
 namespace {
-
-// No scenario that a hand writes comes near; what does is some other kind of file.
-constexpr qint64 largestScenario = 1 << 20;  // bytes
-
-std::optional<QStringList> readLines(const QString &fileName)
-{
-    QFile file(fileName);
-    const bool isOpen =
-        fileName == u"-" ? file.open(stdin, QIODevice::ReadOnly) : file.open(QIODevice::ReadOnly);
-    if (!isOpen) {
-        printError(
-            u"\"%1\" cannot be read: %2; give the path of a scenario"_s.arg(fileName, file.errorString()));
-        return std::nullopt;
-    }
-    const QByteArray bytes = file.read(largestScenario + 1);
-    if (bytes.size() > largestScenario || bytes.contains('\0')) {
-        printError(u"\"%1\" is no scenario; give a text file with one command a line"_s.arg(fileName));
-        return std::nullopt;
-    }
-    return QString::fromUtf8(bytes).split(u'\n');
-}
 
 void printNewEntries(Scenario &scenario, bool isJson)
 {
@@ -45,26 +21,19 @@ void printNewEntries(Scenario &scenario, bool isJson)
 
 ExitCode play(Scenario &scenario, const QString &name, const QStringList &lines, bool isJson)
 {
-    const auto fail = [&](qsizetype number, const CommandResult &result) {
-        if (!result.message.isEmpty())
-            printError(u"%1:%2: %3"_s.arg(name, QString::number(number + 1), result.message));
-        return result.code;
-    };
     if (isJson)
         printLine(QString::fromUtf8(Timeline::jsonHeader()));
-    qsizetype number = 0;
-    for (; number < lines.size(); ++number) {
-        const QString command = withoutComment(lines.at(number));
-        if (!isJson && !command.isEmpty() && !command.startsWith(u"= "))
+    const auto printCommand = [isJson](int /*line*/, const QString &command) {
+        if (!isJson && !command.startsWith(u"= "))
             printLine(u"> "_s + command);
-        const CommandResult result = scenario.execute(command);
-        printNewEntries(scenario, isJson);
-        if (result.code != ExitCode::Success)
-            return fail(number, result);
-        if (result.isEnd)
-            return ExitCode::Success;
-    }
-    return fail(number - 1, scenario.finish());
+    };
+    const PlayResult played =
+        playLines(scenario, lines, {printCommand, [&] { printNewEntries(scenario, isJson); }});
+    if (!played.skipped.isEmpty() && !isJson)
+        printLine(u"not checked: "_s + played.skipped);
+    if (!played.result.message.isEmpty())
+        printError(u"%1:%2: %3"_s.arg(name, QString::number(played.line), played.result.message));
+    return played.result.code;
 }
 
 QString libraryBesideTheProgram()
@@ -78,14 +47,18 @@ QString libraryBesideTheProgram()
         .filePath(u"com.orvane.KVX.Plugin.LogicalDevice.RV418"_s + suffix);
 }
 
-ExitCode load(Scenario &scenario, const RunOptions &options)
+ExitCode load(Scenario &scenario, const QString &library)
 {
-    const QString library = options.pluginFile.isEmpty() ? libraryBesideTheProgram() : options.pluginFile;
     const std::optional<QString> reason = scenario.load(library);
     if (!reason)
         return ExitCode::Success;
     printError(*reason);
     return ExitCode::Unusable;
+}
+
+QString libraryFile(const RunOptions &options)
+{
+    return options.pluginFile.isEmpty() ? libraryBesideTheProgram() : options.pluginFile;
 }
 
 std::function<void(const QString &)> printer(const RunOptions &options)
@@ -100,21 +73,30 @@ std::function<void(const QString &)> printer(const RunOptions &options)
 
 ExitCode runScenario(const RunOptions &options)
 {
-    const std::optional<QStringList> lines = readLines(options.file);
-    if (!lines)
+    if (options.isSteps) {
+        RunOptions resolved = options;
+        resolved.pluginFile = libraryFile(options);
+        return playSteps(resolved, printLine);
+    }
+    QString problem;
+    const std::optional<QStringList> lines = readScenario(options.file, problem);
+    if (!lines) {
+        printError(problem);
         return ExitCode::Unusable;
-    Scenario scenario(printer(options));
-    const ExitCode loaded = load(scenario, options);
+    }
+    Scenario scenario(printer(options), options.seed);
+    const ExitCode loaded = load(scenario, libraryFile(options));
     return loaded == ExitCode::Success ? play(scenario, options.file, *lines, options.isJson) : loaded;
 }
 
 ExitCode runSession(const RunOptions &options)
 {
     Scenario scenario(printer(options));
-    const ExitCode loaded = load(scenario, options);
+    const ExitCode loaded = load(scenario, libraryFile(options));
     if (loaded != ExitCode::Success)
         return loaded;
-    const std::optional<QStringList> lines = readLines(u":/kvx/session.kvx"_s);
+    QString problem;
+    const std::optional<QStringList> lines = readScenario(u":/contract/session.kvx"_s, problem);
     if (play(scenario, u"session.kvx"_s, lines.value(), options.isJson) != ExitCode::Success)
         return ExitCode::Difference;
     if (!options.isJson)
@@ -125,7 +107,7 @@ ExitCode runSession(const RunOptions &options)
 ExitCode runShell(const RunOptions &options)
 {
     Scenario scenario(printLine);
-    const ExitCode loaded = load(scenario, options);
+    const ExitCode loaded = load(scenario, libraryFile(options));
     if (loaded != ExitCode::Success)
         return loaded;
     LineReader reader(Scenario::commandNames());

@@ -148,6 +148,10 @@ CommandResult Scenario::execute(const QString &line)
         words->removeLast();
         if (!QStringList{u"confirmed"_s, u"refused"_s, u"pending"_s}.contains(m_wantedOutcome))
             return wrongWord(m_wantedOutcome, u"an outcome: confirmed, refused or pending"_s);
+        const Command *request = command->operation ? command : findCommand(words->value(0));
+        if (!request || !request->request)
+            return CommandResult::unusable(
+                u"%1 is no request that has an outcome; delete \"=> %2\""_s.arg(name, m_wantedOutcome));
     } else if (!words->isEmpty() && words->last() == u"nowait") {
         m_isWaiting = false;
         words->removeLast();
@@ -159,11 +163,13 @@ CommandResult Scenario::execute(const QString &line)
 
 CommandResult Scenario::finish()
 {
-    const qsizetype compared = std::exchange(m_comparedLines, 0);
-    const QStringList seen = linesAfter(m_lastAction, {});
-    if (compared == 0 || compared >= seen.size())
-        return {};
-    return compare(u"line %1 of the last command"_s.arg(compared + 1), QString(), seen.at(compared));
+    const qsizetype compared = m_comparedLines.size();
+    const qsizetype seen = linesAfter(m_lastAction, {}).size();
+    CommandResult result;
+    if (compared > 0 && compared < seen)
+        result = compareLine(compared, QString());
+    m_comparedLines.clear();
+    return result;
 }
 
 CommandResult Scenario::dispatch(const Command &command, const QStringList &words)

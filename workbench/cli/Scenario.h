@@ -16,9 +16,25 @@ struct CommandResult
     /// What was wrong, in one sentence; empty when nothing was.
     QString message;
     bool isEnd = false;
+    /// Of a difference, a line each: all that was expected, and what was there.
+    QStringList expected;
+    QStringList actual;
+    /// Why a check could not be made here, in one sentence; empty when it was made.
+    QString skipped;
 
-    static CommandResult unusable(const QString &message) { return {ExitCode::Unusable, message, false}; }
-    static CommandResult difference(const QString &message) { return {ExitCode::Difference, message, false}; }
+    static CommandResult unusable(const QString &message)
+    {
+        return {ExitCode::Unusable, message, false, {}, {}, {}};
+    }
+    static CommandResult difference(const QString &message, const QStringList &expected = {},
+                                    const QStringList &actual = {})
+    {
+        return {ExitCode::Difference, message, false, expected, actual, {}};
+    }
+    static CommandResult notChecked(const QString &reason)
+    {
+        return {ExitCode::Success, {}, false, {}, {}, reason};
+    }
 };
 
 /// The language of kvx run, kvx shell and kvx session: one command a line, on a workbench of its own.
@@ -50,10 +66,20 @@ public:
     };
 
     /// print: where the answers of commands go that have one, a line at a time.
-    explicit Scenario(std::function<void(const QString &)> print) : m_print(std::move(print)) {}
+    /// seed: what random commands begin with.
+    explicit Scenario(std::function<void(const QString &)> print, quint32 seed = defaultSeed)
+        : m_print(std::move(print)), m_seed(seed)
+    {}
+    static constexpr quint32 defaultSeed = 1;
 
     /// The reason in one sentence when the plugin cannot be used.
     std::optional<QString> load(const QString &pluginFile) { return m_workbench.load(pluginFile); }
+
+    /// Calls the function for each entry of the timeline as it begins, on the thread that records it.
+    void addObserver(const std::function<void(const TimelineEntry &)> &observer)
+    {
+        m_workbench.timeline.addLastingObserver(observer);
+    }
 
     /// Runs one line. Empty lines and comments do nothing.
     CommandResult execute(const QString &line);
@@ -141,16 +167,21 @@ private:
     CommandResult wait(const QStringList &words);
 
     CommandResult compare(const QString &what, const QString &expected, const QString &seen);
+    /// The same for texts that are several lines with a separator between them.
+    CommandResult compareLines(const QString &what, const QString &expected, const QString &seen);
+    /// The same for one of the lines of the last command. An empty text is a line that is missing.
+    CommandResult compareLine(qsizetype index, const QString &expected);
     CommandResult act(const std::function<QList<MouseMessage>(SimulatedMouse &)> &action);
     static CommandResult wrongWord(const QString &word, const QString &wanted);
     QStringList linesAfter(quint64 entry, const std::function<bool(const TimelineEntry &)> &isWanted) const;
 
     std::function<void(const QString &)> m_print;
+    quint32 m_seed;
     Workbench m_workbench;
-    quint64 m_taken = 0;            // the last entry that takeEntries() gave
-    quint64 m_signalCursor = 0;     // the last entry that "expect signal" or "wait" has used
-    quint64 m_lastAction = 0;       // the last entry before the last action
-    qsizetype m_comparedLines = 0;  // of the last action, by "=" lines
+    quint64 m_taken = 0;          // the last entry that takeEntries() gave
+    quint64 m_signalCursor = 0;   // the last entry that "expect signal" or "wait" has used
+    quint64 m_lastAction = 0;     // the last entry before the last action
+    QStringList m_comparedLines;  // of the last action, by "=" lines
     int m_checkCount = 0;
     // Of the line that is executed: the command and what is behind it, or in front of it.
     const Command *m_command = nullptr;

@@ -70,7 +70,32 @@ CommandResult Scenario::compare(const QString &what, const QString &expected, co
     if (expected == seen)
         return {};
     const auto shown = [](const QString &text) { return text.isEmpty() ? u"none"_s : text; };
-    return CommandResult::difference(u"%1: expected %2, seen %3"_s.arg(what, shown(expected), shown(seen)));
+    return CommandResult::difference(u"%1: expected %2, seen %3"_s.arg(what, shown(expected), shown(seen)),
+                                     {expected}, {seen});
+}
+
+CommandResult Scenario::compareLines(const QString &what, const QString &expected, const QString &seen)
+{
+    CommandResult result = compare(what, expected, seen);
+    if (result.code != ExitCode::Success) {
+        result.expected = expected.split(lineSeparator, Qt::SkipEmptyParts);
+        result.actual = seen.split(lineSeparator, Qt::SkipEmptyParts);
+    }
+    return result;
+}
+
+CommandResult Scenario::compareLine(qsizetype index, const QString &expected)
+{
+    QStringList seen = linesAfter(m_lastAction, {});
+    for (QString &line : seen)
+        line = withoutAddresses(line);
+    CommandResult result =
+        compare(u"line %1 of the last command"_s.arg(index + 1), expected, seen.value(index));
+    if (result.code != ExitCode::Success) {
+        result.expected = m_comparedLines;
+        result.actual = seen;
+    }
+    return result;
 }
 
 CommandResult Scenario::expect(const QStringList &words)
@@ -115,13 +140,13 @@ CommandResult Scenario::expectTimeline(const QString &expected)
     QStringList seen = linesAfter(count == 0 ? m_lastAction : 0, isEvent);
     if (count > 0)
         seen = seen.mid(qMax(qsizetype(0), seen.size() - count));
-    return compare(u"the last lines"_s, expected, seen.join(lineSeparator));
+    return compareLines(u"the last lines"_s, expected, seen.join(lineSeparator));
 }
 
 CommandResult Scenario::expectLog(const QString &expected)
 {
     const QString seen = linesAfter(m_lastAction, isLog).join(lineSeparator);
-    return compare(u"the log of the last command"_s, withoutAddresses(expected), withoutAddresses(seen));
+    return compareLines(u"the log of the last command"_s, withoutAddresses(expected), withoutAddresses(seen));
 }
 
 CommandResult Scenario::expectMetadata(const QString &expected)
@@ -136,9 +161,8 @@ CommandResult Scenario::expectMetadata(const QString &expected)
 
 CommandResult Scenario::expectNextLine(const QStringList & /*words*/)
 {
-    const QString seen = linesAfter(m_lastAction, {}).value(m_comparedLines++);
-    return compare(u"line %1 of the last command"_s.arg(m_comparedLines), withoutAddresses(m_rest),
-                   withoutAddresses(seen));
+    m_comparedLines.append(withoutAddresses(m_rest));
+    return compareLine(m_comparedLines.size() - 1, m_comparedLines.last());
 }
 
 CommandResult Scenario::wait(const QStringList &words)
@@ -163,6 +187,7 @@ CommandResult Scenario::wait(const QStringList &words)
     const auto longest = limit ? std::chrono::milliseconds(*limit) : m_workbench.deadline;
     if (!m_workbench.waitFor(hasCome, longest))
         return CommandResult::difference(
-            u"expected %1, seen nothing of it in %2 ms"_s.arg(event, QString::number(longest.count())));
+            u"expected %1, seen nothing of it in %2 ms"_s.arg(event, QString::number(longest.count())),
+            {event});
     return {};
 }

@@ -175,7 +175,7 @@ CommandResult Scenario::callOperation(const QStringList &words)
     QJsonValue result;
     callDevice([&] { result = device.call(*command.operation, *arguments); });
     if (result.isBool() && !result.toBool())
-        return CommandResult::difference(u"%1: expected true, seen false"_s.arg(command.operation->text()));
+        return compare(command.operation->text(), u"true"_s, u"false"_s);
     return m_isWaiting && command.request ? outcomeOf(command, before) : settle();
 }
 
@@ -193,10 +193,17 @@ CommandResult Scenario::outcomeOf(const Command &command, quint64 before)
     });
     const QString outcome = isRefused ? u"refused"_s : isPending() ? u"pending"_s : u"confirmed"_s;
     if (m_wantedOutcome.isEmpty() && outcome != u"confirmed")
-        return {isRefused ? ExitCode::Refused : ExitCode::Pending, u"the request is "_s + outcome, false};
-    if (!m_wantedOutcome.isEmpty() && outcome != m_wantedOutcome)
-        return CommandResult::difference(
-            u"the request: expected %1, seen %2"_s.arg(m_wantedOutcome, outcome));
+        return {isRefused ? ExitCode::Refused : ExitCode::Pending,
+                u"the request is "_s + outcome,
+                false,
+                {},
+                {},
+                {}};
+    if (!m_wantedOutcome.isEmpty()) {
+        CommandResult result = compare(u"the request"_s, m_wantedOutcome, outcome);
+        if (result.code != ExitCode::Success)
+            return result;
+    }
     return settle();
 }
 

@@ -45,6 +45,10 @@ int parseAndRun()
     std::string pluginFile;
     RunOptions options;
     run->add_option("FILE", scenarioFile, "The scenario; - for standard input")->required()->option_text(" ");
+    run->add_flag("--steps", options.isSteps,
+                  "For programs: print each step as one JSON object a line; FILE needs a head");
+    run->add_option("--seed", options.seed, "What random commands begin with (default: 1)")
+        ->option_text("NUMBER");
     for (CLI::App *command : {session, run, shell})
         command
             ->add_option("--plugin", pluginFile, "The plugin library (default: the one beside this program)")
