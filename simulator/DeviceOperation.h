@@ -30,6 +30,8 @@ struct DeviceOperation
     /// Calls the operation with arguments as the timeline has them, and answers the result; undefined when there is
     /// none. Null for the receiver's own operations.
     Call call = nullptr;
+    /// Whether it only answers a value, without arguments.
+    bool isGetter = false;
 
     QString text() const { return QString::fromLatin1(name); }
 };
@@ -56,6 +58,11 @@ struct MemberFunction<Result (Class::*)(Arguments...)>
 {
     using Interface = Class;
 };
+template <typename Result, typename Class, typename... Arguments>
+struct MemberFunction<Result (Class::*)(Arguments...) const>
+{
+    using Interface = Class;
+};
 template <typename Function>
 using InterfaceOf = typename MemberFunction<Function>::Interface;
 
@@ -69,13 +76,12 @@ Interface &viewOf(ILogicalDeviceGen3Mouse &device)
         return dynamic_cast<Interface &>(device);
 }
 
-template <auto function, typename Interface, typename Result, typename... Arguments, std::size_t... indices>
+template <auto function, typename Result, typename... Arguments, std::size_t... indices>
 QJsonValue callDevice(ILogicalDeviceGen3Mouse &device, const QJsonArray &arguments,
-                      Result (Interface::* /*function*/)(Arguments...),
                       std::index_sequence<indices...> /*all*/)
 {
     const auto call = [&]() -> Result {
-        return (viewOf<Interface>(device).*
+        return (viewOf<InterfaceOf<decltype(function)>>(device).*
                 function)(passed(takenValue<std::decay_t<Arguments>>(arguments.at(indices)))...);
     };
     if constexpr (std::is_void_v<Result>) {
@@ -86,18 +92,32 @@ QJsonValue callDevice(ILogicalDeviceGen3Mouse &device, const QJsonArray &argumen
     }
 }
 
+template <auto function, typename Result, typename... Arguments>
+constexpr DeviceOperation describeCall(const char *name, DeviceOperation::Side side, bool isGetter)
+{
+    return {name,
+            side,
+            {valueForm<std::decay_t<Arguments>>()...},
+            sizeof...(Arguments),
+            [](ILogicalDeviceGen3Mouse &device, const QJsonArray &arguments) {
+                return callDevice<function, Result, Arguments...>(device, arguments,
+                                                                  std::index_sequence_for<Arguments...>());
+            },
+            isGetter};
+}
+
 template <auto function, typename Interface, typename Result, typename... Arguments>
 constexpr CallableOperation<function> describe(const char *name, DeviceOperation::Side side,
                                                Result (Interface::* /*function*/)(Arguments...))
 {
-    return {{name,
-             side,
-             {valueForm<std::decay_t<Arguments>>()...},
-             sizeof...(Arguments),
-             [](ILogicalDeviceGen3Mouse &device, const QJsonArray &arguments) {
-                 return callDevice<function>(device, arguments, function,
-                                             std::index_sequence_for<Arguments...>());
-             }}};
+    return {describeCall<function, Result, Arguments...>(name, side, false)};
+}
+
+template <auto function, typename Interface, typename Result, typename... Arguments>
+constexpr CallableOperation<function> describe(const char *name, DeviceOperation::Side side,
+                                               Result (Interface::* /*function*/)(Arguments...) const)
+{
+    return {describeCall<function, Result, Arguments...>(name, side, sizeof...(Arguments) == 0)};
 }
 
 /// A request or a read.
@@ -106,6 +126,6 @@ constexpr DeviceOperation describe(const char *name, DeviceOperation::Side side,
                                    Result (IPhysicalDeviceDongle::* /*function*/)(DeviceId, Arguments...))
 {
     if (side == DeviceOperation::Side::Read)
-        return {name, side, {valueForm<Result>()}, 1, nullptr};
-    return {name, side, {valueForm<Arguments>()...}, sizeof...(Arguments), nullptr};
+        return {name, side, {valueForm<Result>()}, 1};
+    return {name, side, {valueForm<Arguments>()...}, sizeof...(Arguments)};
 }

@@ -47,9 +47,9 @@ KVX_OPERATION(ILogicalDeviceGen3, ppidChangedCallBack, Report);
 /// The receiver emits them. They name no mouse.
 namespace receiverSignals {
 inline constexpr DeviceOperation dpiMinChanged{
-    "dpiMinChanged", DeviceOperation::Side::ReceiverSignal, {ValueForm::Number}, 1, nullptr};
+    "dpiMinChanged", DeviceOperation::Side::ReceiverSignal, {ValueForm::Number}, 1};
 inline constexpr DeviceOperation dpiMaxChanged{
-    "dpiMaxChanged", DeviceOperation::Side::ReceiverSignal, {ValueForm::Number}, 1, nullptr};
+    "dpiMaxChanged", DeviceOperation::Side::ReceiverSignal, {ValueForm::Number}, 1};
 }  // namespace receiverSignals
 
 /// The device asks the receiver.
@@ -76,9 +76,13 @@ KVX_OPERATION(IPhysicalDeviceDongle, getReportRateInfo, Read);
 KVX_OPERATION(IPhysicalDeviceDongle, forwardedOperation, Read);
 /// Of any physical device.
 inline constexpr DeviceOperation forwardedCall{
-    "forwardedCall", DeviceOperation::Side::Read, {ValueForm::Number}, 1, nullptr};
+    "forwardedCall", DeviceOperation::Side::Read, {ValueForm::Number}, 1};
 }  // namespace reads
 #undef KVX_OPERATION
+
+/// All that the tables of the device have besides start, the requests and the reports: getters, operations without an
+/// effect, and the signals, which such a call emits.
+const QList<const DeviceOperation *> &otherOperations();
 
 /// What a receiver tells devices, and what it is asked by them.
 const QList<const DeviceOperation *> &operationsToDevice();

@@ -6,8 +6,8 @@
 
 #include <utility>
 
-SimulatedReceiver::SimulatedReceiver(Timeline &timeline, QObject *parent)
-    : RecordingReceiver(timeline, parent), m_timer(this)
+SimulatedReceiver::SimulatedReceiver(Timeline &timeline, int number)
+    : RecordingReceiver(timeline), m_number(number), m_timer(this)
 {
     m_timer.setSingleShot(true);
     m_timer.setTimerType(Qt::PreciseTimer);

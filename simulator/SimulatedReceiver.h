@@ -29,7 +29,8 @@ class SimulatedReceiver : public RecordingReceiver
     Q_OBJECT
 
 public:
-    explicit SimulatedReceiver(Timeline &timeline, QObject *parent = nullptr);
+    /// number: where there are several, which the timeline names in the entries of this one.
+    explicit SimulatedReceiver(Timeline &timeline, int number = 1);
 
     /// Adds a mouse or replaces all that is known of it.
     void setMouse(DeviceId id, const SimulatedMouse &mouse);
@@ -129,6 +130,7 @@ private:
     void callDevice(ILogicalDeviceGen3Mouse &device, const MouseMessage &report);
     ILogicalDeviceGen3Mouse *attachedDevice(DeviceId id) const;
 
+    const int m_number;
     mutable QMutex m_mutex;
     // Guarded by the mutex, which is never held while a device, the timeline or a slot is called.
     QHash<DeviceId, SimulatedMouse> m_mice;

@@ -24,7 +24,7 @@ QJsonValue SimulatedReceiver::answer(const DeviceOperation &operation, std::opti
 {
     const QString name = operation.text();
     if (!id) {
-        timeline().record(TimelineEntry::Kind::Receiver, {}, name, arguments, arguments.at(0));
+        timeline().record(TimelineEntry::Kind::Receiver, {}, name, arguments, arguments.at(0), m_number);
         return arguments.at(0);
     }
     bool isKnown = false;
@@ -42,7 +42,7 @@ QJsonValue SimulatedReceiver::answer(const DeviceOperation &operation, std::opti
         result = isRequest || operation.forms.front() == ValueForm::Flag ? QJsonValue(false) : QJsonValue(0);
     else if (fault && fault->effect == Effect::Alter && !isRequest)
         result = fault->arguments.at(0);
-    timeline().record(TimelineEntry::Kind::Receiver, id, name, arguments, result);
+    timeline().record(TimelineEntry::Kind::Receiver, id, name, arguments, result, m_number);
     if (!isKnown)
         timeline().recordVerdict(u"the receiver knows no mouse with the id "_s + QString::number(*id), id);
     if (fault)
@@ -217,7 +217,8 @@ void SimulatedReceiver::deliverReport(DeviceId id, const MouseMessage &report)
     ILogicalDeviceGen3Mouse *device = attachedDevice(id);
     if (!device)
         return;
-    timeline().record(TimelineEntry::Kind::Report, id, report.operation->text(), report.arguments);
+    timeline().record(TimelineEntry::Kind::Report, id, report.operation->text(), report.arguments,
+                      QJsonValue::Undefined, m_number);
     std::optional<Delivery> outer;
     {
         const QMutexLocker locker(&m_mutex);

@@ -28,6 +28,8 @@ QString kindWord(const TimelineEntry &entry)
 QString lineStart(const TimelineEntry &entry, bool showsDevice)
 {
     QString start = entry.kind == TimelineEntry::Kind::Log ? entry.name : kindWord(entry);
+    if (entry.receiver != 1)
+        start += u' ' + QString::number(entry.receiver);
     if (showsDevice && entry.device)
         start += u" ["_s + QString::number(*entry.device) + u']';
     return start + u' ';
@@ -102,14 +104,14 @@ QStringList linesOf(const QList<TimelineEntry> &entries, Timeline::Style style)
 Timeline::Timeline() : m_start(std::chrono::steady_clock::now()), m_threads{QThread::currentThreadId()} {}
 
 quint64 Timeline::record(TimelineEntry::Kind kind, std::optional<DeviceId> device, const QString &name,
-                         const QJsonArray &arguments, const QJsonValue &result)
+                         const QJsonArray &arguments, const QJsonValue &result, int receiver)
 {
-    return append({kind, device, name, arguments, result, {}});
+    return append({kind, device, receiver, name, arguments, result, {}});
 }
 
 quint64 Timeline::recordLog(const QString &severity, const QString &category, const QString &text)
 {
-    return append({TimelineEntry::Kind::Log, {}, severity, {text}, QJsonValue::Undefined, category});
+    return append({TimelineEntry::Kind::Log, {}, 1, severity, {text}, QJsonValue::Undefined, category});
 }
 
 quint64 Timeline::recordVerdict(const QString &text, std::optional<DeviceId> device)
@@ -188,6 +190,8 @@ QByteArray Timeline::jsonLine(const TimelineEntry &entry)
                        {u"arguments"_s, portableValue(entry.arguments)}};
     if (entry.device)
         object.insert(u"device"_s, QString::number(*entry.device));
+    if (entry.receiver != 1)
+        object.insert(u"receiver"_s, entry.receiver);
     if (!entry.result.isUndefined())
         object.insert(u"result"_s, portableValue(entry.result));
     if (entry.kind == TimelineEntry::Kind::Log)

@@ -28,6 +28,8 @@ struct TimelineEntry
 
     Kind kind = Kind::Verdict;
     std::optional<DeviceId> device;  ///< unset where it is not known, as for log lines
+    /// Of Receiver and Report: which of several receivers; 1 where there is one.
+    int receiver = 1;
     QString name;
     QJsonArray arguments;
     QJsonValue result = QJsonValue::Undefined;
@@ -55,7 +57,8 @@ public:
 
     /// Appends an entry with the next sequence number, the time and the calling thread; returns its number.
     quint64 record(TimelineEntry::Kind kind, std::optional<DeviceId> device, const QString &name,
-                   const QJsonArray &arguments = {}, const QJsonValue &result = QJsonValue::Undefined);
+                   const QJsonArray &arguments = {}, const QJsonValue &result = QJsonValue::Undefined,
+                   int receiver = 1);
     /// A log line, by its severity ("debug", "info", "warning", "critical", "fatal").
     quint64 recordLog(const QString &severity, const QString &category, const QString &text);
     quint64 recordVerdict(const QString &text, std::optional<DeviceId> device = {});

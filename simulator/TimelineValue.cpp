@@ -1,6 +1,7 @@
 #include "TimelineValue.h"
 
 #include <QtCore/QJsonObject>
+#include <QtCore/QUuid>
 
 using namespace Qt::StringLiterals;
 
@@ -48,6 +49,21 @@ QJsonValue timelineValue(const QString &value)
 QJsonValue timelineValue(const QStringList &values)
 {
     return QJsonArray::fromStringList(values);
+}
+
+QJsonValue timelineValue(const QByteArray &text)
+{
+    return QString::fromUtf8(text).simplified();
+}
+
+QJsonValue timelineValue(const QUuid &id)
+{
+    return id.version() == QUuid::Random ? u"random"_s : id.toString();
+}
+
+QJsonValue timelineValue(const IPhysicalDevice *physicalDevice)
+{
+    return physicalDevice ? u"physical device"_s : u"none"_s;
 }
 
 QJsonValue timelineValue(const QList<int> &values)

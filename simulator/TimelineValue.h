@@ -11,6 +11,9 @@
 #include <limits>
 #include <type_traits>
 
+class IPhysicalDevice;
+class QUuid;
+
 /// How many DPI slots a mouse of this family has; the length of every slot-value array of the interfaces.
 constexpr int dpiSlotCount = 5;
 
@@ -33,6 +36,12 @@ QJsonValue timelineValue(Number value)
 
 QJsonValue timelineValue(const QString &value);
 QJsonValue timelineValue(const QStringList &values);
+/// Its text on one line.
+QJsonValue timelineValue(const QByteArray &text);
+/// "random" where it differs from run to run.
+QJsonValue timelineValue(const QUuid &id);
+/// Which it is differs from run to run; whether there is one does not.
+QJsonValue timelineValue(const IPhysicalDevice *physicalDevice);
 QJsonValue timelineValue(const QList<int> &values);
 QJsonValue timelineValue(const QVariantMap &values);
 /// values: dpiSlotCount numbers, or null.

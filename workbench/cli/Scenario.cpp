@@ -1,5 +1,6 @@
 #include "Scenario.h"
 
+#include "TimelineFile.h"
 #include "Words.h"
 
 #include <utility>
@@ -34,7 +35,12 @@ const QList<Scenario::Command> &Scenario::commands()
          &Scenario::device, Needs::Plugin},
         {"log", "SWITCH on|off ...", "initialize the plugin again: debug, warning, critical", &Scenario::log,
          Needs::Plugin},
+        {"categories", "[RULE]...", "filter Qt's logging categories; alone: no rules", &Scenario::categories,
+         Needs::Nothing, Kind::Setting},
+        {"receiver", "NUMBER", "add mice from now on to another receiver; the first is 1",
+         &Scenario::receiver, Needs::Nothing, Kind::Setting},
         {"unload", "", "unload the plugin with all devices that are left", &Scenario::unload, Needs::Plugin},
+        {"load", "", "load it again", &Scenario::loadAgain},
         call(calls::start, "", "start the current device; the mouse reports its state"),
         call(calls::stop, "", "stop it"),
         call(calls::setReportRate, "HZ", "request a report rate", &requests::setReportRate,
@@ -55,6 +61,10 @@ const QList<Scenario::Command> &Scenario::commands()
         call(calls::setDpiValue, "DPI", "set the DPI, which this model does not do"),
         call(calls::forwardToPhysicalDevice, "N N N", "pass three numbers to the physical device"),
         call(calls::query26, "N N N", "pass three numbers to the receiver"),
+        {"call", "OPERATION [VALUE]...", "call any other operation of the device's tables",
+         &Scenario::callOther, Needs::Device, Kind::Action, Routes::OtherThread},
+        {"slot", "NAME [VALUE]...", "invoke a slot of the device by its name", &Scenario::invokeSlot,
+         Needs::Device, Kind::Action, Routes::OtherThread},
         {"press", "BUTTON", "press a button of the mouse: 1 to 5, dpi or smart", &Scenario::press,
          Needs::Mouse},
         {"release", "BUTTON", "release it", &Scenario::release, Needs::Mouse},
@@ -90,10 +100,10 @@ const QList<Scenario::Command> &Scenario::commands()
          "compare the next line that the last command left; with the first, all of them must be given",
          &Scenario::expectNextLine, Needs::Nothing, Kind::Check},
         {"expect",
-         "VALUE TEXT... | signal LINE | timeline [LINE | LINE ...] | log [LINE | LINE ...] | metadata JSON",
-         "compare a value, the next signal, the last lines without the log, the log of the last command, or "
-         "the "
-         "plugin's metadata without its Qt version and build type",
+         "VALUE TEXT... | signal LINE | timeline [LINE | LINE ...] | log [LINE | LINE ...] | metadata JSON | "
+         "exports NAME...",
+         "compare a value, the next signal, the last lines without the log, the log of the last command, the "
+         "plugin's metadata without its Qt version and build type, or the symbols that it exports",
          &Scenario::expect, Needs::Nothing, Kind::Check},
         {"wait", "EVENT [MS]", "wait for a timeline line that begins so", &Scenario::wait, Needs::Nothing,
          Kind::Check},
@@ -103,6 +113,17 @@ const QList<Scenario::Command> &Scenario::commands()
         {"quit", "", "end", &Scenario::quit},
     };
     return table;
+}
+
+Scenario::Scenario(std::function<void(const QString &)> print, quint32 seed)
+    : m_print(std::move(print)), m_seed(seed)
+{
+    keepInTimelineFile(m_workbench.timeline);
+}
+
+std::optional<QString> Scenario::load(const QString &pluginFile)
+{
+    return m_workbench.load(pluginFile);
 }
 
 QStringList Scenario::commandNames()
@@ -189,7 +210,8 @@ CommandResult Scenario::whatIsMissing(Command::Needs needs) const
     using Needs = Command::Needs;
     const HostedDevice *device = m_workbench.device();
     if (needs >= Needs::Plugin && !m_workbench.host.factory())
-        return CommandResult::unusable(u"the plugin is unloaded; put this before \"unload\""_s);
+        return CommandResult::unusable(
+            u"the plugin is unloaded; put this before \"unload\" or behind \"load\""_s);
     if (needs >= Needs::Device && !device)
         return CommandResult::unusable(u"there is no mouse yet; add one with \"mouse 1\""_s);
     if (needs == Needs::PhysicalDevice && !device->device()->physicalDevice())

@@ -3,6 +3,7 @@
 #include "Output.h"
 #include "Workbench.h"
 
+#include <QtCore/QMetaMethod>
 #include <QtCore/QStringList>
 
 #include <functional>
@@ -67,13 +68,11 @@ public:
 
     /// print: where the answers of commands go that have one, a line at a time.
     /// seed: what random commands begin with.
-    explicit Scenario(std::function<void(const QString &)> print, quint32 seed = defaultSeed)
-        : m_print(std::move(print)), m_seed(seed)
-    {}
+    explicit Scenario(std::function<void(const QString &)> print, quint32 seed = defaultSeed);
     static constexpr quint32 defaultSeed = 1;
 
     /// The reason in one sentence when the plugin cannot be used.
-    std::optional<QString> load(const QString &pluginFile) { return m_workbench.load(pluginFile); }
+    std::optional<QString> load(const QString &pluginFile);
 
     /// Calls the function for each entry of the timeline as it begins, on the thread that records it.
     void addObserver(const std::function<void(const TimelineEntry &)> &observer)
@@ -106,6 +105,8 @@ private:
     static const QList<Command> &commands();
     static const Command *findCommand(const QString &name);
     CommandResult dispatch(const Command &command, const QStringList &words);
+    /// A difference when what the factory made is no device of this family.
+    CommandResult checkNewDevice();
     CommandResult whatIsMissing(Command::Needs needs) const;
 
     // Scenario.cpp
@@ -115,6 +116,9 @@ private:
     // Scenario_Operations.cpp
     CommandResult callOperation(const QStringList &words);
     CommandResult outcomeOf(const Command &command, quint64 before);
+    CommandResult callOther(const QStringList &words);
+    CommandResult invokeSlot(const QStringList &words);
+    CommandResult invokeSlot(const QMetaMethod &method, const QStringList &words);
     CommandResult report(const QStringList &words);
     CommandResult fault(const QStringList &words);
     CommandResult faults(const QStringList &words);
@@ -134,7 +138,10 @@ private:
     CommandResult device(const QStringList &words);
     CommandResult use(const QStringList &words);
     CommandResult remove(const QStringList &words);
+    CommandResult receiver(const QStringList &words);
     CommandResult unload(const QStringList &words);
+    CommandResult loadAgain(const QStringList &words);
+    CommandResult categories(const QStringList &words);
     CommandResult log(const QStringList &words);
     CommandResult settle(const QStringList &words = {});
     CommandResult answerDelay(const QStringList &words);
@@ -157,12 +164,15 @@ private:
 
     // Scenario_Checks.cpp
     CommandResult show(const QStringList &words);
+    /// What a getter of the current device answers, as text: numbers in decimal, lists with blanks between their items.
+    QString shownValue(const DeviceOperation &getter);
     CommandResult showTimeline(const QStringList &words);
     CommandResult expect(const QStringList &words);
     CommandResult expectSignal(const QString &expected);
     CommandResult expectTimeline(const QString &expected);
     CommandResult expectLog(const QString &expected);
     CommandResult expectMetadata(const QString &expected);
+    CommandResult expectExports(QStringList expected);
     CommandResult expectNextLine(const QStringList &words);
     CommandResult wait(const QStringList &words);
 

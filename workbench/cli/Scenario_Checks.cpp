@@ -1,5 +1,6 @@
+#include "PluginInspection.h"
 #include "Scenario.h"
-#include "ShownValues.h"
+#include "TimelineFile.h"
 #include "Words.h"
 
 #include <QtCore/QJsonDocument>
@@ -23,6 +24,12 @@ bool isEvent(const TimelineEntry &entry)
     return !isLog(entry);
 }
 
+const DeviceOperation *findGetter(const QString &name)
+{
+    const DeviceOperation *operation = findOperation(otherOperations(), name);
+    return operation && operation->isGetter ? operation : nullptr;
+}
+
 // Addresses differ from run to run.
 QString withoutAddresses(QString line)
 {
@@ -35,20 +42,36 @@ QString withoutAddresses(QString line)
 CommandResult Scenario::show(const QStringList &words)
 {
     constexpr int nameWidth = 36;
-    const HostedDevice &device = *m_workbench.device();
     if (words.size() > 1)
         return wrongWord(words.join(u' '), u"one value"_s);
     if (words.size() == 1) {
-        const std::optional<QString> value = shownValue(device, words.first());
-        if (!value)
+        const DeviceOperation *getter = findGetter(words.first());
+        if (!getter)
             return wrongWord(words.first(), u"a value; \"show\" alone prints all of them"_s);
-        m_print(*value);
+        m_print(shownValue(*getter));
         return {};
     }
-    const QStringList names = shownValueNames();
-    for (const QString &name : names)
-        m_print(u"  "_s + name.leftJustified(nameWidth) + shownValue(device, name).value());
+    for (const DeviceOperation *operation : otherOperations()) {
+        if (operation->isGetter)
+            m_print(u"  "_s + operation->text().leftJustified(nameWidth) + shownValue(*operation));
+    }
     return {};
+}
+
+QString Scenario::shownValue(const DeviceOperation &getter)
+{
+    const HostedDevice &device = *m_workbench.device();
+    const QJsonValue value = getter.call(*device.device(), {});
+    // Not on the timeline, whose lines are compared.
+    TimelineEntry entry;
+    entry.kind = TimelineEntry::Kind::Call;
+    entry.device = device.id();
+    entry.name = getter.text();
+    entry.result = value;
+    addToTimelineFile(entry);
+    if (value.isString())
+        return value.toString();
+    return value.isArray() ? value.toVariant().toStringList().join(u' ') : readableValue(value);
 }
 
 CommandResult Scenario::showTimeline(const QStringList &words)
@@ -110,14 +133,16 @@ CommandResult Scenario::expect(const QStringList &words)
         return expectLog(rest);
     if (name == u"metadata")
         return expectMetadata(rest);
+    if (name == u"exports")
+        return expectExports(words.mid(1));
     CommandResult missing = whatIsMissing(Command::Needs::Device);
     if (missing.code != ExitCode::Success)
         return missing;
-    const std::optional<QString> value = shownValue(*m_workbench.device(), name);
-    if (!value)
-        return wrongWord(name, u"a value, \"signal\", \"timeline\", \"log\" or \"metadata\""_s);
+    const DeviceOperation *getter = findGetter(name);
+    if (!getter)
+        return wrongWord(name, u"a value, \"signal\", \"timeline\", \"log\", \"metadata\" or \"exports\""_s);
     const auto quoted = [](const QString &text) { return u'"' + text + u'"'; };
-    return compare(name, quoted(words.mid(1).join(u' ')), quoted(*value));
+    return compare(name, quoted(words.mid(1).join(u' ')), quoted(shownValue(*getter)));
 }
 
 CommandResult Scenario::expectSignal(const QString &expected)
@@ -157,6 +182,18 @@ CommandResult Scenario::expectMetadata(const QString &expected)
         metaData.remove(key);
     return compare(u"the metadata"_s, expected,
                    QString::fromUtf8(QJsonDocument(metaData).toJson(QJsonDocument::Compact)));
+}
+
+CommandResult Scenario::expectExports(QStringList expected)
+{
+    const QStringList seen = inspectPlugin(m_workbench.host.fileName()).contents.exports;
+    expected.sort();
+    CommandResult result = compare(u"the exported symbols"_s, expected.join(u' '), seen.join(u' '));
+    if (result.code != ExitCode::Success) {
+        result.expected = expected;
+        result.actual = seen;
+    }
+    return result;
 }
 
 CommandResult Scenario::expectNextLine(const QStringList & /*words*/)

@@ -19,7 +19,7 @@ CommandResult Scenario::mouse(const QStringList &words)
     }
     if (!m_workbench.addMouse(*id, mouse))
         return CommandResult::unusable(u"there is a mouse %1 already; see use"_s.arg(*id));
-    return {};
+    return checkNewDevice();
 }
 
 CommandResult Scenario::device(const QStringList &words)
@@ -32,7 +32,17 @@ CommandResult Scenario::device(const QStringList &words)
         return wrongWord(physicalDevice, u"a physical device: none, or other for one that is no receiver"_s);
     if (!m_workbench.addDevice(*id, physicalDevice == u"other"))
         return CommandResult::unusable(u"there is a device %1 already; see use"_s.arg(*id));
-    return {};
+    return checkNewDevice();
+}
+
+CommandResult Scenario::checkNewDevice()
+{
+    const HostedDevice &device = *m_workbench.device();
+    if (device.device() && device.gen3())
+        return {};
+    return CommandResult::difference(
+        u"createLogicalDevice: expected a QObject with %1 and %2, seen something else"_s.arg(
+            QLatin1StringView(ILogicalDeviceGen3Mouse_iid), QLatin1StringView(ILogicalDeviceGen3_iid)));
 }
 
 CommandResult Scenario::use(const QStringList &words)
@@ -58,6 +68,35 @@ CommandResult Scenario::unload(const QStringList & /*words*/)
     return {};
 }
 
+CommandResult Scenario::loadAgain(const QStringList & /*words*/)
+{
+    if (m_workbench.host.factory())
+        return CommandResult::unusable(u"the plugin is loaded; put this behind \"unload\""_s);
+    const std::optional<QString> reason = m_workbench.load(m_workbench.host.fileName());
+    return reason ? CommandResult::difference(u"load: "_s + *reason) : CommandResult();
+}
+
+CommandResult Scenario::receiver(const QStringList &words)
+{
+    constexpr int mostReceivers = 9;
+    const std::optional<int> number = onlyNumber(words, 1, mostReceivers);
+    if (!number)
+        return wrongWord(words.join(u' '), u"the number of a receiver, 1 to %1"_s.arg(mostReceivers));
+    m_workbench.useReceiver(*number);
+    return {};
+}
+
+CommandResult Scenario::categories(const QStringList &words)
+{
+    for (const QString &rule : words) {
+        const QString state = rule.section(u'=', 1);
+        if (rule.startsWith(u'=') || (state != u"true" && state != u"false"))
+            return wrongWord(rule, u"a rule; write CATEGORY=true or CATEGORY.debug=false"_s);
+    }
+    m_workbench.setCategoryRules(words.join(u'\n'));
+    return {};
+}
+
 CommandResult Scenario::log(const QStringList &words)
 {
     const QStringList names{u"debug"_s, u"warning"_s, u"critical"_s};
@@ -73,7 +112,8 @@ CommandResult Scenario::log(const QStringList &words)
             return wrongWord(state, u"on or off, for the log switch "_s + words.at(i));
         switches.at(static_cast<std::size_t>(index)) = state == u"on";
     }
-    m_workbench.setLogSwitches(switches);
+    if (!m_workbench.setLogSwitches(switches))
+        return compare(u"initialize"_s, u"true"_s, u"false"_s);
     return {};
 }
 
@@ -82,7 +122,8 @@ CommandResult Scenario::answerDelay(const QStringList &words)
     const std::optional<int> delay = onlyNumber(words, 0);
     if (!delay)
         return wrongWord(words.join(u' '), u"a number of milliseconds"_s);
-    m_workbench.receiver.setAnswerDelay(std::chrono::milliseconds(*delay));
+    for (SimulatedReceiver *receiver : m_workbench.receivers())
+        receiver->setAnswerDelay(std::chrono::milliseconds(*delay));
     return {};
 }
 
@@ -91,7 +132,8 @@ CommandResult Scenario::resendLimit(const QStringList &words)
     const std::optional<int> limit = onlyNumber(words, 1);
     if (!limit)
         return wrongWord(words.join(u' '), u"a number of repetitions, 1 or more"_s);
-    m_workbench.receiver.setResendLimit(*limit);
+    for (SimulatedReceiver *receiver : m_workbench.receivers())
+        receiver->setResendLimit(*limit);
     return {};
 }
 

@@ -7,7 +7,7 @@ using namespace Qt::StringLiterals;
 CommandResult Scenario::set(const QStringList &words)
 {
     std::optional<QString> problem;
-    m_workbench.receiver.changeMouse(m_workbench.currentMouse(), [&](SimulatedMouse &mouse) {
+    m_workbench.currentReceiver().changeMouse(m_workbench.currentMouse(), [&](SimulatedMouse &mouse) {
         problem = setMouseField(mouse, words.value(0), words.mid(1));
     });
     return problem ? CommandResult::unusable(*problem) : CommandResult();
@@ -15,7 +15,7 @@ CommandResult Scenario::set(const QStringList &words)
 
 CommandResult Scenario::act(const std::function<QList<MouseMessage>(SimulatedMouse &)> &action)
 {
-    m_workbench.receiver.act(m_workbench.currentMouse(), action);
+    m_workbench.currentReceiver().act(m_workbench.currentMouse(), action);
     return settle();
 }
 

@@ -2,10 +2,13 @@
 #include "Words.h"
 
 #include <QtCore/QJsonObject>
+#include <QtCore/QMetaObject>
+#include <QtCore/QVariant>
 
 #include <algorithm>
 #include <array>
 #include <utility>
+#include <vector>
 
 using namespace Qt::StringLiterals;
 
@@ -207,6 +210,63 @@ CommandResult Scenario::outcomeOf(const Command &command, quint64 before)
     return settle();
 }
 
+CommandResult Scenario::callOther(const QStringList &words)
+{
+    const QStringList destructors{u"~ILogicalDeviceGen3Mouse"_s, u"~ILogicalDeviceGen3"_s};
+    if (words.size() == 1 && destructors.contains(words.first())) {
+        m_workbench.deleteDevice(words.first() == destructors.last());
+        return {};
+    }
+    const DeviceOperation *operation = findOperation(otherOperations(), words.value(0));
+    if (!operation)
+        return wrongWord(words.value(0), u"an operation without a command of its own; there are "_s +
+                                             (operationNames(otherOperations()) + destructors).join(u", "_s));
+    const std::optional<QJsonArray> arguments = argumentsOf(*operation, words.mid(1));
+    if (!arguments)
+        return wrongWord(words.mid(1).join(u' '), wantedArguments(*operation));
+    callDevice([&] { m_workbench.device()->call(*operation, *arguments); });
+    return settle();
+}
+
+CommandResult Scenario::invokeSlot(const QStringList &words)
+{
+    const QMetaObject &metaObject = *m_workbench.device()->object()->metaObject();
+    QStringList known;
+    for (int index = QObject::staticMetaObject.methodCount(); index < metaObject.methodCount(); ++index) {
+        const QMetaMethod method = metaObject.method(index);
+        if (method.methodType() != QMetaMethod::Slot)
+            continue;
+        if (words.value(0) == QLatin1StringView(method.name()))
+            return invokeSlot(method, words.mid(1));
+        known.append(QString::fromLatin1(method.name()));
+    }
+    return CommandResult::difference(
+        u"the device's slots: expected %1, seen %2"_s.arg(words.value(0), known.join(u", "_s)),
+        {words.value(0)}, known);
+}
+
+CommandResult Scenario::invokeSlot(const QMetaMethod &method, const QStringList &words)
+{
+    QVariantList values(words.cbegin(), words.cend());
+    bool fits = values.size() == method.parameterCount();
+    for (int index = 0; fits && index < method.parameterCount(); ++index)
+        fits = values[index].convert(method.parameterMetaType(index));
+    if (!fits)
+        return wrongWord(words.join(u' '),
+                         u"what %1 takes"_s.arg(QLatin1StringView(method.methodSignature())));
+    std::vector<void *> arguments{nullptr};
+    for (QVariant &value : values)
+        arguments.push_back(value.data());
+    HostedDevice &device = *m_workbench.device();
+    callDevice([&] {
+        m_workbench.timeline.record(TimelineEntry::Kind::Call, device.id(),
+                                    QString::fromLatin1(method.name()), QJsonArray::fromVariantList(values));
+        QMetaObject::metacall(device.object(), QMetaObject::InvokeMetaMethod, method.methodIndex(),
+                              arguments.data());
+    });
+    return settle();
+}
+
 CommandResult Scenario::report(const QStringList &words)
 {
     const DeviceOperation *operation = findOperation(operationsToDevice(), words.value(0));
@@ -223,11 +283,11 @@ CommandResult Scenario::report(const QStringList &words)
     const DeviceId id = m_workbench.currentMouse();
     const MouseMessage message{operation, *arguments};
     if (m_route == Route::Usual)
-        m_workbench.receiver.report(id, message);
+        m_workbench.currentReceiver().report(id, message);
     else if (m_route == Route::InsideRequest)
-        m_workbench.receiver.reportInsideRequest(id, message);
+        m_workbench.currentReceiver().reportInsideRequest(id, message);
     else
-        callDevice([&] { m_workbench.receiver.reportAtOnce(id, message); });
+        callDevice([&] { m_workbench.currentReceiver().reportAtOnce(id, message); });
     return settle();
 }
 
@@ -251,14 +311,16 @@ CommandResult Scenario::fault(const QStringList &words)
     }
     if (fault.repeats > mostRepeats)
         return wrongWord(values.first(), u"a number of copies, 0 to %1"_s.arg(mostRepeats));
-    m_workbench.receiver.addFault(fault);
+    m_workbench.currentReceiver().addFault(fault);
     return {};
 }
 
 CommandResult Scenario::faults(const QStringList & /*words*/)
 {
-    const QList<ReceiverFault> faults = m_workbench.receiver.faults();
-    for (const ReceiverFault &fault : faults) {
+    QList<ReceiverFault> faults;
+    for (const SimulatedReceiver *receiver : m_workbench.receivers())
+        faults.append(receiver->faults());
+    for (const ReceiverFault &fault : std::as_const(faults)) {
         const QString times =
             fault.times == ReceiverFault::always ? u"always"_s : u"times %1"_s.arg(fault.times);
         m_print(u"%1 %2 %3"_s.arg(fault.operation->text(), fault.effectName(), times));
@@ -268,7 +330,8 @@ CommandResult Scenario::faults(const QStringList & /*words*/)
 
 CommandResult Scenario::clearFaults(const QStringList & /*words*/)
 {
-    m_workbench.receiver.clearFaults();
+    for (SimulatedReceiver *receiver : m_workbench.receivers())
+        receiver->clearFaults();
     return {};
 }
 

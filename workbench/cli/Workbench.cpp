@@ -4,9 +4,12 @@
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QFile>
+#include <QtCore/QLoggingCategory>
 
 #include <algorithm>
 #include <utility>
+
+using namespace Qt::StringLiterals;
 
 Workbench::~Workbench()
 {
@@ -18,6 +21,8 @@ Workbench::~Workbench()
             m_current = first->first;
         removeMouse();
     }
+    if (m_hasCategoryRules)
+        QLoggingCategory::setFilterRules({});
 }
 
 std::optional<QString> Workbench::load(const QString &pluginFile)
@@ -28,12 +33,37 @@ std::optional<QString> Workbench::load(const QString &pluginFile)
     return std::nullopt;
 }
 
+void Workbench::useReceiver(int number)
+{
+    if (number == 1) {
+        m_nextReceiver = &receiver;
+        return;
+    }
+    std::unique_ptr<SimulatedReceiver> &other = m_otherReceivers[number];
+    if (!other)
+        other = std::make_unique<SimulatedReceiver>(timeline, number);
+    m_nextReceiver = other.get();
+}
+
+SimulatedReceiver &Workbench::currentReceiver()
+{
+    return device() ? *m_devices.at(m_current).receiver : *m_nextReceiver;
+}
+
+std::vector<SimulatedReceiver *> Workbench::receivers()
+{
+    std::vector<SimulatedReceiver *> all{&receiver};
+    for (const auto &[number, other] : m_otherReceivers)
+        all.push_back(other.get());
+    return all;
+}
+
 bool Workbench::addMouse(DeviceId id, const SimulatedMouse &mouse)
 {
     if (m_devices.count(id) != 0)
         return false;
-    receiver.setMouse(id, mouse);
-    return createDevice(id, &receiver, true);
+    m_nextReceiver->setMouse(id, mouse);
+    return createDevice(id, m_nextReceiver, true);
 }
 
 bool Workbench::addDevice(DeviceId id, bool hasPhysicalDevice)
@@ -45,8 +75,8 @@ bool Workbench::createDevice(DeviceId id, IPhysicalDevice *physicalDevice, bool 
 {
     std::unique_ptr<HostedDevice> device = host.createDevice(physicalDevice, id);
     // What is reported by hand reaches every device.
-    receiver.attach(id, device->device());
-    m_devices.emplace(id, Entry{std::move(device), hasMouse, 0});
+    m_nextReceiver->attach(id, device->device());
+    m_devices.emplace(id, Entry{std::move(device), hasMouse, 0, m_nextReceiver});
     m_current = id;
     return true;
 }
@@ -61,10 +91,28 @@ bool Workbench::useMouse(DeviceId id)
 
 void Workbench::removeMouse()
 {
+    forgetDevice([this](std::unique_ptr<HostedDevice> device) { host.destroyDevice(std::move(device)); });
+}
+
+void Workbench::deleteDevice(bool throughGen3)
+{
+    forgetDevice([=](const std::unique_ptr<HostedDevice> &device) {
+        timeline.record(TimelineEntry::Kind::Call, device->id(),
+                        throughGen3 ? u"~ILogicalDeviceGen3"_s : u"~ILogicalDeviceGen3Mouse"_s);
+        if (throughGen3)
+            delete device->gen3();
+        else
+            delete device->device();
+    });
+}
+
+void Workbench::forgetDevice(const std::function<void(std::unique_ptr<HostedDevice>)> &end)
+{
     const auto current = m_devices.find(m_current);
-    receiver.detach(m_current);
-    host.destroyDevice(std::move(current->second.device));
-    receiver.removeMouse(m_current);
+    SimulatedReceiver &itsReceiver = currentReceiver();
+    itsReceiver.detach(m_current);
+    end(std::move(current->second.device));
+    itsReceiver.removeMouse(m_current);
     m_devices.erase(current);
     if (!m_devices.empty())
         m_current = m_devices.begin()->first;
@@ -84,10 +132,16 @@ HostedDevice *Workbench::device() const
     return current == m_devices.end() ? nullptr : current->second.device.get();
 }
 
-void Workbench::setLogSwitches(const LogSwitches &switches)
+bool Workbench::setLogSwitches(const LogSwitches &switches)
 {
     m_logSwitches = switches;
-    host.initialize(&hostServices, switches[0], switches[1], switches[2]);
+    return host.initialize(&hostServices, switches[0], switches[1], switches[2]);
+}
+
+void Workbench::setCategoryRules(const QString &rules)
+{
+    m_hasCategoryRules = true;
+    QLoggingCategory::setFilterRules(rules);
 }
 
 void Workbench::runOnOtherThread(const std::function<void()> &function)
@@ -99,7 +153,11 @@ void Workbench::runOnOtherThread(const std::function<void()> &function)
 
 bool Workbench::settle(const std::function<bool()> &condition)
 {
-    return waitFor([&] { return (condition && condition()) || receiver.isIdle(); }, deadline);
+    const std::vector<SimulatedReceiver *> all = receivers();
+    const auto isIdle = [](const SimulatedReceiver *one) { return one->isIdle(); };
+    return waitFor(
+        [&] { return (condition && condition()) || std::all_of(all.cbegin(), all.cend(), isIdle); },
+        deadline);
 }
 
 bool Workbench::waitFor(const std::function<bool()> &condition, std::chrono::milliseconds limit)

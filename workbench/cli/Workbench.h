@@ -17,6 +17,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <vector>
 
 /// A host with the built library and any number of mice on one simulated receiver: what the commands of a scenario
 /// act on. One of the mice is the current one. For one thread, which needs an event loop.
@@ -39,6 +40,13 @@ public:
     SimulatedReceiver receiver{timeline};
     PluginHost host{timeline};
 
+    /// The receiver for mice that are added from now on: the one above is number 1; another one is made when it is named
+    /// first.
+    void useReceiver(int number);
+    /// That of the current device; without one, the one for mice that are added.
+    SimulatedReceiver &currentReceiver();
+    std::vector<SimulatedReceiver *> receivers();
+
     /// Adds a mouse and its logical device, not started, and makes it the current one. False when there is one.
     bool addMouse(DeviceId id, const SimulatedMouse &mouse);
     /// Adds a logical device without a mouse, not started, and makes it the current one: without a physical device, or
@@ -48,6 +56,9 @@ public:
     bool useMouse(DeviceId id);
     /// Deletes the current logical device and takes its mouse away.
     void removeMouse();
+    /// The same without the factory: deletes the device through the table of ILogicalDeviceGen3Mouse or, as said, that of
+    /// ILogicalDeviceGen3.
+    void deleteDevice(bool throughGen3);
     /// Unloads the plugin and with it the devices that are left. False when something of it stays in the process.
     bool unload();
     /// The current logical device; null when there is none.
@@ -60,8 +71,11 @@ public:
     /// To be called at each start of the current device.
     void noteStart() { ++m_devices.at(m_current).starts; }
 
-    /// Initializes the factory again.
-    void setLogSwitches(const LogSwitches &switches);
+    /// Qt's filter rules for logging categories, for the whole process and until this object goes.
+    void setCategoryRules(const QString &rules);
+
+    /// Initializes the factory again. False when it answers so.
+    bool setLogSwitches(const LogSwitches &switches);
     LogSwitches logSwitches() const { return m_logSwitches; }
 
     /// Runs the function on another thread and waits until it has returned; the event loop does not run meanwhile.
@@ -80,13 +94,18 @@ private:
         std::unique_ptr<HostedDevice> device;
         bool hasMouse = false;
         int starts = 0;
+        SimulatedReceiver *receiver = nullptr;
     };
 
+    void forgetDevice(const std::function<void(std::unique_ptr<HostedDevice>)> &end);
     bool createDevice(DeviceId id, IPhysicalDevice *physicalDevice, bool hasMouse);
 
     PlainPhysicalDevice m_plainDevice{timeline};
+    std::map<int, std::unique_ptr<SimulatedReceiver>> m_otherReceivers;
+    SimulatedReceiver *m_nextReceiver = &receiver;
     std::map<DeviceId, Entry> m_devices;
     DeviceId m_current = 0;
     LogSwitches m_logSwitches{true, true, true};
+    bool m_hasCategoryRules = false;
     std::optional<OtherThread> m_otherThread;  // from its first use on
 };

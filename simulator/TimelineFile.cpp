@@ -54,12 +54,24 @@ private:
     QFile m_file;
 };
 
+TimelineFile &fileOfTheProcess()
+{
+    static TimelineFile file;
+    return file;
+}
+
 }  // namespace
 
 void keepInTimelineFile(Timeline &timeline)
 {
     if (!qEnvironmentVariableIsSet(folderVariable))
         return;
-    static TimelineFile file;
-    timeline.addLastingObserver([](const TimelineEntry &entry) { file.write(entry); });
+    TimelineFile &file = fileOfTheProcess();
+    timeline.addLastingObserver([&file](const TimelineEntry &entry) { file.write(entry); });
+}
+
+void addToTimelineFile(const TimelineEntry &entry)
+{
+    if (qEnvironmentVariableIsSet(folderVariable))
+        fileOfTheProcess().write(entry);
 }
