@@ -11,6 +11,7 @@ namespace {
 constexpr DeviceOperation others[] = {
     KVX_OTHER(ILogicalDeviceGen3Mouse, deviceType),
     KVX_OTHER(ILogicalDeviceGen3Mouse, deviceClass),
+    KVX_OTHER(ILogicalDeviceGen3Mouse, name),
     KVX_OTHER(ILogicalDeviceGen3Mouse, instanceId),
     KVX_OTHER(ILogicalDeviceGen3Mouse, firmwareVersion),
     KVX_OTHER(ILogicalDeviceGen3Mouse, iid),
@@ -20,6 +21,7 @@ constexpr DeviceOperation others[] = {
     KVX_OTHER(ILogicalDeviceGen3Mouse, physicalDevice),
     KVX_OTHER(ILogicalDeviceGen3Mouse, deviceImage),
     KVX_OTHER(ILogicalDeviceGen3Mouse, instanceNumber),
+    KVX_OTHER(ILogicalDeviceGen3Mouse, hasBatteryLevel),
     KVX_OTHER(ILogicalDeviceGen3Mouse, batteryLevel),
     KVX_OTHER(ILogicalDeviceGen3Mouse, statusValue),
     KVX_OTHER(ILogicalDeviceGen3Mouse, query24),
@@ -29,6 +31,7 @@ constexpr DeviceOperation others[] = {
     KVX_OTHER(ILogicalDeviceGen3Mouse, setDpiLevel),
     KVX_OTHER(ILogicalDeviceGen3Mouse, query30),
     KVX_OTHER(ILogicalDeviceGen3Mouse, isDPILevelChangePending),
+    KVX_OTHER(ILogicalDeviceGen3Mouse, isSmartPointerSupported),
     KVX_OTHER(ILogicalDeviceGen3Mouse, query33),
     KVX_OTHER(ILogicalDeviceGen3Mouse, levelValue),
     KVX_OTHER(ILogicalDeviceGen3Mouse, query35),

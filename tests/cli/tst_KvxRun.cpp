@@ -236,6 +236,10 @@ void tst_KvxRun::failedExpectations_data()
         << u"expect metadata {}"_s
         << u"the metadata: expected {}, seen {\"IID\":\"com.orvane.KVX.Plugin.LogicalDevice.RV418\","
            "\"className\":\"LogicalDevicePlugin\"}"_s;
+    QTest::newRow("slot")
+        << u"slot onNothing"_s
+        << u"the device's slots: expected onNothing, seen "
+           "onSmartPointerCtrReleaseTimerTimeout, onDpiMinChanged, onDpiMaxChanged, onPPIDChanged"_s;
     QTest::newRow("wait") << u"wait signal never() 10"_s
                           << u"expected signal never(), seen nothing of it in 10 ms"_s;
 }
@@ -307,6 +311,23 @@ void tst_KvxRun::badLines_data()
     row("timeline", u"timeline 0"_s, u"\"0\" is not a number of lines"_s);
     row("expect", u"expect weather fine"_s, u"\"weather\" is not a value"_s);
     row("wait", u"wait"_s, u"wait for what?"_s);
+    row("outcome-of-no-request", u"stop => confirmed"_s,
+        u"stop is no request that has an outcome; delete \"=> confirmed\""_s);
+    row("call-nothing", u"call"_s,
+        u"\"\" is not an operation without a command of its own; there are deviceType"_s);
+    row("call-command", u"call start"_s, u"\"start\" is not an operation without a command of its own"_s);
+    row("call-report", u"call reportRateConfirmed 5"_s, u"\"reportRateConfirmed\" is not an operation"_s);
+    row("call-value", u"call pairedHostName"_s, u"\"\" is not what pairedHostName takes: a number"_s);
+    row("call-getter-value", u"call deviceType 1"_s, u"\"1\" is not what deviceType takes: nothing"_s);
+    row("call-destructor", u"other-thread call ~ILogicalDeviceGen3"_s,
+        u"a device is deleted on its own thread; write \"call ~ILogicalDeviceGen3\""_s);
+    row("slot-value", u"slot onDpiMinChanged low"_s, u"\"low\" is not what onDpiMinChanged(int) takes"_s);
+    row("slot-values", u"slot onDpiMinChanged 1 2"_s, u"\"1 2\" is not what onDpiMinChanged(int) takes"_s);
+    row("receiver", u"receiver 0"_s, u"\"0\" is not the number of a receiver, 1 to 9"_s);
+    row("receiver-nothing", u"receiver"_s, u"\"\" is not the number of a receiver"_s);
+    row("categories", u"categories debug=off"_s, u"\"debug=off\" is not a rule"_s);
+    row("load", u"load"_s, u"the plugin is loaded; put this behind \"unload\""_s);
+    row("show-argument", u"show pairedHostName"_s, u"\"pairedHostName\" is not a value"_s);
     row("device-id", u"device none"_s, u"\"none\" is not a device id"_s);
     row("device-nowhere", u"device 2"_s, u"\"\" is not a physical device"_s);
     row("device-where", u"device 2 receiver"_s, u"\"receiver\" is not a physical device"_s);
@@ -439,7 +460,8 @@ void tst_KvxRun::unloadEndsThePlugin()
                                   u"= debug RV418.LogicalDevicePlugin: ~LogicalDevicePlugin"_s,
                                   u"= debug RV418.LogicalDevice: ~LogicalDevice enter"_s,
                                   u"= debug RV418.LogicalDevice: ~LogicalDevice exit"_s, u"mouse 2"_s});
-    QCOMPARE(run.errors, QStringList{errorAt(7, u"the plugin is unloaded; put this before \"unload\""_s)});
+    QCOMPARE(run.errors, QStringList{errorAt(
+                             7, u"the plugin is unloaded; put this before \"unload\" or behind \"load\""_s)});
     QCOMPARE(run.exitCode, 2);
 }
 

@@ -61,7 +61,7 @@ public:
             m_started[m_current] = command == u"start";
         if (command == u"unload")
             m_started.clear();
-        if (command == u"remove") {
+        if (command == u"remove" || (command == u"call" && words.value(1).startsWith(u'~'))) {
             m_started.erase(m_current);
             m_current = m_started.empty() ? 0 : m_started.cbegin()->first;
         }

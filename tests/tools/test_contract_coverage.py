@@ -52,7 +52,9 @@ WHOLE = [
     entry("receiver", "forwardedCall"),
     entry("receiver", "setRate"),
     entry("host", "buttonEvent"),
-    entry("report", "anything"),
+    # The receiver's signal of that name, and a slot that is in no table.
+    entry("report", "ppidChanged"),
+    entry("call", "onPPIDChanged"),
     entry("verdict", "verdict"),
     RATE_LINE,
     log("critical", "LogicalDevice", "locate failed, gle : 0x7e"),
@@ -110,6 +112,10 @@ class ContractCoverage(ToolTest):
     def test_all_was_seen(self):
         self.assert_ends(self.check(), 0, out=TABLE)
 
+    def test_report_calls_its_slot(self):
+        self.write_timelines([entry("report", "deviceType") if line["name"] == "deviceType" else line for line in WHOLE])
+        self.assert_ends(self.check(), 0, out=TABLE)
+
     def test_gaps(self):
         """A signal does not stand for the call of its slot."""
         gaps = {
@@ -120,9 +126,9 @@ class ContractCoverage(ToolTest):
             "signal never seen: ppidChanged": 4,
             "receiver operation never seen: setRate": 6,
             "host operation never seen: buttonEvent": 7,
-            "log text never seen: debug LogicalDevice: rate : * , pending; : *": 10,
-            "log text never seen: critical LogicalDevice: locate failed, gle : *": 11,
-            "log text never seen: debug LogicalDevicePlugin: ~Plugin": 12,
+            "log text never seen: debug LogicalDevice: rate : * , pending; : *": 11,
+            "log text never seen: critical LogicalDevice: locate failed, gle : *": 12,
+            "log text never seen: debug LogicalDevicePlugin: ~Plugin": 13,
         }
         for sentence, index in gaps.items():
             with self.subTest(sentence):
@@ -150,7 +156,8 @@ class ContractCoverage(ToolTest):
             self.assert_problems(f"log text never seen: {text}")
 
     def test_what_nothing_tells_of(self):
-        for kind, name in {"call": "device slot", "receiver": "receiver operation", "host": "host operation"}.items():
+        kinds = {"call": "device slot", "report": "device slot", "receiver": "receiver operation", "host": "host operation"}
+        for kind, name in kinds.items():
             self.write_timelines([*WHOLE, entry(kind, "unheardOf")])
             self.assert_problems(f"{name} seen that is in no list: unheardOf")
 

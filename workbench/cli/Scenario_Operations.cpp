@@ -214,6 +214,9 @@ CommandResult Scenario::callOther(const QStringList &words)
 {
     const QStringList destructors{u"~ILogicalDeviceGen3Mouse"_s, u"~ILogicalDeviceGen3"_s};
     if (words.size() == 1 && destructors.contains(words.first())) {
+        if (m_route != Route::Usual)
+            return CommandResult::unusable(
+                u"a device is deleted on its own thread; write \"call %1\""_s.arg(words.first()));
         m_workbench.deleteDevice(words.first() == destructors.last());
         return {};
     }
