@@ -11,6 +11,10 @@ class BadInput(Exception):
     """What is wrong with what was given, in one line."""
 
 
+class Failure(Exception):
+    """What could not be done, in one line."""
+
+
 class Parser(argparse.ArgumentParser):
     """Says what is wrong in one line, without the usage."""
 
@@ -31,9 +35,12 @@ def complain(lines):
 
 
 def run(main):
-    """Ends the program with the exit code that main() returns, and with 2 after one line where it cannot do its work."""
+    """Ends the program with the exit code that main() returns; where it cannot do its work, with 1 or 2 after one line."""
     try:
         sys.exit(main())
+    except Failure as problem:
+        complain([problem])
+        sys.exit(1)
     except (BadInput, OSError) as problem:
         complain([problem])
         sys.exit(2)
