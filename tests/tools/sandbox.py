@@ -249,6 +249,13 @@ class ToolTest(FolderTest):
     tool = ""
     repository = REPOSITORY
 
+    def copy_tool(self):
+        """From then on its repository is the test's folder."""
+        self.repository = self.base
+        (self.base / "tools").mkdir()
+        for name in (self.tool, "common.py"):
+            shutil.copy(REPOSITORY / "tools" / name, self.base / "tools")
+
     def write(self, name, text="", mode=0o644):
         path = self.base / name
         path.parent.mkdir(parents=True, exist_ok=True)

@@ -2,10 +2,9 @@
 
 import json
 import os
-import shutil
 import sys
 
-from sandbox import REPOSITORY, ToolTest
+from sandbox import ToolTest
 
 ROWS = """
 "work" = { instructions = 110, allocations = 2 }
@@ -30,10 +29,7 @@ class Bench(ToolTest):
 
     def setUp(self):
         super().setUp()
-        self.repository = self.base
-        (self.base / "tools").mkdir()
-        for name in ("bench", "common.py"):
-            shutil.copy(REPOSITORY / "tools" / name, self.base / "tools")
+        self.copy_tool()
         self.rows = self.write("benchmarks/rows.toml", ROWS)
         self.page = self.write("docs/performance.md", PAGE)
         self.costs = {
