@@ -51,7 +51,6 @@ def load():
     sys.path.insert(0, str(TOOL.parent))
     loader = importlib.machinery.SourceFileLoader("mutate", str(TOOL))
     module = importlib.util.module_from_spec(importlib.util.spec_from_loader("mutate", loader))
-    sys.modules["mutate"] = module
     loader.exec_module(module)
     sys.path.pop(0)
     return module
@@ -156,7 +155,8 @@ class Mutate(ToolTest):
         self.assertEqual((process.stdout.count("\n"), process.stderr), (1, ""))
 
     def test_refusals(self):
-        self.assert_refused('"README.md" is no file of the product; name files in plugin/', "README.md")
+        for name in ("README.md", str(REPOSITORY / "plugin/OwnLibrary_win.cpp")):
+            self.assert_refused(f'"{name}" is no file of the product that is changed; name files in plugin/', name)
         self.assert_refused("--jobs is 0; one at a time is the least", "--jobs", "0")
         self.assert_refused("--fast", "--fast")
         self.assert_refused("there are no test programs in ", "--build", "/nowhere")
