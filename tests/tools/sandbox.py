@@ -72,10 +72,10 @@ shift
 exec "$@"
 """
 
-# All packages are installed but those in MISSING_PACKAGES.
+# All packages are installed, in one version, but those in MISSING_PACKAGES.
 FAKE_DPKG_QUERY = r"""
 [[ " ${MISSING_PACKAGES:-} " != *" ${*: -1} "* ]] || exit 1
-printf 'installed'
+printf '%s' "${PACKAGE_VERSION:-installed}"
 """
 
 FAKE_ID = 'printf "%s\\n" "${FAKE_UID:-0}"\n'
@@ -193,9 +193,6 @@ class Sandbox:
             raise AssertionError(f"still running after {LIMIT} s: {process.args} {self.kill(process)}") from None
         return process
 
-    def start(self, *words, **changes):
-        return self.start_script("dev", *words, **changes)
-
     def dev(self, *words, **changes):
         return self.run_script("dev", *words, **changes)
 
@@ -221,9 +218,7 @@ class Sandbox:
 
     def toolbox(self):
         """The folder of the toolbox that the checkout wants now."""
-        script = self.checkout / "tools" / "toolbox-key"
-        key = subprocess.run([script], env=self.environment(), stdout=subprocess.PIPE, text=True, check=True).stdout
-        return self.cache / "toolbox" / key.strip()
+        return self.cache / "toolbox" / self.run_script("tools/toolbox-key").out.strip()
 
 
 class FolderTest(unittest.TestCase):
@@ -236,11 +231,20 @@ class FolderTest(unittest.TestCase):
 
 
 class SandboxTest(FolderTest):
+    """cache_folder is where, in the cache, the tested script puts what it makes."""
+
+    cache_folder = ""
+
     def setUp(self):
         super().setUp()
         self.sandbox = Sandbox(self.base)
         self.addCleanup(self.sandbox.end_started)
         self.dev = self.sandbox.dev
+        self.folders = self.sandbox.cache / self.cache_folder
+
+    def left(self):
+        """What is in that folder, except locks and logs."""
+        return sorted(entry for entry in self.folders.iterdir() if entry.suffix not in (".lock", ".log"))
 
 
 class ToolTest(FolderTest):

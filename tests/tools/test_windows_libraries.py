@@ -51,6 +51,7 @@ def make_dll(folder, version):
 
 class WindowsLibraries(BuildOnceTest):
     script = "tools/windows-libraries"
+    cache_folder = "windows"
 
     @classmethod
     def setUpClass(cls):
@@ -59,7 +60,6 @@ class WindowsLibraries(BuildOnceTest):
 
     def setUp(self):
         super().setUp()
-        self.folders = self.sandbox.cache / "windows"
         self.wheels = self.sandbox.base / "wheels"
         self.wheels.mkdir()
         self.variables = {"PIP_NO_INDEX": "1", "PIP_FIND_LINKS": str(self.wheels)}

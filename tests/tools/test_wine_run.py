@@ -31,11 +31,6 @@ FAKE_WINESERVER = r"""
 exit "${WINESERVER_CODE:-0}"
 """
 
-FAKE_DPKG_QUERY = r"""
-[[ " ${MISSING_PACKAGES:-} " != *" ${*: -1} "* ]] || exit 1
-printf '%s' "${WINE_VERSION:-10.0}"
-"""
-
 # Note the number of the process before it sleeps for good, deaf to polite signals, away from the test's pipes.
 SLEEP = 'trap "" HUP INT TERM; echo $$ >{name}; exec sleep 1000'
 
@@ -50,12 +45,12 @@ def is_gone(process):
 
 
 class WineRunTest(SandboxTest):
+    cache_folder = "wine"
+
     def setUp(self):
         super().setUp()
         self.sandbox.fake("wine", FAKE_WINE)
         self.sandbox.fake("wineserver", FAKE_WINESERVER)
-        self.sandbox.fake("dpkg-query", FAKE_DPKG_QUERY)
-        self.prefixes = self.sandbox.cache / "wine"
 
     def program(self, text, name="a program.exe"):
         path = self.sandbox.base / name
@@ -67,9 +62,6 @@ class WineRunTest(SandboxTest):
 
     def wine_run(self, *words, **changes):
         return self.sandbox.run_script("tools/wine-run", *words, **changes)
-
-    def left(self):
-        return sorted(entry for entry in self.prefixes.iterdir() if entry.suffix not in (".lock", ".log"))
 
     def eventually(self, condition, message):
         end = time.monotonic() + LIMIT
@@ -130,7 +122,7 @@ class Prefix(WineRunTest):
 
     def test_is_made_once_for_each_version(self):
         for version, count in (("10.0", 1), ("10.0", 1), ("11.2", 2), ("10.0", 2)):
-            self.assert_ends(self.wine_run(self.greeter, WINE_VERSION=version), "hello\n")
+            self.assert_ends(self.wine_run(self.greeter, PACKAGE_VERSION=version), "hello\n")
             self.assertEqual((len(self.sandbox.called("wine wineboot")), len(self.left())), (count, count))
             for prefix in self.left():
                 # Made to the end, and that waited for.
