@@ -18,7 +18,6 @@ REFUSALS = {
     "": "say what to do: ./dev help lists the verbs",
     "--nativ test": "no option is called '--nativ' (./dev help lists them)",
     "build fast": NO_PRESET.format("fast"),
-    "build native-release": NO_PRESET.format("native-release"),
     "test tst_Dpi": NO_PRESET.format("tst_Dpi") + HINT.format("tst_Dpi"),
     "build release asan": "build takes one PRESET at most",
     "test release a b": "test takes one PRESET and one FILTER at most",
@@ -197,19 +196,11 @@ class Commands(SandboxTest):
         self.assertEqual((process.out, process.returncode), ("played: session --json\n", 0))
         self.assertIn("noise", process.err)
 
-    def test_shell_keeps_exit_code(self):
-        self.assertEqual(self.dev("shell").returncode, 0)
-
     def test_inside_the_toolbox_commands_run_directly(self):
         self.sandbox.toolbox_mark.mkdir()
         process = self.dev("exec", "echo", "inside")
         self.assertEqual((process.out, process.err), ("inside\n", "$ echo inside\n"))
         self.assertEqual(self.sandbox.called("bwrap"), [])
-
-    def test_no_variable_stands_for_the_toolbox(self):
-        process = self.dev("exec", "echo", "entered", KVX_IN_TOOLBOX="1")
-        self.assertEqual(process.out, "entered\n")
-        self.assertNotEqual(self.sandbox.called("bwrap"), [])
 
 
 class Libraries(SandboxTest):
