@@ -66,12 +66,6 @@ if [[ -n ${FAILING:-} && "${0##*/} $*" == *"$FAILING"* ]]; then
 fi
 """
 
-FAKE_SETPRIV = r"""
-while [[ $1 != -- ]]; do shift; done
-shift
-exec "$@"
-"""
-
 # All packages are installed, in one version, but those in MISSING_PACKAGES.
 FAKE_DPKG_QUERY = r"""
 [[ " ${MISSING_PACKAGES:-} " != *" ${*: -1} "* ]] || exit 1
@@ -134,7 +128,6 @@ class Sandbox:
         for name, body in {
             "mmdebstrap": FAKE_MMDEBSTRAP,
             "bwrap": FAKE_BWRAP,
-            "setpriv": FAKE_SETPRIV,
             "dpkg-query": FAKE_DPKG_QUERY,
             "id": FAKE_ID,
             "apt-get": FAKE_TOOL,

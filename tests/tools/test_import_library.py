@@ -6,9 +6,7 @@ import subprocess
 
 import pefile
 
-from sandbox import REPOSITORY, ToolTest
-
-TOOL = REPOSITORY / "tools" / "import-library"
+from sandbox import ToolTest
 
 EXPORTS = """
 namespace std { struct Text; }
@@ -23,13 +21,15 @@ ALIASES = f"# four words of comment\n\n?alias@@YAXXZ {LISTED}\n?another@@YAXXZ ?
 
 
 class ImportLibrary(ToolTest):
+    tool = "import-library"
+
     def setUp(self):
         super().setUp()
         self.assertEqual(self.link("names", EXPORTS), "")
         self.write("aliases.txt", ALIASES)
 
-    def run_here(self, *command, **more):
-        return subprocess.run(command, cwd=self.base, capture_output=True, text=True, check=False, **more)
+    def run_here(self, *command):
+        return subprocess.run(command, cwd=self.base, capture_output=True, text=True, check=False)
 
     def link(self, name, source, *libraries):
         """Makes a DLL from the source; returns what the linker says."""
@@ -48,8 +48,7 @@ class ImportLibrary(ToolTest):
     def test_functions_that_can_be_linked(self):
         # The file's name is not the DLL's own.
         shutil.move(self.base / "names.dll", self.base / "renamed.dll")
-        made = self.run_here(TOOL, "--aliases", "aliases.txt", "renamed.dll", ".")
-        self.assertEqual((made.stdout, made.stderr, made.returncode), ("", "", 0))
+        self.assert_ends(self.run_tool("--aliases", "aliases.txt", "renamed.dll", "."), 0)
         self.assertFalse((self.base / "renamed.lib").exists())
         self.assertEqual(self.link_calls("plain()", "alias()", "listed(std::Text *)"), "")
         with pefile.PE(str(self.base / "caller.dll")) as caller:
@@ -59,7 +58,7 @@ class ImportLibrary(ToolTest):
             self.assertIn("undefined symbol", self.link_calls(function))
 
     def test_without_aliases(self):
-        self.assertEqual(self.run_here(TOOL, "names.dll", ".").returncode, 0)
+        self.assertEqual(self.run_tool("names.dll", ".").returncode, 0)
         for function in ("listed(std::Text *)", "alias()"):
             self.assertIn("undefined symbol", self.link_calls(function))
 
@@ -81,7 +80,7 @@ class ImportLibrary(ToolTest):
         ):
             with self.subTest(line=line):
                 path = str(self.base) if "No such file" in line else os.environ["PATH"]
-                failed = self.run_here(TOOL, *words, env={"PATH": path})
-                self.assertEqual((failed.stdout, failed.returncode), ("", code), failed.stderr)
-                self.assertEqual(len(failed.stderr.splitlines()), 1, failed.stderr)
+                failed = self.run_tool(*words, PATH=path)
+                said = (failed.stdout, failed.returncode, failed.stderr.count("\n"))
+                self.assertEqual(said, ("", code, 1), failed.stderr)
                 self.assertTrue(failed.stderr.startswith(f"import-library: {line}"), failed.stderr)

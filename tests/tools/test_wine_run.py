@@ -311,4 +311,3 @@ class Ending(WineRunTest):
         process = self.wine_run("--deadline", "1", program, str(gate), "wineserver64")
         self.assert_one_line(process, 124, program, " was not done after 1 s; ended it with ")
         self.assert_ended(*self.noted())
-        self.assert_ends(self.wine_run("--deadline", "1000", self.program("exit 4")), "", "", 4)
