@@ -173,6 +173,15 @@ private:
     CommandResult expectLog(const QString &expected);
     CommandResult expectMetadata(const QString &expected);
     CommandResult expectExports(QStringList expected);
+
+    // Scenario_Object.cpp
+    /// Compares what the words name of the object's class; nothing when they name something else.
+    std::optional<CommandResult> expectOfObject(QObject *object, const QString &words);
+    CommandResult expectClass(const QObject *object, const QString &expected);
+    CommandResult expectMethod(const QObject *object, const QString &expected);
+    CommandResult expectCast(QObject *object, const QString &expected);
+
+    // Scenario_Checks.cpp
     CommandResult expectNextLine(const QStringList &words);
     CommandResult wait(const QStringList &words);
 
