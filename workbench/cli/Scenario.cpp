@@ -82,6 +82,8 @@ const QList<Scenario::Command> &Scenario::commands()
          &Scenario::runBy<Route::AtOnce>, Needs::Device},
         {"inside-request", "report ...", "report before the next request is answered",
          &Scenario::runBy<Route::InsideRequest>, Needs::Device},
+        {"when", "LINE COMMAND", "run a command inside the next line of the next command that begins so",
+         &Scenario::when, Needs::Plugin, Kind::Setting},
         {"fault", "OPERATION EFFECT [VALUE]... [times N|always]",
          "refuse, delay MS, drop, repeat N or alter VALUE... the next such operation", &Scenario::fault,
          Needs::Device, Kind::Setting},
@@ -177,9 +179,12 @@ CommandResult Scenario::execute(const QString &line)
         m_isWaiting = false;
         words->removeLast();
     }
-    if (command->kind == Command::Kind::Action)
-        m_lastAction = m_workbench.timeline.lastSequence();
-    return dispatch(*command, *words);
+    if (command->kind != Command::Kind::Action)
+        return dispatch(*command, *words);
+    m_lastAction = m_workbench.timeline.lastSequence();
+    CommandResult result = dispatch(*command, *words);
+    CommandResult inside = takeInsideResult();
+    return result.code == ExitCode::Success ? inside : result;
 }
 
 CommandResult Scenario::finish()

@@ -174,6 +174,13 @@ private:
     CommandResult expectMetadata(const QString &expected);
     CommandResult expectExports(QStringList expected);
 
+    // Scenario_When.cpp
+    CommandResult when(const QStringList &words);
+    void runInside(const TimelineEntry &entry);
+    CommandResult executeInside(const QString &line);
+    /// What came of the commands inside the last one; a difference when one of them did not run.
+    CommandResult takeInsideResult();
+
     // Scenario_Object.cpp
     /// Compares what the words name of the object's class; nothing when they name something else.
     std::optional<CommandResult> expectOfObject(QObject *object, const QString &words);
@@ -208,4 +215,14 @@ private:
     QString m_wantedOutcome;
     bool m_isWaiting = true;
     Route m_route = Route::Usual;
+
+    /// A command that runs inside the next line that begins so.
+    struct Watch
+    {
+        QString beginning;
+        QString command;
+    };
+    bool m_isWatching = false;
+    QList<Watch> m_watches;
+    CommandResult m_insideResult;
 };
