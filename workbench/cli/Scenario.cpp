@@ -40,7 +40,8 @@ const QList<Scenario::Command> &Scenario::commands()
         {"receiver", "NUMBER", "add mice from now on to another receiver; the first is 1",
          &Scenario::receiver, Needs::Nothing, Kind::Setting},
         {"unload", "", "unload the plugin with all devices that are left", &Scenario::unload, Needs::Plugin},
-        {"load", "", "load it again", &Scenario::loadAgain},
+        {"load", "[as NAME] [uninitialized]",
+         "load it again; from a copy with another file name; without initializing it", &Scenario::loadAgain},
         call(calls::start, "", "start the current device; the mouse reports its state"),
         call(calls::stop, "", "stop it"),
         call(calls::setReportRate, "HZ", "request a report rate", &requests::setReportRate,
@@ -172,7 +173,7 @@ CommandResult Scenario::execute(const QString &line)
         if (!QStringList{u"confirmed"_s, u"refused"_s, u"pending"_s}.contains(m_wantedOutcome))
             return wrongWord(m_wantedOutcome, u"an outcome: confirmed, refused or pending"_s);
         const Command *request = command->operation ? command : findCommand(words->value(0));
-        if (!request || !request->request)
+        if (!request || (!request->request && request->operation != &calls::start))
             return CommandResult::unusable(
                 u"%1 is no request that has an outcome; delete \"=> %2\""_s.arg(name, m_wantedOutcome));
     } else if (!words->isEmpty() && words->last() == u"nowait") {

@@ -68,11 +68,22 @@ CommandResult Scenario::unload(const QStringList & /*words*/)
     return {};
 }
 
-CommandResult Scenario::loadAgain(const QStringList & /*words*/)
+CommandResult Scenario::loadAgain(const QStringList &words)
 {
     if (m_workbench.host.factory())
         return CommandResult::unusable(u"the plugin is loaded; put this behind \"unload\""_s);
-    const std::optional<QString> reason = m_workbench.load(m_workbench.host.fileName());
+    QStringList rest = words;
+    const bool isInitialized = rest.isEmpty() || rest.last() != u"uninitialized";
+    if (!isInitialized)
+        rest.removeLast();
+    QString copyName;
+    if (rest.size() == 2 && rest.first() == u"as")
+        copyName = rest.last();
+    else if (!rest.isEmpty())
+        return wrongWord(words.join(u' '), u"known here; write load [as NAME] [uninitialized]"_s);
+    if (copyName.contains(u'/') || copyName.contains(u'\\'))
+        return wrongWord(copyName, u"the name of a file without a folder"_s);
+    const std::optional<QString> reason = m_workbench.loadAgain(copyName, isInitialized);
     return reason ? CommandResult::difference(u"load: "_s + *reason) : CommandResult();
 }
 

@@ -177,8 +177,9 @@ CommandResult Scenario::callOperation(const QStringList &words)
         m_workbench.noteStart();
     QJsonValue result;
     callDevice([&] { result = device.call(*command.operation, *arguments); });
-    if (result.isBool() && !result.toBool())
-        return compare(command.operation->text(), u"true"_s, u"false"_s);
+    if (result.isBool() && result.toBool() == (m_wantedOutcome == u"refused"))
+        return compare(command.operation->text(), m_wantedOutcome == u"refused" ? u"false"_s : u"true"_s,
+                       result.toBool() ? u"true"_s : u"false"_s);
     return m_isWaiting && command.request ? outcomeOf(command, before) : settle();
 }
 

@@ -23,14 +23,31 @@ Workbench::~Workbench()
     }
     if (m_hasCategoryRules)
         QLoggingCategory::setFilterRules({});
+    // Before the folder of the copy goes.
+    host.unload();
 }
 
 std::optional<QString> Workbench::load(const QString &pluginFile)
 {
     if (std::optional<QString> reason = host.load(pluginFile))
         return reason;
+    m_pluginFile = host.fileName();
     setLogSwitches({true, true, true});
     return std::nullopt;
+}
+
+std::optional<QString> Workbench::loadAgain(const QString &copyName, bool isInitialized)
+{
+    QString file = m_pluginFile;
+    if (!copyName.isEmpty()) {
+        file = m_copyFolder.emplace().filePath(copyName);
+        if (!QFile::copy(m_pluginFile, file))
+            return u"\"%1\" cannot be copied to \"%2\""_s.arg(m_pluginFile, file);
+    }
+    std::optional<QString> reason = host.load(file);
+    if (!reason && isInitialized)
+        setLogSwitches({true, true, true});
+    return reason;
 }
 
 void Workbench::useReceiver(int number)

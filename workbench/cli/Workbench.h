@@ -10,6 +10,7 @@
 #include "Timeline.h"
 
 #include <QtCore/QString>
+#include <QtCore/QTemporaryDir>
 
 #include <array>
 #include <chrono>
@@ -33,6 +34,9 @@ public:
 
     /// Loads and initializes the plugin with all log switches on; the reason in one sentence when it cannot be used.
     std::optional<QString> load(const QString &pluginFile);
+
+    /// Loads the file again that load() loaded, after unload(). copyName: loads a copy with this file name instead.
+    std::optional<QString> loadAgain(const QString &copyName, bool isInitialized);
 
     Timeline timeline;
     LogRecorder logRecorder{timeline};
@@ -100,6 +104,8 @@ private:
     void forgetDevice(const std::function<void(std::unique_ptr<HostedDevice>)> &end);
     bool createDevice(DeviceId id, IPhysicalDevice *physicalDevice, bool hasMouse);
 
+    QString m_pluginFile;
+    std::optional<QTemporaryDir> m_copyFolder;  // of loadAgain()
     PlainPhysicalDevice m_plainDevice{timeline};
     std::map<int, std::unique_ptr<SimulatedReceiver>> m_otherReceivers;
     SimulatedReceiver *m_nextReceiver = &receiver;
