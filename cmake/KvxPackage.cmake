@@ -18,6 +18,7 @@ install(FILES ${PROJECT_BINARY_DIR}/KvxInterfacesConfig.cmake ${PROJECT_BINARY_D
     DESTINATION ${packageFolder})
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples DESTINATION . FILES_MATCHING PATTERN *.kvx)
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/contract/ DESTINATION share/kvx/contract FILES_MATCHING PATTERN *.kvx)
+install(FILES ${PROJECT_SOURCE_DIR}/workbench/check/check-report.schema.json DESTINATION share/kvx)
 install(FILES ${PROJECT_SOURCE_DIR}/CHANGELOG.md ${PROJECT_SOURCE_DIR}/cmake/THIRD-PARTY.md DESTINATION .)
 
 # kvx_write_package_readme(FILE): README.md of a package; qtNote says what must be installed for it.

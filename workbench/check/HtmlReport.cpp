@@ -56,12 +56,18 @@ QString seconds(std::chrono::milliseconds time)
                          time < std::chrono::seconds(1) ? 3 : 1);
 }
 
-/// Where two lines differ: what both begin with, and what both end with.
+/// The lengths of what two lines have in common at both ends, in whole words.
 struct CommonEnds
 {
     qsizetype before = 0;
     qsizetype after = 0;
 };
+
+// The two halves of a character beyond the first 65,536 belong together, too.
+bool isInWord(QChar character)
+{
+    return character.isLetterOrNumber() || character.isSurrogate();
+}
 
 CommonEnds commonEnds(const QString &one, const QString &other)
 {
@@ -69,13 +75,12 @@ CommonEnds commonEnds(const QString &one, const QString &other)
     CommonEnds ends;
     while (ends.before < shorter && one.at(ends.before) == other.at(ends.before))
         ++ends.before;
-    // Not within one of the pairs that are one character.
-    if (ends.before > 0 && one.at(ends.before - 1).isHighSurrogate())
+    while (ends.before > 0 && isInWord(one.at(ends.before - 1)))
         --ends.before;
-    while (ends.after < shorter - ends.before && one.back() == other.back() &&
+    while (ends.after < shorter - ends.before &&
            one.at(one.size() - 1 - ends.after) == other.at(other.size() - 1 - ends.after))
         ++ends.after;
-    if (ends.after > 0 && one.at(one.size() - ends.after).isLowSurrogate())
+    while (ends.after > 0 && isInWord(one.at(one.size() - ends.after)))
         --ends.after;
     return ends;
 }
