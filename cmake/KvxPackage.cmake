@@ -1,5 +1,5 @@
-# The contents of the packages: library and kvx, the interfaces as a CMake package, the scenarios of the contract and the
-# examples. For Windows a second package also has Qt Core, for machines without Qt.
+# The contents of the packages: library and kvx, the interfaces and the simulator as a CMake package, the scenarios of
+# the contract and the examples. For Windows a second package also has Qt Core, for machines without Qt.
 include(CMakePackageConfigHelpers)
 
 set(packageFolder lib/cmake/KvxInterfaces)
@@ -9,14 +9,34 @@ install(TARGETS rv418_plugin workbench_cli
 install(TARGETS kvx_interfaces EXPORT KvxInterfaces
     FILE_SET HEADERS DESTINATION include/kvx)
 install(EXPORT KvxInterfaces NAMESPACE Kvx:: DESTINATION ${packageFolder} FILE KvxInterfacesTargets.cmake)
+
+# The simulator is packed as sources: a static C++ library fits only the compiler and the C++ library that built it.
+set(simulatorFiles)
+foreach(target IN ITEMS receiver_simulator library_inspection)
+    get_target_property(folder ${target} SOURCE_DIR)
+    get_target_property(files ${target} SOURCES)
+    cmake_path(GET folder FILENAME name)
+    foreach(file IN LISTS files)
+        set(destination share/kvx/${name})
+        if(target STREQUAL receiver_simulator AND file MATCHES "\\.h$")
+            set(destination include/kvx/${name})
+        endif()
+        install(FILES ${folder}/${file} DESTINATION ${destination})
+        list(APPEND simulatorFiles ${destination}/${file})
+    endforeach()
+endforeach()
+foreach(file IN ITEMS KvxSimulator.cmake KvxContractTests.cmake)
+    configure_file(${CMAKE_CURRENT_LIST_DIR}/${file}.in ${PROJECT_BINARY_DIR}/${file} @ONLY)
+    install(FILES ${PROJECT_BINARY_DIR}/${file} DESTINATION ${packageFolder})
+endforeach()
+
 configure_package_config_file(${CMAKE_CURRENT_LIST_DIR}/KvxInterfacesConfig.cmake.in
-    ${PROJECT_BINARY_DIR}/KvxInterfacesConfig.cmake INSTALL_DESTINATION ${packageFolder}
-    NO_SET_AND_CHECK_MACRO NO_CHECK_REQUIRED_COMPONENTS_MACRO)
+    ${PROJECT_BINARY_DIR}/KvxInterfacesConfig.cmake INSTALL_DESTINATION ${packageFolder} NO_SET_AND_CHECK_MACRO)
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/KvxInterfacesConfigVersion.cmake
     COMPATIBILITY SameMinorVersion ARCH_INDEPENDENT)
 install(FILES ${PROJECT_BINARY_DIR}/KvxInterfacesConfig.cmake ${PROJECT_BINARY_DIR}/KvxInterfacesConfigVersion.cmake
     DESTINATION ${packageFolder})
-install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples DESTINATION . FILES_MATCHING PATTERN *.kvx)
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples DESTINATION .)
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/contract/ DESTINATION share/kvx/contract FILES_MATCHING PATTERN *.kvx)
 install(FILES ${PROJECT_SOURCE_DIR}/workbench/check/check-report.schema.json DESTINATION share/kvx)
 install(FILES ${PROJECT_SOURCE_DIR}/CHANGELOG.md ${PROJECT_SOURCE_DIR}/cmake/THIRD-PARTY.md DESTINATION .)
