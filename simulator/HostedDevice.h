@@ -5,9 +5,13 @@
 #include "SignalRecorder.h"
 #include "Timeline.h"
 
-/// One logical device as its host has it: the interface views, a recorder on its signals, and every operation with an
-/// effect. A call is written to the timeline before it is made.
-/// Getters are for the views. Operations may be called from any thread, as those of the device.
+/// One logical device as its host has it: the views of its interfaces, its recorded signals, and each operation with an
+/// effect. PluginHost::createDevice() makes it.
+///
+/// An operation records the call and then calls the device's operation of the same name. The interfaces' headers state
+/// meaning, units, errors and signals of each; so do they for the getters, which are called through the views and not
+/// recorded. Any thread, as far as the device's operation allows it. A request only begins here: the mouse's answer comes
+/// through the event loop (waitForTimeline()).
 /// Does not own the device; PluginHost deletes it.
 class HostedDevice
 {
@@ -16,12 +20,15 @@ public:
     HostedDevice(Timeline &timeline, ILogicalDeviceGen3Mouse *device, DeviceId id);
     Q_DISABLE_COPY_MOVE(HostedDevice)
 
+    /// The views and the QObject of the device; valid until it is destroyed or the library unloaded.
     ILogicalDeviceGen3Mouse *device() const { return m_device; }
     ILogicalDeviceGen3 *gen3() const { return m_gen3; }
     QObject *object() const { return m_object; }
+    /// The mouse's id, which its entries on the timeline have.
     DeviceId id() const { return m_id; }
 
-    /// Calls an operation with arguments as the timeline has them.
+    /// Calls an operation of Operations.h with arguments as the timeline has them. Returns its result, undefined for
+    /// none.
     QJsonValue call(const DeviceOperation &operation, const QJsonArray &arguments);
     /// The same with the operation's own types.
     template <auto function, typename... Arguments>
@@ -39,6 +46,7 @@ public:
         }
     }
 
+    /// What the host calls.
     bool start() { return call(calls::start); }
     void stop() { call(calls::stop); }
     quintptr forwardToPhysicalDevice(quintptr argument1, quintptr argument2, quintptr argument3)
@@ -57,6 +65,7 @@ public:
     void setDpiSlotValues(const QStringList &values) { call(calls::setDpiSlotValues, values); }
     void setDpiButtonId(int buttonId) { call(calls::setDpiButtonId, buttonId); }
     void setReportRate(int rate) { call(calls::setReportRate, rate); }
+    /// What the receiver reports, for a test that plays the mouse itself. SimulatedReceiver reports without these.
     void setFirmwareVersion(uint fwVersion) { call(reports::setFirmwareVersion, fwVersion); }
     void setBatteryLevel(int newBatteryLevel) { call(reports::setBatteryLevel, newBatteryLevel); }
     void capabilityChangedCallBack(quint8 capability)

@@ -7,6 +7,7 @@ class Timeline;
 
 /// Writes every line of Qt's message logger, of whatever category and thread, to the timeline instead of to
 /// stderr, as long as it lives. A fatal line goes to the handler that was in force before, too.
+/// A library's log lines come only while its log switches are on (PluginHost::initialize()).
 /// Recorders may be nested; the one made last gets the lines. Made and deleted on one thread.
 class LogRecorder
 {

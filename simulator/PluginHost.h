@@ -14,22 +14,23 @@ class ILogicalDevicePlugin;
 class IPhysicalDevice;
 class Timeline;
 
-/// Loads a device plugin as the real host does, and lets it go again. One library at a time; for one thread.
+/// Loads a device plugin as the real host does, and unloads it. One library at a time. Use it on one thread; the
+/// devices live on that thread, too.
 class PluginHost
 {
 public:
     /// The timeline must outlive the host.
     explicit PluginHost(Timeline &timeline);
-    /// Unloads. Devices that were not destroyed die with the factory.
+    /// Unloads, which deletes the devices that were not destroyed.
     ~PluginHost();
     Q_DISABLE_COPY_MOVE(PluginHost)
 
-    /// Loads the library and gets its factory. Answers nothing when all is well, else the reason in one sentence,
-    /// and then nothing is loaded. Checks, in this order: all that inspectPlugin() refuses, before anything of the
-    /// library runs; it loads here; its root object is a factory of logical devices.
+    /// Loads the library in place of the last one, and gets its factory. Returns nothing on success; else the reason in
+    /// one sentence, with what to do, and nothing is loaded. Checks, in this order: the file is a Qt plugin for this
+    /// system and this Qt, before any code of it runs; it loads; its root object is a factory of logical devices.
     std::optional<QString> load(const QString &file);
-    /// Deletes the factory, and with it the devices, and takes the library out of the process.
-    /// True when that worked.
+    /// Deletes the factory, and with it the devices, and removes the library from the process. False when nothing was
+    /// loaded or the library stays. A HostedDevice that is left must only be deleted.
     bool unload();
 
     /// The plugin's root object and its factory interface; null while nothing is loaded.
@@ -38,10 +39,16 @@ public:
     /// The file that is loaded, as an absolute path.
     QString fileName() const { return m_loader.fileName(); }
 
-    /// The factory's operations, each on the timeline as a call.
+    /// The factory's operations, each recorded as a call. Only while a library is loaded.
+    ///
+    /// Gives the plugin its host services and switches each of its log levels on or off, for all devices. Returns the
+    /// plugin's answer. hostServices may be null and must outlive the devices.
     bool initialize(IHostServices *hostServices, bool debugEnabled, bool warningEnabled,
                     bool criticalEnabled);
+    /// Creates the logical device of a mouse and records its signals from now on. Nothing is asked of the receiver before
+    /// HostedDevice::start(). physicalDevice may be null and must outlive the device. The id is the mouse's.
     std::unique_ptr<HostedDevice> createDevice(IPhysicalDevice *physicalDevice, DeviceId id);
+    /// Lets the factory delete the device, at once; its last signals are recorded.
     void destroyDevice(std::unique_ptr<HostedDevice> device);
 
 private:

@@ -9,7 +9,8 @@
 #include <chrono>
 #include <optional>
 
-/// Something that goes wrong with an operation between plugin and mouse: plain data.
+/// Something that goes wrong with an operation between plugin and mouse: plain data for SimulatedReceiver::addFault().
+/// Each time that it takes effect, the timeline has a verdict.
 struct ReceiverFault
 {
     /// On a request (the plugin calls the receiver), on a report (of the mouse), on a value that the plugin reads:
@@ -25,6 +26,7 @@ struct ReceiverFault
 
     static constexpr int always = -1;
 
+    /// Of Operations.h, for example &requests::setReportRate or &reports::reportRateConfirmed.
     const DeviceOperation *operation = nullptr;
     Effect effect = Effect::Refuse;
     /// How many of the next such operations it affects, or always.

@@ -5,8 +5,8 @@
 
 #include <QtCore/QtGlobal>
 
-/// The host's service object: writes button and Ctrl events to the timeline, and a verdict when an operation
-/// is called that a plugin must never call.
+/// The host's service object: records the plugin's button and Ctrl events on the timeline, with the thread that they come
+/// from, and does nothing else. An operation that a plugin must never call also leaves a verdict. Any thread.
 class SimulatedHostServices : public IHostServices
 {
 public:

@@ -7,36 +7,37 @@
 
 #include <array>
 
-/// What one mouse knows of itself: plain data, sane from the start. To try something else, change a field.
+/// One mouse: its state as plain data, sane from the start, and what it does. To try something else, change a field.
+/// Has no thread of its own; SimulatedReceiver holds the mice and guards them.
 struct SimulatedMouse
 {
     uint firmwareVersion = 0x0102;
     bool hasBatteryLevel = true;
     int batteryLevel = 80;  // percent
-    int statusValue = 1;
+    int statusValue = 1;    // this and the next two: passed through, without a meaning here
     int deviceValue = 2;
     int levelValue = 3;
     bool isSmartPointerSupported = true;
     QString ppid = QStringLiteral("RV418-0001");
 
-    int dpiMin = 100;
+    int dpiMin = 100;  // DPI, as all of the next four
     int dpiMax = 8000;
     std::array<quint16, dpiSlotCount> dpiSlotValues{800, 1600, 2400, 3200, 4000};
     int activeDpiSlotIndex = 2;  // 1 to 5
     int dpiValue = 1600;
-    int dpiButtonId = 6;
+    int dpiButtonId = 6;  // a button's number
 
     int reportRate = 500;                                     // Hz
     std::array<quint16, 4> reportRates{125, 250, 500, 1000};  // a 0 ends the list
     bool knowsReportRates = true;
 
-    quint8 disabledButtonsOrKeysMask = 0;
-    quint8 heldButtons = 0;  // bits as in the mask
-    int dpiStep = 0;         // slot values are rounded to multiples of it; 0: taken as they are
+    quint8 disabledButtonsOrKeysMask = 0;  // diverted buttons: bit 0 is button 1
+    quint8 heldButtons = 0;                // bits as in the mask
+    int dpiStep = 0;                       // slot values are rounded to multiples of it; 0: taken as they are
 
     bool isAsleep = false;
-    bool losesSettingsAsleep = false;
-    QList<MouseMessage> unheard;  // requests that came while it slept
+    bool losesSettingsAsleep = false;  // wakes with the settings of a new mouse
+    QList<MouseMessage> unheard;       // requests that came while it slept
     quintptr forwardedResult = 0;
 
     ReportRateInfo reportRateInfo() const;

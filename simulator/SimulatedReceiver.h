@@ -23,7 +23,9 @@ class ILogicalDeviceGen3Mouse;
 /// delivered there, in the order in which the requests came, unless a fault changes that. Reports for a mouse without
 /// an attached device are dropped. The DPI range travels by signals that name no mouse: every started device hears them.
 ///
-/// The plugin may call from any thread, and so may everybody else, except where it says otherwise.
+/// An operation for a mouse that is not there is refused, or answered with 0, with a verdict.
+///
+/// Any thread may call it, except where it says otherwise. It must outlive the devices that were created with it.
 class SimulatedReceiver : public RecordingReceiver
 {
     Q_OBJECT
@@ -32,8 +34,9 @@ public:
     /// number: where there are several, which the timeline names in the entries of this one.
     explicit SimulatedReceiver(Timeline &timeline, int number = 1);
 
-    /// Adds a mouse or replaces all that is known of it.
+    /// Adds a mouse or replaces its state. Reports nothing.
     void setMouse(DeviceId id, const SimulatedMouse &mouse);
+    /// What is under way to it is lost. No effect when there is no mouse with this id.
     void removeMouse(DeviceId id);
     /// A copy of its state now; a default mouse when there is none with this id.
     SimulatedMouse mouse(DeviceId id) const;
@@ -41,27 +44,33 @@ public:
     /// The function runs under the receiver's lock and must not call the receiver.
     bool changeMouse(DeviceId id, const std::function<void(SimulatedMouse &)> &change);
 
-    /// From now on the logical device gets the reports of this mouse, in place of another one if there was.
-    /// Noticed when it is deleted; delete it on the receiver's thread.
+    /// From now on the logical device gets the reports of this mouse, in place of another one. Attach it before it is
+    /// started, or the answers to its start are lost. Detached by itself when it is deleted, which must happen on the
+    /// receiver's thread.
     void attach(DeviceId id, ILogicalDeviceGen3Mouse *device);
+    /// Drops this mouse's reports from now on, those under way included.
     void detach(DeviceId id);
 
+    /// For the next operations that it matches. Of several faults for one operation the oldest takes effect.
     void addFault(const ReceiverFault &fault);
     void clearFaults();
+    /// Those that are not used up.
     QList<ReceiverFault> faults() const;
 
-    /// From an accepted request to its report.
+    /// From an accepted request to its report; 5 ms by default. For the requests that follow.
     void setAnswerDelay(std::chrono::milliseconds delay) { m_answerDelay = delay; }
 
-    /// How often a plugin may send a request again because its confirmation disagreed, before the receiver
-    /// stops answering it with a verdict. The next request that is no such repetition is answered again.
+    /// How often a plugin may send a request again because its confirmation disagreed, 20 times by default, before the
+    /// receiver stops answering it and leaves a verdict. The next request that is no such repetition is answered again.
     void setResendLimit(int limit) { m_resendLimit = limit; }
 
-    /// Something that is done to the mouse, and the reports that it makes; they are delivered from the event loop.
-    /// False when there is no mouse with this id.
+    /// Does something to the mouse, such as SimulatedMouse::pressButton(); its reports are delivered from the event loop.
+    /// False when there is no mouse with this id. The function runs under the receiver's lock and must not call the
+    /// receiver.
     bool act(DeviceId id, const std::function<QList<MouseMessage>(SimulatedMouse &)> &action);
 
-    /// A report that no request asked for. Delivered from the event loop; nothing is done to the mouse.
+    /// A report that no request asked for, with an operation of reports:: or receiverSignals::. Delivered from the event
+    /// loop; the mouse does not change.
     void report(DeviceId id, const MouseMessage &message);
     /// The same, delivered on the calling thread before the call returns.
     void reportAtOnce(DeviceId id, const MouseMessage &message);
@@ -69,7 +78,7 @@ public:
     /// thread of the request. Takes the place of another one that is kept back.
     void reportInsideRequest(DeviceId id, const MouseMessage &message);
 
-    /// Whether nothing is under way to a mouse or from one.
+    /// Whether nothing is under way to a mouse or from one. A condition for waitForTimeline().
     bool isIdle() const;
 
 protected:

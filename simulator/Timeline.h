@@ -39,8 +39,8 @@ struct TimelineEntry
     int thread = 0;                     ///< 1 is the timeline's own thread, others as they first appear
 };
 
-/// The one record of everything that can be observed: calls, signals, log lines, host-service events.
-/// All operations may be called from any thread.
+/// The one record of everything that can be observed: calls, signals, log lines, host-service events. A test compares its
+/// lines. Any thread may call every operation. It must outlive all that records on it.
 class Timeline
 {
 public:
@@ -59,8 +59,9 @@ public:
     quint64 record(TimelineEntry::Kind kind, std::optional<DeviceId> device, const QString &name,
                    const QJsonArray &arguments = {}, const QJsonValue &result = QJsonValue::Undefined,
                    int receiver = 1);
-    /// A log line, by its severity ("debug", "info", "warning", "critical", "fatal").
+    /// As record(), for a log line, by its severity ("debug", "info", "warning", "critical", "fatal").
     quint64 recordLog(const QString &severity, const QString &category, const QString &text);
+    /// As record(), for a note of the simulation or the test itself.
     quint64 recordVerdict(const QString &text, std::optional<DeviceId> device = {});
     /// Sets the result of an entry that is complete only when the call has returned.
     void setResult(quint64 sequence, const QJsonValue &result);
@@ -68,6 +69,7 @@ public:
     QList<TimelineEntry> entries() const { return entriesAfter(0); }
     /// What came after the entry with this number; 0 for all.
     QList<TimelineEntry> entriesAfter(quint64 sequence) const;
+    /// 0 before the first entry.
     quint64 lastSequence() const;
     /// Forgets the entries; sequence numbers and time go on.
     void clear();

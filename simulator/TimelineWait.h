@@ -5,8 +5,8 @@
 
 class Timeline;
 
-/// Runs the calling thread's event loop until the condition holds; it is asked at once, again after each new
-/// entry of the timeline, and every few milliseconds for what leaves no entry. False when the deadline came first.
-/// Uses the timeline's observer meanwhile and leaves it unset.
+/// Runs the calling thread's event loop until the condition holds. Checks it on that thread, at once, after each new entry
+/// of the timeline, and every 5 ms for what leaves no entry. False when the deadline came first.
+/// Replaces the timeline's observer and leaves it unset; those added by addLastingObserver() stay.
 bool waitForTimeline(Timeline &timeline, const std::function<bool()> &condition,
                      std::chrono::milliseconds deadline);
