@@ -216,7 +216,11 @@ quint64 Timeline::append(TimelineEntry entry)
     std::function<void(const TimelineEntry &)> observer;
     QList<std::function<void(const TimelineEntry &)>> lastingObservers;
     {
-        const QMutexLocker locker(&m_mutex);
+        QMutexLocker locker(&m_mutex);
+        if (Timeline *other = m_redirections.value(QThread::currentThreadId())) {
+            locker.unlock();
+            return other->append(std::move(entry));
+        }
         entry.sequence = ++m_lastSequence;
         entry.time =
             std::chrono::duration_cast<std::chrono::microseconds>(std::chrono::steady_clock::now() - m_start);
@@ -230,6 +234,15 @@ quint64 Timeline::append(TimelineEntry entry)
     if (observer)
         observer(entry);
     return entry.sequence;
+}
+
+void Timeline::redirectThisThread(Timeline *other)
+{
+    const QMutexLocker locker(&m_mutex);
+    if (other)
+        m_redirections.insert(QThread::currentThreadId(), other);
+    else
+        m_redirections.remove(QThread::currentThreadId());
 }
 
 int Timeline::threadNumber()

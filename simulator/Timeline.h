@@ -2,6 +2,7 @@
 
 #include "DeviceId.h"
 
+#include <QtCore/QHash>
 #include <QtCore/QJsonArray>
 #include <QtCore/QJsonValue>
 #include <QtCore/QList>
@@ -90,6 +91,9 @@ public:
     /// Others, which are called before it in the order in which they were added, as long as the timeline lives.
     void addLastingObserver(std::function<void(const TimelineEntry &)> observer);
 
+    /// What the calling thread records here goes to the other timeline instead, until it calls this with null.
+    void redirectThisThread(Timeline *other);
+
 private:
     quint64 append(TimelineEntry entry);
     int threadNumber();
@@ -97,6 +101,7 @@ private:
     mutable QMutex m_mutex;
     std::chrono::steady_clock::time_point m_start;
     QList<Qt::HANDLE> m_threads;
+    QHash<Qt::HANDLE, Timeline *> m_redirections;  // by thread
     QList<TimelineEntry> m_entries;
     quint64 m_lastSequence = 0;
     std::function<void(const TimelineEntry &)> m_observer;

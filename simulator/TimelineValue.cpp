@@ -153,3 +153,10 @@ QString readableValue(const QJsonValue &value)
     }
     return u"null"_s;
 }
+
+QString plainValue(const QJsonValue &value)
+{
+    if (value.isString())
+        return value.toString();
+    return value.isArray() ? value.toVariant().toStringList().join(u' ') : readableValue(value);
+}

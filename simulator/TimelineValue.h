@@ -56,3 +56,5 @@ QList<int> numbersOf(const QJsonValue &value);
 
 /// The value as a readable line shows it: strings in quotes, arrays in brackets.
 QString readableValue(const QJsonValue &value);
+/// The value as a command of a scenario has it: strings without quotes, arrays with blanks between their items.
+QString plainValue(const QJsonValue &value);

@@ -21,7 +21,10 @@ bool waitForTimeline(Timeline &timeline, const std::function<bool()> &condition,
     QTimer repetition;
     QObject::connect(&repetition, &QTimer::timeout, &loop, check);
     repetition.start(std::chrono::milliseconds(5));
-    QTimer::singleShot(deadline, &loop, &QEventLoop::quit);
+    QTimer limit;
+    limit.setSingleShot(true);
+    QObject::connect(&limit, &QTimer::timeout, &loop, &QEventLoop::quit);
+    limit.start(deadline);
     QMetaObject::invokeMethod(&loop, check, Qt::QueuedConnection);
     loop.exec();
     timeline.setObserver({});
