@@ -104,14 +104,25 @@ const QList<Scenario::Command> &Scenario::commands()
          &Scenario::expectNextLine, Needs::Nothing, Kind::Check},
         {"expect",
          "VALUE TEXT... | signal LINE | timeline [LINE | LINE ...] | log [LINE | LINE ...] | metadata JSON | "
-         "exports NAME...",
+         "exports NAME... | agreement | no-growth",
          "compare a value, the next signal, the last lines without the log, the log of the last command, the "
-         "plugin's metadata without its Qt version and build type, or the symbols that it exports",
+         "plugin's metadata without its Qt version and build type, the symbols that it exports, all values "
+         "with "
+         "their last signals and the mouse's, or what the process holds with what it held halfway through "
+         "the "
+         "last repeat",
          &Scenario::expect, Needs::Nothing, Kind::Check},
         {"wait", "EVENT [MS]", "wait for a timeline line that begins so", &Scenario::wait, Needs::Nothing,
          Kind::Check},
         {"settle", "", "wait until the mouse has reported everything and nothing is queued",
          &Scenario::settle},
+        {"repeat", "N", "run the lines up to \"end\" N times", &Scenario::repeat, Needs::Nothing,
+         Kind::Setting},
+        {"end", "", "end the lines of repeat", &Scenario::end, Needs::Nothing, Kind::Setting},
+        {"random", "N", "do N things that the seed chooses; after each, device and mouse must agree",
+         &Scenario::random, Needs::Mouse},
+        {"parallel", "THREADS COUNT", "let COUNT devices live on each of so many threads at once",
+         &Scenario::parallel, Needs::Plugin},
         {"help", "", "print this", &Scenario::help, Needs::Nothing, Kind::Setting},
         {"quit", "", "end", &Scenario::quit},
     };
@@ -119,7 +130,7 @@ const QList<Scenario::Command> &Scenario::commands()
 }
 
 Scenario::Scenario(std::function<void(const QString &)> print, quint32 seed)
-    : m_print(std::move(print)), m_seed(seed)
+    : m_print(std::move(print)), m_randomSteps(seed)
 {
     keepInTimelineFile(m_workbench.timeline);
 }
@@ -146,7 +157,7 @@ const Scenario::Command *Scenario::findCommand(const QString &name)
     return nullptr;
 }
 
-CommandResult Scenario::execute(const QString &line)
+CommandResult Scenario::execute(const QString &line, std::optional<qsizetype> index)
 {
     std::optional<QStringList> words = wordsOf(line);
     if (!words)
@@ -158,11 +169,12 @@ CommandResult Scenario::execute(const QString &line)
     if (!command)
         return CommandResult::unusable(u"\"%1\" is no command; see help"_s.arg(name));
     if (command->run != &Scenario::expectNextLine) {
-        CommandResult rest = finish();
+        CommandResult rest = uncomparedLine();
         if (rest.code != ExitCode::Success)
             return rest;
     }
 
+    m_lineIndex = index;
     m_rest = behindFirstWord(line);
     m_wantedOutcome.clear();
     m_isWaiting = true;
@@ -189,6 +201,14 @@ CommandResult Scenario::execute(const QString &line)
 }
 
 CommandResult Scenario::finish()
+{
+    CommandResult rest = uncomparedLine();
+    if (rest.code == ExitCode::Success && m_repeat.isOpen)
+        return CommandResult::unusable(u"\"repeat\" is not ended; put \"end\" behind its lines"_s);
+    return rest;
+}
+
+CommandResult Scenario::uncomparedLine()
 {
     const qsizetype compared = m_comparedLines.size();
     const qsizetype seen = linesAfter(m_lastAction, {}).size();

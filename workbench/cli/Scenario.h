@@ -1,6 +1,8 @@
 #pragma once
 
+#include "Agreement.h"
 #include "Output.h"
+#include "RandomSteps.h"
 #include "Workbench.h"
 
 #include <QtCore/QMetaMethod>
@@ -22,6 +24,8 @@ struct CommandResult
     QStringList actual;
     /// Why a check could not be made here, in one sentence; empty when it was made.
     QString skipped;
+    /// Where the scenario goes on when it is not with the next line; counted from 0.
+    std::optional<qsizetype> nextLine = std::nullopt;
 
     static CommandResult unusable(const QString &message)
     {
@@ -81,7 +85,8 @@ public:
     }
 
     /// Runs one line. Empty lines and comments do nothing.
-    CommandResult execute(const QString &line);
+    /// index: the place of the line in its file, counted from 0; without it, no line can be repeated.
+    CommandResult execute(const QString &line, std::optional<qsizetype> index = std::nullopt);
     /// To be called behind the last line: what the last command left beyond what was expected is a difference.
     CommandResult finish();
 
@@ -108,6 +113,8 @@ private:
     /// A difference when what the factory made is no device of this family.
     CommandResult checkNewDevice();
     CommandResult whatIsMissing(Command::Needs needs) const;
+    /// A difference when "=" lines have not compared all lines of the last command.
+    CommandResult uncomparedLine();
 
     // Scenario.cpp
     CommandResult help(const QStringList &words);
@@ -162,6 +169,20 @@ private:
         return act(action);
     }
 
+    // Scenario_Stress.cpp
+    CommandResult repeat(const QStringList &words);
+    CommandResult end(const QStringList &words);
+    CommandResult parallel(const QStringList &words);
+    CommandResult expectNoGrowth();
+    CommandResult expectAgreement();
+    void noteSignals();
+
+    // Scenario_Random.cpp
+    CommandResult random(const QStringList &words);
+    CommandResult runStep(const RandomSteps::Step &step, int number);
+    CommandResult runCommands(const QStringList &commands);
+    SimulatedMouse currentMouse() { return m_workbench.currentReceiver().mouse(m_workbench.currentMouse()); }
+
     // Scenario_Checks.cpp
     CommandResult show(const QStringList &words);
     /// What a getter of the current device answers, as text: numbers in decimal, lists with blanks between their items.
@@ -202,13 +223,27 @@ private:
     QStringList linesAfter(quint64 entry, const std::function<bool(const TimelineEntry &)> &isWanted) const;
 
     std::function<void(const QString &)> m_print;
-    quint32 m_seed;
+    RandomSteps m_randomSteps;
     Workbench m_workbench;
     quint64 m_taken = 0;          // the last entry that takeEntries() gave
     quint64 m_signalCursor = 0;   // the last entry that "expect signal" or "wait" has used
     quint64 m_lastAction = 0;     // the last entry before the last action
     QStringList m_comparedLines;  // of the last action, by "=" lines
     int m_checkCount = 0;
+    LastSignals m_lastSignals;
+    quint64 m_noted = 0;  // the last entry that m_lastSignals has
+    struct Repeat
+    {
+        bool isOpen = false;
+        qsizetype firstLine = 0;  // counted from 0
+        int rounds = 0;
+        int done = 0;
+        // What the process holds when the second half begins.
+        std::optional<qint64> heapAtHalf;
+        int handlesAtHalf = 0;
+    };
+    Repeat m_repeat;  // the last one
+    std::optional<qsizetype> m_lineIndex;
     // Of the line that is executed: the command and what is behind it, or in front of it.
     const Command *m_command = nullptr;
     QString m_rest;

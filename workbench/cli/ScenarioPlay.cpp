@@ -56,7 +56,7 @@ PlayResult playLines(Scenario &scenario, const QStringList &lines, const PlayHoo
         played.line = static_cast<int>(index) + 1;
         if (!command.isEmpty())
             hooks.beforeCommand(played.line, command);
-        played.result = scenario.execute(command);
+        played.result = scenario.execute(command, index);
         hooks.afterCommand();
         if (played.skipped.isEmpty())
             played.skipped = played.result.skipped;
@@ -64,6 +64,8 @@ PlayResult playLines(Scenario &scenario, const QStringList &lines, const PlayHoo
             played.result.expected += expectedBehind(lines, index);
         if (played.result.code != ExitCode::Success || played.result.isEnd)
             return played;
+        if (played.result.nextLine)
+            index = *played.result.nextLine - 1;
     }
     played.result = scenario.finish();
     return played;

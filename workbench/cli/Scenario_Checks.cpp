@@ -5,7 +5,6 @@
 
 #include <QtCore/QJsonDocument>
 #include <QtCore/QPluginLoader>
-#include <QtCore/QRegularExpression>
 
 using namespace Qt::StringLiterals;
 
@@ -28,13 +27,6 @@ const DeviceOperation *findGetter(const QString &name)
 {
     const DeviceOperation *operation = findOperation(otherOperations(), name);
     return operation && operation->isGetter ? operation : nullptr;
-}
-
-// Addresses differ from run to run.
-QString withoutAddresses(QString line)
-{
-    static const QRegularExpression address(u"\\b0x[0-9a-f]{6,16}\\b"_s);
-    return line.replace(address, u"0x..."_s).trimmed();
 }
 
 }  // namespace
@@ -69,9 +61,7 @@ QString Scenario::shownValue(const DeviceOperation &getter)
     entry.name = getter.text();
     entry.result = value;
     addToTimelineFile(entry);
-    if (value.isString())
-        return value.toString();
-    return value.isArray() ? value.toVariant().toStringList().join(u' ') : readableValue(value);
+    return plainValue(value);
 }
 
 CommandResult Scenario::showTimeline(const QStringList &words)
@@ -135,6 +125,8 @@ CommandResult Scenario::expect(const QStringList &words)
         return expectMetadata(rest);
     if (name == u"exports")
         return expectExports(words.mid(1));
+    if (words == QStringList{u"no-growth"_s})
+        return expectNoGrowth();
     if (name == u"factory") {
         CommandResult missing = whatIsMissing(Command::Needs::Plugin);
         if (missing.code != ExitCode::Success)
@@ -145,6 +137,8 @@ CommandResult Scenario::expect(const QStringList &words)
     CommandResult missing = whatIsMissing(Command::Needs::Device);
     if (missing.code != ExitCode::Success)
         return missing;
+    if (words == QStringList{u"agreement"_s})
+        return expectAgreement();
     if (const std::optional<CommandResult> result = expectOfObject(m_workbench.device()->object(), m_rest))
         return *result;
     const DeviceOperation *getter = findGetter(name);

@@ -94,6 +94,12 @@ std::optional<int> onlyNumber(const QStringList &words, int lowest, int highest)
     return number && *number >= lowest && *number <= highest ? number : std::nullopt;
 }
 
+QString withoutAddresses(QString line)
+{
+    static const QRegularExpression address(u"\\b0x[0-9a-f]{6,16}\\b"_s);
+    return line.replace(address, u"0x..."_s).trimmed();
+}
+
 std::optional<DeviceId> deviceIdOf(const QString &word)
 {
     bool isNumber = false;

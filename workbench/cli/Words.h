@@ -26,5 +26,8 @@ std::optional<int> numberOf(const QString &word);
 std::optional<int> onlyNumber(const QStringList &words, int lowest = std::numeric_limits<int>::min(),
                               int highest = std::numeric_limits<int>::max());
 
+/// The line with 0x... for each address, because addresses differ from run to run.
+QString withoutAddresses(QString line);
+
 /// The id of a mouse or device: a whole number, decimal.
 std::optional<DeviceId> deviceIdOf(const QString &word);

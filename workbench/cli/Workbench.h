@@ -72,6 +72,7 @@ public:
     bool hasMouse() const { return device() && m_devices.at(m_current).hasMouse; }
     bool hasSeveralDevices() const { return m_devices.size() > 1; }
 
+    bool isStarted() const { return device() && m_devices.at(m_current).starts > 0; }
     /// To be called at each start of the current device.
     void noteStart() { ++m_devices.at(m_current).starts; }
 
