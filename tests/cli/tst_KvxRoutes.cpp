@@ -200,7 +200,8 @@ void tst_KvxRoutes::slotsAreInvokedByName()
         playLines({u"mouse 1"_s, u"slot onDpiMinChanged 300"_s, u"= call onDpiMinChanged(300)"_s,
                    u"= debug RV418.LogicalDevice: Updating dpiMin :  300"_s, u"= signal dpiMinChanged(300)"_s,
                    u"slot onPPIDChanged \"x y\""_s, u"expect ppid x y"_s,
-                   u"slot onSmartPointerCtrReleaseTimerTimeout"_s, u"wait debug RV418.LogicalDevice: onSmartPointerCtrReleaseTimerTimeout"_s,
+                   u"slot onSmartPointerCtrReleaseTimerTimeout"_s,
+                   u"wait debug RV418.LogicalDevice: onSmartPointerCtrReleaseTimerTimeout"_s,
                    u"other-thread slot onDpiMaxChanged 7"_s, u"wait signal dpiMaxChanged(7) on thread 2"_s});
     QCOMPARE(run.errors, QStringList());
     QCOMPARE(run.exitCode, 0);

@@ -1,3 +1,4 @@
+#include "CheckArguments.h"
 #include "Commands.h"
 #include "StandardStreams.h"
 
@@ -61,6 +62,7 @@ int parseAndRun()
     CLI::App *inspect =
         app.add_subcommand("inspect", "Show what a plugin library says of itself and whether it loads here");
     inspect->add_option("FILE", inspectedFile, "The library")->required()->option_text(" ");
+    CheckArguments check(app);
 
     try {
         app.parse(reversedArguments());
@@ -81,6 +83,8 @@ int parseAndRun()
         return static_cast<int>(runShell(options));
     if (inspect->parsed())
         return static_cast<int>(runInspect(QString::fromUtf8(inspectedFile)));
+    if (check.areGiven())
+        return static_cast<int>(check.run());
     std::cerr << app.help();
     return static_cast<int>(ExitCode::Unusable);
 }
