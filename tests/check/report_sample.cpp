@@ -113,7 +113,7 @@ CheckReport kept()
     report.environment.append({u"System"_s, u"Debian GNU/Linux 13 (trixie) <x86_64>"_s});
     report.seed = largestSeed;
     report.level = Level::Stress;
-    report.started = QDateTime(QDate(2024, 2, 29), QTime(23, 59, 58, 7), QTimeZone::UTC);
+    report.started = QDateTime::fromString(u"2024-02-29T23:59:58.007Z"_s, Qt::ISODateWithMs);
     report.time = milliseconds(61'500);
     report.verdicts.append(verdictOf(u"identity/type"_s, Verdict::Pass));
     report.verdicts.append(skipped());
@@ -167,7 +167,7 @@ std::optional<QString> write(const CheckReport &report, const QString &file)
 int main(int argc, char *argv[])
 {
     const QCoreApplication application(argc, argv);
-    const QStringList arguments = application.arguments();
+    const QStringList arguments = QCoreApplication::arguments();
     const std::optional<CheckReport> report = sample(arguments.value(1));
     if (!report || arguments.size() != 3) {
         std::fputs("report_sample: write report_sample SAMPLE FILE; the source has the samples\n", stderr);

@@ -32,10 +32,12 @@ class ReportTest(unittest.TestCase):
         self.addCleanup(scratch.cleanup)
         self.folder = Path(scratch.name)
 
-    def write(self, sample, file):
+    def write(self, sample, file, **options):
         # From within the folder: a path has another form on another system.
         command = [*SAMPLE_COMMAND, sample, file]
-        return subprocess.run(command, cwd=self.folder, capture_output=True, text=True, check=False, encoding="utf-8")
+        return subprocess.run(
+            command, cwd=self.folder, capture_output=True, text=True, check=False, encoding="utf-8", **options
+        )
 
     def report(self, sample):
         """The path of the report."""

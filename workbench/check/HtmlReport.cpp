@@ -16,10 +16,14 @@ namespace mustache = kainjow::mustache;
 
 namespace {
 
+std::string toStandard(const QByteArray &bytes)
+{
+    return {bytes.constData(), static_cast<std::size_t>(bytes.size())};
+}
+
 std::string utf8(const QString &text)
 {
-    const QByteArray bytes = visibleText(text).toUtf8();
-    return {bytes.constData(), static_cast<std::size_t>(bytes.size())};
+    return toStandard(visibleText(text).toUtf8());
 }
 
 // For a section of the template an empty text is false.
@@ -35,7 +39,7 @@ mustache::data dataOf(const QJsonValue &value)
     if (value.isArray()) {
         const QJsonArray array = value.toArray();
         mustache::data data(mustache::data::type::list);
-        for (const QJsonValue &item : array)
+        for (const QJsonValue item : array)
             data.push_back(dataOf(item));
         return data;
     }
@@ -135,14 +139,16 @@ QJsonObject pageOf(const ScenarioVerdict &verdict, QJsonObject scenario)
 QJsonObject pageOf(const CheckReport &report)
 {
     QJsonObject page = toJson(report);
+    const QJsonArray written = page.value(u"scenarios"_s).toArray();
     QJsonArray counts;
     QJsonArray scenarios;
-    for (const Verdict verdict : allVerdicts()) {
+    const QList<Verdict> verdicts = allVerdicts();
+    for (const Verdict verdict : verdicts) {
         qsizetype number = 0;
         for (qsizetype index = 0; index < report.verdicts.size(); ++index) {
             if (report.verdicts.at(index).verdict != verdict)
                 continue;
-            scenarios.append(pageOf(report.verdicts.at(index), page[u"scenarios"_s][index].toObject()));
+            scenarios.append(pageOf(report.verdicts.at(index), written.at(index).toObject()));
             ++number;
         }
         if (number > 0)
@@ -167,7 +173,7 @@ std::optional<QString> writeHtml(const CheckReport &report, const QString &file)
     QFile resource(u":/check/report.html.mustache"_s);
     if (!resource.open(QIODevice::ReadOnly))
         return u"kvx does not contain %1"_s.arg(resource.fileName());
-    mustache::mustache page(resource.readAll().toStdString());
+    mustache::mustache page(toStandard(resource.readAll()));
     QByteArray content;
     page.render(dataOf(pageOf(report)), [&](const std::string &part) {
         content.append(part.data(), static_cast<qsizetype>(part.size()));

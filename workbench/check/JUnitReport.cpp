@@ -134,11 +134,11 @@ public:
     {
         const QList<Case> cases = casesOf(report);
         m_xml.writeStartDocument();
-        m_xml.writeStartElement("testsuites");
+        m_xml.writeStartElement(u"testsuites"_s);
         writeNumbers(report, cases);
-        m_xml.writeStartElement("testsuite");
+        m_xml.writeStartElement(u"testsuite"_s);
         writeNumbers(report, cases);
-        attribute("timestamp", report.started.toUTC().toString(u"yyyy-MM-ddTHH:mm:ss"_s));
+        attribute(u"timestamp"_s, report.started.toUTC().toString(u"yyyy-MM-ddTHH:mm:ss"_s));
         writeProperties(report);
         for (const Case &testCase : cases)
             writeCase(testCase);
@@ -146,11 +146,10 @@ public:
     }
 
 private:
-    void attribute(QLatin1StringView name, const QString &value)
+    void attribute(const QString &name, const QString &value)
     {
         m_xml.writeAttribute(name, visibleText(value));
     }
-    void attribute(const char *name, const QString &value) { attribute(QLatin1StringView(name), value); }
 
     void writeNumbers(const CheckReport &report, const QList<Case> &cases)
     {
@@ -158,17 +157,17 @@ private:
             return QString::number(std::count_if(
                 cases.cbegin(), cases.cend(), [&](const Case &testCase) { return testCase.kind == kind; }));
         };
-        attribute("name", u"kvx check"_s);
-        attribute("tests", QString::number(cases.size()));
-        attribute("failures", count(Kind::Failure));
-        attribute("errors", count(Kind::Error));
-        attribute("skipped", count(Kind::Skipped));
-        attribute("time", seconds(report.time));
+        attribute(u"name"_s, u"kvx check"_s);
+        attribute(u"tests"_s, QString::number(cases.size()));
+        attribute(u"failures"_s, count(Kind::Failure));
+        attribute(u"errors"_s, count(Kind::Error));
+        attribute(u"skipped"_s, count(Kind::Skipped));
+        attribute(u"time"_s, seconds(report.time));
     }
 
     void writeProperties(const CheckReport &report)
     {
-        m_xml.writeStartElement("properties");
+        m_xml.writeStartElement(u"properties"_s);
         writeProperty(u"library"_s, report.library);
         writeProperty(u"level"_s, levelName(report.level));
         writeProperty(u"seed"_s, QString::number(report.seed));
@@ -179,20 +178,20 @@ private:
 
     void writeProperty(const QString &name, const QString &value)
     {
-        m_xml.writeEmptyElement("property");
-        attribute("name", name);
-        attribute("value", value);
+        m_xml.writeEmptyElement(u"property"_s);
+        attribute(u"name"_s, name);
+        attribute(u"value"_s, value);
     }
 
     void writeCase(const Case &testCase)
     {
-        m_xml.writeStartElement("testcase");
-        attribute("classname", testCase.className);
-        attribute("name", testCase.name);
-        attribute("time", seconds(testCase.time));
+        m_xml.writeStartElement(u"testcase"_s);
+        attribute(u"classname"_s, testCase.className);
+        attribute(u"name"_s, testCase.name);
+        attribute(u"time"_s, seconds(testCase.time));
         writeResult(testCase);
-        writeText("system-out", testCase.output);
-        writeText("system-err", testCase.errorOutput);
+        writeText(u"system-out"_s, testCase.output);
+        writeText(u"system-err"_s, testCase.errorOutput);
         m_xml.writeEndElement();
     }
 
@@ -200,19 +199,19 @@ private:
     {
         if (testCase.kind == Kind::Passed)
             return;
-        m_xml.writeStartElement(testCase.kind == Kind::Failure ? "failure"_L1
-                                : testCase.kind == Kind::Error ? "error"_L1
-                                                               : "skipped"_L1);
-        attribute("type", testCase.type);
-        attribute("message", testCase.message);
+        m_xml.writeStartElement(testCase.kind == Kind::Failure ? u"failure"_s
+                                : testCase.kind == Kind::Error ? u"error"_s
+                                                               : u"skipped"_s);
+        attribute(u"type"_s, testCase.type);
+        attribute(u"message"_s, testCase.message);
         m_xml.writeCharacters(visibleText(testCase.details));
         m_xml.writeEndElement();
     }
 
-    void writeText(const char *element, const QString &text)
+    void writeText(const QString &element, const QString &text)
     {
         if (!text.isEmpty())
-            m_xml.writeTextElement(QLatin1StringView(element), visibleText(text));
+            m_xml.writeTextElement(element, visibleText(text));
     }
 
     QXmlStreamWriter m_xml;
