@@ -20,7 +20,7 @@ struct SimulatedMouse
     bool isSmartPointerSupported = true;
     QString ppid = QStringLiteral("RV418-0001");
 
-    int dpiMin = 100;  // DPI, as all of the next four
+    int dpiMin = 100;  // DPI, as dpiMax, dpiSlotValues and dpiValue
     int dpiMax = 8000;
     std::array<quint16, dpiSlotCount> dpiSlotValues{800, 1600, 2400, 3200, 4000};
     int activeDpiSlotIndex = 2;  // 1 to 5

@@ -39,7 +39,9 @@ def program(name):
 
 
 def attempt(*command, **options):
-    return subprocess.run(command, capture_output=True, text=True, check=False, encoding="utf-8", **options)
+    # A Windows program that is not kvx writes in Windows' code page.
+    options |= {"capture_output": True, "encoding": "utf-8", "errors": "replace"}
+    return subprocess.run(command, check=False, **options)
 
 
 def run(*command, **options):
