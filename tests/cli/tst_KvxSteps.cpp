@@ -16,7 +16,10 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-const QStringList head{u"# title: A promise"_s, u"# why: A host needs it."_s, u"# level: contract"_s};
+QStringList head()
+{
+    return {u"# title: A promise"_s, u"# why: A host needs it."_s, u"# level: contract"_s};
+}
 
 struct Steps
 {
@@ -92,9 +95,9 @@ private Q_SLOTS:
 
 void tst_KvxSteps::everyStepIsPrinted()
 {
-    const Steps steps = playSteps(head + QStringList{u"mouse 7"_s, u"# a comment"_s, u"other-thread stop"_s,
-                                                     u"at-once report setBatteryLevel 5"_s,
-                                                     u"expect batteryLevel 5"_s, u"query26 1 2 3"_s});
+    const Steps steps = playSteps(head() + QStringList{u"mouse 7"_s, u"# a comment"_s, u"other-thread stop"_s,
+                                                       u"at-once report setBatteryLevel 5"_s,
+                                                       u"expect batteryLevel 5"_s, u"query26 1 2 3"_s});
     QCOMPARE(steps.exitCode, 0);
     QCOMPARE(steps.lines.first(), QJsonObject({{u"schemaVersion"_s, 1}}));
     QCOMPARE(steps.of("command"_L1),
@@ -184,7 +187,7 @@ void tst_KvxSteps::results()
     QFETCH(const QStringList, lines);
     QFETCH(const QJsonObject, result);
     QFETCH(const int, exitCode);
-    const Steps steps = playSteps(head + lines);
+    const Steps steps = playSteps(head() + lines);
     QCOMPARE(QJsonDocument(steps.result()).toJson(), QJsonDocument(result).toJson());
     QCOMPARE(steps.exitCode, exitCode);
 }
@@ -197,21 +200,21 @@ void tst_KvxSteps::headIsRead_data()
     const auto row = [](const char *tag, const QStringList &lines, int line, const QString &problem) {
         QTest::newRow(tag) << lines << line << problem;
     };
-    const auto with = [](const QString &line) { return head + QStringList{line}; };
-    row("whole", head, 0, {});
+    const auto with = [](const QString &line) { return head() + QStringList{line}; };
+    row("whole", head(), 0, {});
     row("severity", with(u"# severity: note"_s), 0, {});
     row("other-blanks", {u"#title:T"_s, u"#  why:  W "_s, u"# level: load\r"_s}, 0, {});
     row("ends", with({}) + QStringList{u"# unknown: behind the head"_s}, 0, {});
     row("other-comment", with(u"# Level is a word here: no key"_s), 0, {});
     const QString missing = u"the head has no %1; write \"# %1: ...\" in the first lines"_s;
     row("nothing", {u"stop"_s}, 1, missing.arg(u"title"_s));
-    row("no-title", head.mid(1), 3, missing.arg(u"title"_s));
-    row("no-why", {head.at(0), head.at(2)}, 3, missing.arg(u"why"_s));
-    row("no-level", head.mid(0, 2), 3, missing.arg(u"level"_s));
-    row("behind-a-line", QStringList{QString()} + head, 1, missing.arg(u"title"_s));
+    row("no-title", head().mid(1), 3, missing.arg(u"title"_s));
+    row("no-why", {head().at(0), head().at(2)}, 3, missing.arg(u"why"_s));
+    row("no-level", head().mid(0, 2), 3, missing.arg(u"level"_s));
+    row("behind-a-line", QStringList{QString()} + head(), 1, missing.arg(u"title"_s));
     row("unknown", with(u"# author: me"_s), 4,
         u"\"author\" is no key of a head; there are title, why, level, severity, system"_s);
-    row("twice", with(head.first()), 4, u"the head has \"title\" twice; delete one of the lines"_s);
+    row("twice", with(head().constFirst()), 4, u"the head has \"title\" twice; delete one of the lines"_s);
     row("empty", {u"# title: "_s}, 1, u"the title is empty; write it behind the colon"_s);
     row("level", {u"# level: all"_s}, 1, u"\"all\" is no level; write load, contract, stress"_s);
     row("severity-unknown", with(u"# severity: bad"_s), 4,
@@ -238,9 +241,12 @@ void tst_KvxSteps::otherSystemIsSkipped()
     const QStringList scenario{u"mouse 1"_s, u"expect dpiMin 0"_s};
     const QString own = ThisSystem::isWindows ? u"windows"_s : u"linux"_s;
     const QString other = ThisSystem::isWindows ? u"linux"_s : u"windows"_s;
-    QCOMPARE(playSteps(head + QStringList{u"# system: "_s + own} + scenario).result()["result"_L1].toString(),
+    QCOMPARE(playSteps(head() + QStringList{u"# system: "_s + own} + scenario)
+                 .result()
+                 .value("result"_L1)
+                 .toString(),
              u"pass"_s);
-    const Steps steps = playSteps(head + QStringList{u"# system: "_s + other} + scenario);
+    const Steps steps = playSteps(head() + QStringList{u"# system: "_s + other} + scenario);
     QCOMPARE(steps.result(),
              resultOf(u"skipped"_s, 0, ThisSystem::isWindows ? u"for Linux only"_s : u"for Windows only"_s,
                       {}, {}, 0));
@@ -250,15 +256,15 @@ void tst_KvxSteps::otherSystemIsSkipped()
 
 void tst_KvxSteps::libraryCannotBeLoaded()
 {
-    const Steps steps = playSteps(head + QStringList{u"mouse 1"_s}, u"/nowhere/x.so"_s);
-    QCOMPARE(steps.result()["result"_L1].toString(), u"unloadable"_s);
-    QVERIFY(steps.result()["message"_L1].toString().contains(u"does not exist"_s));
+    const Steps steps = playSteps(head() + QStringList{u"mouse 1"_s}, u"/nowhere/x.so"_s);
+    QCOMPARE(steps.result().value("result"_L1).toString(), u"unloadable"_s);
+    QVERIFY(steps.result().value("message"_L1).toString().contains(u"does not exist"_s));
     QCOMPARE(steps.exitCode, 2);
 }
 
 void tst_KvxSteps::receiversPartIsBegun()
 {
-    const Steps steps = playSteps(head + QStringList{u"mouse 1"_s, u"start"_s, u"expect dpiMax 8000"_s});
+    const Steps steps = playSteps(head() + QStringList{u"mouse 1"_s, u"start"_s, u"expect dpiMax 8000"_s});
     QCOMPARE(steps.exitCode, 0);
     const QStringList begun = steps.of("began"_L1);
     QVERIFY(begun.contains(u"receiver getFirmwareVersion() -> 258"_s));
@@ -269,8 +275,8 @@ void tst_KvxSteps::gettersAreInTheTimelineFile()
 {
     const QTemporaryDir folder;
     qputenv("KVX_TIMELINE_FOLDER", folder.path().toUtf8());
-    const Steps steps =
-        playSteps(head + QStringList{u"mouse 9"_s, u"expect deviceType 2"_s, u"expect timeline call x()"_s});
+    const Steps steps = playSteps(
+        head() + QStringList{u"mouse 9"_s, u"expect deviceType 2"_s, u"expect timeline call x()"_s});
     qunsetenv("KVX_TIMELINE_FOLDER");
     const QStringList files = QDir(folder.path()).entryList(QDir::Files);
     QCOMPARE(files.size(), 1);
@@ -287,7 +293,7 @@ void tst_KvxSteps::gettersAreInTheTimelineFile()
     QCOMPARE(calls, QStringList({u" initialize"_s, u"9 createLogicalDevice"_s, u"9 deviceType"_s,
                                  u"9 destroyDevice"_s}));
     // What is compared has no getters.
-    QCOMPARE(steps.result()["actual"_L1].toArray().last().toString(), u"call createLogicalDevice()"_s);
+    QCOMPARE(steps.result().value("actual"_L1).toArray().last().toString(), u"call createLogicalDevice()"_s);
 }
 
 QTEST_GUILESS_MAIN(tst_KvxSteps)

@@ -18,7 +18,8 @@ constexpr qint64 largestScenario = 1 << 20;  // bytes
 QStringList expectedBehind(const QStringList &lines, qsizetype index)
 {
     QStringList expected;
-    for (const QString &line : lines.mid(index + 1)) {
+    const QStringList behind = lines.mid(index + 1);
+    for (const QString &line : behind) {
         const QString command = withoutComment(line);
         if (command.startsWith(u"= "))
             expected.append(behindFirstWord(line));
