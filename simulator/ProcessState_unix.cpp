@@ -48,7 +48,7 @@ qint64 countedBytes()
 {
     const struct mallinfo2 heap = mallinfo2();
     // The blocks that the heap has from its arenas, and those that it has from the system one by one.
-    return static_cast<qint64>(heap.uordblks + heap.hblkhd);
+    return static_cast<qint64>(heap.uordblks) + static_cast<qint64>(heap.hblkhd);
 }
 
 }  // namespace

@@ -7,16 +7,19 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-const QStringList started{u"answer-delay 0"_s, u"mouse 1"_s, u"start"_s};
+QStringList started()
+{
+    return {u"answer-delay 0"_s, u"mouse 1"_s, u"start"_s};
+}
 
 KvxRun playStarted(const QStringList &lines)
 {
-    return playLines(started + lines);
+    return playLines(started() + lines);
 }
 
 KvxRun playWithSeed(int seed)
 {
-    const QStringList lines = started + QStringList{u"random 60"_s};
+    const QStringList lines = started() + QStringList{u"random 60"_s};
     return runKvx({u"run"_s, u"--seed"_s, QString::number(seed), u"--plugin"_s,
                    PluginFixture::builtPluginFile(), u"-"_s},
                   lines.join(u'\n').toUtf8());

@@ -78,7 +78,9 @@ bool takesLong(const QStringList &words)
     constexpr int mostCopies = 3;
     const qsizetype repeat = words.indexOf(u"repeat"_s);
     const std::optional<int> copies = numberOf(words.value(repeat + 1));
-    return words.value(0) == u"resend-limit" || (repeat >= 0 && copies && *copies > mostCopies);
+    const bool isMany =
+        words.value(0) == u"parallel" || (words.value(0) == u"random" && words.value(1).size() > 1);
+    return isMany || words.value(0) == u"resend-limit" || (repeat >= 0 && copies && *copies > mostCopies);
 }
 
 void checkResult(const QString &line, const QStringList &words, const CommandResult &result)
