@@ -27,23 +27,6 @@ int compareName(dl_phdr_info *library, std::size_t /*size*/, void *data)
     return search->isFound ? 1 : 0;
 }
 
-// The heap counts freed blocks that a thread keeps for its next allocation as in use. Afterwards it is as
-// many as it can keep of each size, so that they do not differ from one measurement to the next.
-void fillCacheOfFreedBlocks()
-{
-    constexpr std::size_t largest = 1032;
-    constexpr std::size_t step = 16;
-    constexpr int mostOfASize = 16;
-    std::vector<void *> blocks;
-    blocks.reserve(mostOfASize * (largest / step + 1));
-    for (std::size_t size = step + step / 2; size <= largest; size += step) {
-        for (int count = 0; count < mostOfASize; ++count)
-            blocks.push_back(std::malloc(size));
-    }
-    for (void *block : blocks)
-        std::free(block);
-}
-
 qint64 countedBytes()
 {
     const struct mallinfo2 heap = mallinfo2();
@@ -72,8 +55,22 @@ int openHandleCount()
 std::optional<qint64> heapInUse()
 {
     constexpr qsizetype probe = 100000;
-    fillCacheOfFreedBlocks();
     const qint64 before = countedBytes();
     const QByteArray block(probe, Qt::Uninitialized);
     return countedBytes() >= before + probe ? std::optional<qint64>(before) : std::nullopt;
+}
+
+void fillCacheOfFreedBlocks()
+{
+    constexpr std::size_t largest = 1032;
+    constexpr std::size_t step = 16;
+    constexpr int mostOfASize = 16;
+    std::vector<void *> blocks;
+    blocks.reserve(mostOfASize * (largest / step + 1));
+    for (std::size_t size = step + step / 2; size <= largest; size += step) {
+        for (int count = 0; count < mostOfASize; ++count)
+            blocks.push_back(std::malloc(size));
+    }
+    for (void *block : blocks)
+        std::free(block);
 }

@@ -174,6 +174,8 @@ private:
     CommandResult end(const QStringList &words);
     CommandResult parallel(const QStringList &words);
     CommandResult expectNoGrowth();
+    /// The bytes of the heap in use, without those that the threads have freed more or fewer of.
+    std::optional<qint64> steadyHeap();
     CommandResult expectAgreement();
     void noteSignals();
 

@@ -28,7 +28,7 @@ CommandResult Scenario::end(const QStringList & /*words*/)
     m_workbench.timeline.clear();
     ++m_repeat.done;
     if (m_repeat.done == m_repeat.rounds / 2) {
-        m_repeat.heapAtHalf = heapInUse();
+        m_repeat.heapAtHalf = steadyHeap();
         m_repeat.handlesAtHalf = openHandleCount();
     }
     m_repeat.isOpen = m_repeat.done < m_repeat.rounds;
@@ -56,6 +56,13 @@ CommandResult Scenario::parallel(const QStringList &words)
     return settle();
 }
 
+std::optional<qint64> Scenario::steadyHeap()
+{
+    m_workbench.runOnOtherThread([] { fillCacheOfFreedBlocks(); });
+    fillCacheOfFreedBlocks();
+    return heapInUse();
+}
+
 CommandResult Scenario::expectNoGrowth()
 {
     // Blocks are not always as large as what was asked for, so the sum varies by some bytes.
@@ -63,7 +70,7 @@ CommandResult Scenario::expectNoGrowth()
     if (m_repeat.isOpen || m_repeat.done == 0)
         return CommandResult::unusable(
             u"there is nothing to measure yet; put \"repeat N ... end\" before it"_s);
-    const std::optional<qint64> heap = heapInUse();
+    const std::optional<qint64> heap = steadyHeap();
     if (!heap || !m_repeat.heapAtHalf)
         return CommandResult::notChecked(
             u"the heap cannot be measured, a sanitizer or valgrind has taken its place"_s);
