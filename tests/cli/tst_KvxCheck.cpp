@@ -24,7 +24,7 @@ constexpr QLatin1StringView hang{"lock-taken-twice"};
 // Scenarios that meet those faults.
 const QStringList passes{u"mouse 1"_s, u"expect modelCode RV418"_s};
 const QStringList makesNoDevice{u"expect metadata {\"IID\":\"com.orvane.KVX.Plugin.LogicalDevice.RV418\","
-                                "\"className\":\"LogicalDevicePlugin\"}"_s};
+                                "\"archlevel\":0,\"className\":\"LogicalDevicePlugin\"}"_s};
 const QStringList requestsARate{
     u"mouse 1"_s,
     u"start"_s,

@@ -24,7 +24,7 @@ constexpr int mostMilliseconds = 120000;
 
 const QStringList hangs{u"mouse 1"_s, u"start"_s, u"expect modelCode RV418"_s};
 const QStringList passes{u"expect metadata {\"IID\":\"com.orvane.KVX.Plugin.LogicalDevice.RV418\","
-                         "\"className\":\"LogicalDevicePlugin\"}"_s};
+                         "\"archlevel\":0,\"className\":\"LogicalDevicePlugin\"}"_s};
 const QStringList fails{u"expect metadata {}"_s};
 
 // How many processes have all the words among their own.

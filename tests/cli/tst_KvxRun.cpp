@@ -235,7 +235,7 @@ void tst_KvxRun::failedExpectations_data()
     QTest::newRow("metadata")
         << u"expect metadata {}"_s
         << u"the metadata: expected {}, seen {\"IID\":\"com.orvane.KVX.Plugin.LogicalDevice.RV418\","
-           "\"className\":\"LogicalDevicePlugin\"}"_s;
+           "\"archlevel\":0,\"className\":\"LogicalDevicePlugin\"}"_s;
     QTest::newRow("slot")
         << u"slot onNothing"_s
         << u"the device's slots: expected onNothing, seen "
