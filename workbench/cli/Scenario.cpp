@@ -197,7 +197,7 @@ CommandResult Scenario::execute(const QString &line, std::optional<qsizetype> in
     m_lastAction = m_workbench.timeline.lastSequence();
     CommandResult result = dispatch(*command, *words);
     CommandResult inside = takeInsideResult();
-    return result.code == ExitCode::Success ? inside : result;
+    return result.code == ExitCode::Success && inside.code != ExitCode::Success ? inside : result;
 }
 
 CommandResult Scenario::finish()
