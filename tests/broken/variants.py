@@ -6,7 +6,8 @@ from pathlib import Path
 
 HERE = Path(__file__).resolve().parent
 PRODUCT = HERE.parent.parent
-WAYS = ("fail", "crash", "hang", "load")
+PAGE = PRODUCT / "docs" / "testing.md"
+WAYS = ("fail", "crash", "timeout", "load")
 BUILDS = ("linux", "sanitized", "windows")
 
 # The keys of a variant in the file, and what they are called here.
@@ -20,11 +21,11 @@ KEYS = {
     "moc": "moc",
     "options": "options",
     "link-options": "link_options",
-    "test": "test",
+    "scenario": "scenario",
     "by": "by",
-    "says": "says",
+    "test": "test",
+    "unseen": "unseen",
     "raw-host": "raw_host",
-    "session": "session",
     "without": "without",
     "reason": "reason",
 }
@@ -38,12 +39,12 @@ class BadInput(Exception):
 class Variant:
     name: str
     category: str
-    test: str
     file: str = ""
+    scenario: str = ""
     by: str = "fail"
-    says: str = ""
+    test: str = ""
+    unseen: str = ""
     raw_host: str = ""
-    session: str = ""
     old: str = ""
     new: str = ""
     compile: list = field(default_factory=list)
@@ -52,15 +53,6 @@ class Variant:
     link_options: list = field(default_factory=list)
     without: list = field(default_factory=list)
     reason: str = ""
-
-    @property
-    def program(self):
-        return self.test.partition("::")[0]
-
-    @property
-    def function(self):
-        """Empty when the test is a check that is no test program."""
-        return self.test.partition("::")[2]
 
     @property
     def sources(self):
@@ -83,8 +75,8 @@ class Variant:
         """What is wrong with it, or nothing."""
         if self.by not in WAYS:
             return f"by is one of {', '.join(WAYS)}"
-        if not self.function and not self.says:
-            return "test is program::function, or a check and what it says"
+        if bool(self.scenario) == bool(self.test) or bool(self.test) != bool(self.unseen):
+            return "it has a scenario, or a test and why no scenario can see it (unseen)"
         if self.category == "slot order" and self.file.startswith("interfaces/") and not self.raw_host:
             return "a fault in an interface's table has a raw-host"
         if not (self.old or self.options or self.link_options):
@@ -118,7 +110,7 @@ def read_variants(path=HERE / "variants.toml"):
 
 
 def variant_of(entry):
-    missing = {"name", "category", "test"} - entry.keys()
+    missing = {"name", "category"} - entry.keys()
     if missing:
         raise BadInput(f"a variant has no {', '.join(sorted(missing))}: {entry}")
     unknown = entry.keys() - KEYS.keys()
@@ -128,3 +120,14 @@ def variant_of(entry):
     if variant.problem():
         raise BadInput(f"{variant.name}: {variant.problem()}")
     return variant
+
+
+def page_with_table(page, variants):
+    """The text of the page, with the table of the variants between its marks."""
+    before, begin, rest = page.partition("<!-- table -->\n")
+    _, end, after = rest.partition("<!-- end -->\n")
+    if not begin or not end:
+        raise BadInput(f"{PAGE} has no <!-- table --> and <!-- end --> to write between")
+    rows = ["| Library | What is wrong | Fails | Verdict |", "|---|---|---|---|"]
+    rows += [f"| {each.name} | {each.category} | {each.scenario or each.test} | {each.by} |" for each in variants]
+    return "\n".join([before + begin, *rows, "", end + after])
