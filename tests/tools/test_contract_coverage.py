@@ -12,7 +12,8 @@ TABLES = {
     "IPhysicalDeviceDongle": "0 void IPhysicalDeviceDongle::reserved0() [pure]\n1 bool Dongle::setRate(DeviceId, int) [pure]\n",
     "IHostServices": "0 void IHostServices::buttonEvent(const QString &, int, bool) [pure]\n",
 }
-METHODS = '    "signal ppidChanged(QString ppid)",\n    "private slot onPPIDChanged(QString ppid)",\n'
+SIGNALS = "device 1 none\nexpect method 0 signal ppidChanged(QString ppid)\n"
+SLOTS = "expect method 1 private slot onPPIDChanged(QString ppid)\nexpect method 2\n"
 PLUGIN_HEADER = """#define deviceDebug() \\
     GATED_LOG(debugLogEnabled(), qCDebug(deviceLog))
 """
@@ -80,7 +81,8 @@ class ContractCoverage(ToolTest):
         self.timelines = self.base / "timelines"
         for name, text in TABLES.items():
             self.write(f"tests/abi/tables/{name}.txt", text)
-        self.write("tests/features/tst_MetaObject.cpp", METHODS)
+        self.write("contract/entry-points/signals.kvx", SIGNALS)
+        self.write("contract/entry-points/slots.kvx", SLOTS)
         self.write("plugin/GatedLog.h", PLUGIN_HEADER)
         self.write("plugin/Plugin.cpp", PLUGIN)
         self.write("plugin/Device.cpp", DEVICE)
@@ -184,7 +186,7 @@ class ContractCoverage(ToolTest):
             (first, '{"schemaVersion":2}\n', f"{first}: its schema version is 2, not 1"),
             ("tests/abi/tables/IHostServices.txt", "nothing\n",
              "IHostServices.txt:1: this is no slot of a table: 'nothing'"),
-            ("tests/features/tst_MetaObject.cpp", "", "tst_MetaObject.cpp: no signal"),
+            ("contract/entry-points/signals.kvx", "", "entry-points: no scenario expects a signal"),
             ("plugin/New.cpp", "void f()\n{\n    deviceDebug() << rate;\n}\n",
              "New.cpp: the log line '<< rate' does not begin with a literal text"),
             ("plugin/New.cpp", 'void f()\n{\n    deviceDebug().nospace() << "text";\n    deviceDebug()\n',
