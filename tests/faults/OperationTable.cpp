@@ -175,8 +175,9 @@ const std::vector<OperationWithoutRow> &operationsWithoutRow()
     static const std::vector<OperationWithoutRow> operations{
         {"start",
          "it leads from one moment of a device's life to another: tests of its own in tst_OperationOrder"},
-        {"instanceNumber", "depends on the start alone, not on the receiver: tst_InstanceRegistry"},
-        {"~ILogicalDeviceGen3Mouse", "the device's last operation, which cannot come twice: tst_TableSlots"},
+        {"instanceNumber", "depends on the start alone, not on the receiver: contract/registry/"},
+        {"~ILogicalDeviceGen3Mouse",
+         "the device's last operation, which cannot come twice: contract/factory/"},
         {"~ILogicalDeviceGen3", "the same through the other table"},
     };
     return operations;

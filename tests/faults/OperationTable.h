@@ -35,7 +35,7 @@ using Operations = std::vector<Operation>;
 /// All but those without a row.
 const Operations &everyOperation();
 
-/// Operations without a row in the table, and the test that has them.
+/// Operations without a row in the table, and where they are tested.
 struct OperationWithoutRow
 {
     const char *name;
@@ -43,7 +43,7 @@ struct OperationWithoutRow
 };
 
 /// The signals have none either, though they stand in the tables: hosts connect to them and never call them, and what
-/// a call of one does is told in tst_TableSlots.
+/// a call of one does is in contract/entry-points/.
 const std::vector<OperationWithoutRow> &operationsWithoutRow();
 
 /// A started device with a known DPI range. Its receiver has since lost the support of the smart pointer.

@@ -2,8 +2,11 @@
 #include "PluginFixture.h"
 #include "TimelineText.h"
 
+#include <QtCore/QThread>
 #include <QtTest/QTest>
 
+#include <functional>
+#include <memory>
 #include <vector>
 
 using namespace Qt::StringLiterals;
@@ -37,14 +40,13 @@ private Q_SLOTS:
     void buttonAndSlotRequestsArePendingApart();
     void buttonRequestDoesNotEndASlotRequest();
     void confirmedSlotValuesServeTheNextSlotChange();
-    void resetWhileButtonsAreDiverted();
-    void capabilityChangeLeavesDiversionAlone();
     void twoDevicesOnOneReceiver();
     void requestOfOneDeviceDestroyedByAnother();
     void reportFromAWorkerWhileTheHostRequests();
     void allFlagsPendingAtOnce();
-    void secondStartKeepsPendingRequests();
     void manyDevicesComeAndGo();
+    void deviceWithoutAThreadSignalsWhenItGetsOne();
+    void threadThatFollowsTheDevicesOwnIsAnother();
 };
 
 void tst_Meetings::slotChangeWhileSlotValuesArePending()
@@ -131,35 +133,6 @@ void tst_Meetings::confirmedSlotValuesServeTheNextSlotChange()
                    u"signal activeDpiSlotIndexChanged(1)"_s, u"signal dpiValueChanged(200)"_s});
     device.activeDpiSlotIndexChangedCallBack(2);
     QCOMPARE(device.device()->dpiValue(), 350);
-}
-
-void tst_Meetings::resetWhileButtonsAreDiverted()
-{
-    PluginFixture fixture({false, false, false});
-    HostedDevice &device = fixture.started();
-    device.disbaleButtonsOrKeys({1, 5});
-    device.mouseEventCallBack(0x11);
-    fixture.take();
-    device.resetSettings();
-    COMPARE_LINES(fixture.take(), {u"call resetSettings()"_s});
-    // The diverted buttons go on being reported.
-    device.mouseEventCallBack(0x10);
-    COMPARE_LINES(fixture.take(),
-                  {u"call mouseEventCallBack(16)"_s,
-                   u"host buttonEvent(\"com.orvane.KVX.Plugin.LogicalDevice.RV418\", 1, false)"_s});
-}
-
-void tst_Meetings::capabilityChangeLeavesDiversionAlone()
-{
-    PluginFixture fixture({false, false, false});
-    HostedDevice &device = fixture.started();
-    device.disbaleButtonsOrKeys({2});
-    fixture.receiver.answers.isSmartPointerSupported = false;
-    fixture.take();
-    device.capabilityChangedCallBack(0);
-    COMPARE_LINES(fixture.take(),
-                  {u"call capabilityChangedCallBack(0)"_s, u"receiver isSmartPointerSupported() -> false"_s,
-                   u"signal isSmartPointerSupportedChanged(false)"_s});
 }
 
 void tst_Meetings::twoDevicesOnOneReceiver()
@@ -252,25 +225,6 @@ void tst_Meetings::allFlagsPendingAtOnce()
     QVERIFY(mouse.isDpiSlotValuesChangePending());
 }
 
-void tst_Meetings::secondStartKeepsPendingRequests()
-{
-    PluginFixture fixture({false, false, false});
-    HostedDevice &device = fixture.started();
-    reportRange(fixture);
-    device.setDpiSlotValues(texts("200 300 400 500 600"));
-    device.setActiveDpiSlotIndex(3);
-    device.setDpiButtonId(6);
-    device.setReportRate(1000);
-    device.start();
-    QVERIFY(device.device()->isDpiSlotValuesChangePending());
-    QVERIFY(device.device()->isActiveDpiSlotIndexChangePending());
-    QVERIFY(device.device()->isDpiButtonIdChangePending());
-    QVERIFY(device.device()->isReportRateChangePending());
-    // The start read the rate in force, without a signal.
-    QCOMPARE(device.device()->reportRate(), 500);
-    QCOMPARE(device.device()->dpiMin(), 100);
-}
-
 void tst_Meetings::manyDevicesComeAndGo()
 {
     PluginFixture fixture({false, false, false});
@@ -283,6 +237,51 @@ void tst_Meetings::manyDevicesComeAndGo()
         fixture.destroy(*devices.at(index));
     for (size_t index = 1; index < devices.size(); index += 2)
         QCOMPARE(devices.at(index)->device()->instanceNumber(), static_cast<int>(index) / 2 + 1);
+}
+
+void tst_Meetings::deviceWithoutAThreadSignalsWhenItGetsOne()
+{
+    PluginFixture fixture({false, false, false});
+    OtherThread other;
+    HostedDevice *device = nullptr;
+    other.run([&] {
+        // Off the factory's thread, so it has no parent, which would bind it to that.
+        device = &fixture.create();
+        device->object()->moveToThread(nullptr);
+    });
+    fixture.take();
+    device->setBatteryLevel(40);
+    deliverQueuedCalls();
+    COMPARE_LINES(fixture.take(), {u"call setBatteryLevel(40)"_s});
+    device->object()->moveToThread(QThread::currentThread());
+    deliverQueuedCalls();
+    COMPARE_LINES(fixture.take(), {u"signal batteryLevelChanged(40)"_s});
+    fixture.destroy(*device);
+}
+
+void tst_Meetings::threadThatFollowsTheDevicesOwnIsAnother()
+{
+    PluginFixture fixture({false, false, false});
+    HostedDevice *device = nullptr;
+    const auto runOnAThread = [](const std::function<void()> &function) {
+        std::unique_ptr<QThread> thread(QThread::create(function));
+        thread->start();
+        thread->wait();
+        return thread;
+    };
+    const std::unique_ptr<QThread> own = runOnAThread([&] { device = &fixture.create(); });
+    fixture.take();
+    // Systems give the number of a thread that has ended to one of the next.
+    constexpr int followers = 50;
+    for (int follower = 0; follower < followers; ++follower) {
+        runOnAThread([&] {
+            device->device()->setFirmwareVersion(7);
+            device->device()->setBatteryLevel(follower);
+        });
+    }
+    QCOMPARE(device->device()->firmwareVersion(), 0U);
+    COMPARE_LINES(fixture.take(), {});
+    fixture.destroy(*device);
 }
 
 QTEST_GUILESS_MAIN(tst_Meetings)

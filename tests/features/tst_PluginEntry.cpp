@@ -10,9 +10,7 @@
 #include <QtCore/QFileInfo>
 #include <QtCore/QLibrary>
 #include <QtCore/QLoggingCategory>
-#include <QtCore/QPluginLoader>
 #include <QtCore/QPointer>
-#include <QtCore/QScopeGuard>
 #include <QtCore/QTemporaryDir>
 #include <QtTest/QTest>
 
@@ -135,11 +133,6 @@ private:
     inline static int created = 0;
 };
 
-QString pluginDebugLine(const QString &text)
-{
-    return u"debug RV418.LogicalDevicePlugin: "_s + text;
-}
-
 /// A device of somebody else's making.
 class ForeignDevice : public IDevice
 {
@@ -179,28 +172,15 @@ private Q_SLOTS:
     void metaDataQueryCreatesNothing();
     void instanceIsOneUntilDeleted();
     void instanceHasNoParent();
-    void loaderFindsTheFactory();
-    void factoryMetaObject();
     void factoryCastAnswers_data();
     void factoryCastAnswers();
-    void silentUntilInitialized();
-    void everySwitchOpensItsSeverityOnly_data();
-    void everySwitchOpensItsSeverityOnly();
-    void initializeMayBeCalledAgain();
-    void closedSwitchesCreateNoLine();
     void closedSwitchesMakeNoCategory();
     void categoriesAreMadeWithTheirFirstLine();
-    void categoriesHaveTheirNames();
-    void categoriesCanBeFilteredByQt_data();
-    void categoriesCanBeFilteredByQt();
     void createParentsTheDevice();
     void createChecksNothing();
     void createOffTheFactorysThread();
     void destroyNull();
     void destroyForeignDevice();
-    void destroyDeletes();
-    void factoryTakesItsDevicesAlong();
-    void unloadTakesTheLibraryOut();
 };
 
 void tst_PluginEntry::metaDataHeader()
@@ -280,33 +260,6 @@ void tst_PluginEntry::instanceHasNoParent()
     QCOMPARE(fixture.host.root()->thread(), QThread::currentThread());
 }
 
-void tst_PluginEntry::loaderFindsTheFactory()
-{
-    QPluginLoader loader;
-    loader.setLoadHints({});
-    loader.setFileName(PluginFixture::builtPluginFile());
-    const QJsonObject metaData = loader.metaData();
-    QCOMPARE(metaData.value(u"IID").toString(), u"com.orvane.KVX.Plugin.LogicalDevice.RV418"_s);
-    QCOMPARE(metaData.value(u"className").toString(), u"LogicalDevicePlugin"_s);
-    QVERIFY(!metaData.contains(u"MetaData"));
-    QVERIFY(!loader.isLoaded());
-    QObject *root = loader.instance();
-    QVERIFY2(root, qPrintable(loader.errorString()));
-    QVERIFY(qobject_cast<IDevicePlugin *>(root));
-    QVERIFY(qobject_cast<ILogicalDevicePlugin *>(root));
-    QVERIFY(loader.unload());
-}
-
-void tst_PluginEntry::factoryMetaObject()
-{
-    PluginFixture fixture;
-    const QMetaObject *metaObject = fixture.host.root()->metaObject();
-    QCOMPARE(QByteArray(metaObject->className()), QByteArray("LogicalDevicePlugin"));
-    QCOMPARE(metaObject->superClass(), &QObject::staticMetaObject);
-    QCOMPARE(metaObject->methodCount(), metaObject->methodOffset());
-    QCOMPARE(metaObject->propertyCount(), metaObject->propertyOffset());
-}
-
 void tst_PluginEntry::factoryCastAnswers_data()
 {
     QTest::addColumn<QByteArray>("name");
@@ -339,90 +292,6 @@ void tst_PluginEntry::factoryCastAnswers()
     QCOMPARE(root->qt_metacast(name.isNull() ? nullptr : name.constData()), expected);
 }
 
-void tst_PluginEntry::silentUntilInitialized()
-{
-    // Under this name a start has something of each severity to say.
-    const QTemporaryDir folder;
-    const QString renamed = renamedLibrary(folder);
-    Timeline timeline;
-    LogRecorder recorder(timeline);
-    FakeReceiver receiver(timeline);
-    {
-        PluginHost host(timeline);
-        QVERIFY(!host.load(renamed));
-        std::unique_ptr<HostedDevice> onReceiver = host.createDevice(&receiver, 1);
-        std::unique_ptr<HostedDevice> onNothing = host.createDevice(nullptr, 2);
-        onReceiver->start();
-        onNothing->start();
-        receiver.answers.acceptsRequests = false;
-        onReceiver->setReportRate(1000);
-        onNothing->setReportRate(1000);
-        onReceiver->stop();
-        host.destroyDevice(std::move(onReceiver));
-        host.destroyDevice(std::move(onNothing));
-    }
-    const QList<TimelineEntry> entries = timeline.entries();
-    for (const TimelineEntry &entry : entries)
-        QVERIFY2(entry.kind != TimelineEntry::Kind::Log,
-                 qPrintable(Timeline::line(entry, Timeline::Style::Plain)));
-}
-
-void tst_PluginEntry::everySwitchOpensItsSeverityOnly_data()
-{
-    QTest::addColumn<bool>("debug");
-    QTest::addColumn<bool>("warning");
-    QTest::newRow("none") << false << false;
-    QTest::newRow("debug") << true << false;
-    QTest::newRow("warning") << false << true;
-    QTest::newRow("both") << true << true;
-}
-
-void tst_PluginEntry::everySwitchOpensItsSeverityOnly()
-{
-    QFETCH(const bool, debug);
-    QFETCH(const bool, warning);
-    // A device without a receiver writes debug lines and one warning; criticals are tested with the library
-    // lookup.
-    PluginFixture fixture({debug, warning, true});
-    fixture.create(nullptr, 1).start();
-    QStringList expected{u"call start() -> true"_s};
-    if (debug)
-        expected += debugLine(u"start enter"_s);
-    if (warning)
-        expected += warningLine(u"Unable to get IPhysicalDeviceDongle interface"_s);
-    expected += u"signal instanceNumberChanged(0)"_s;
-    if (debug)
-        expected += debugLine(u"start exit"_s);
-    COMPARE_LINES(fixture.take(), expected);
-}
-
-void tst_PluginEntry::initializeMayBeCalledAgain()
-{
-    PluginFixture fixture({true, true, true});
-    HostedDevice &device = fixture.create();
-    QVERIFY(fixture.host.initialize(nullptr, false, false, false));
-    fixture.take();
-    device.stop();
-    COMPARE_LINES(fixture.take(), {u"call stop()"_s, u"signal stopped(\"this\")"_s});
-    QVERIFY(fixture.host.initialize(&fixture.hostServices, true, false, false));
-    fixture.take();
-    device.stop();
-    COMPARE_LINES(fixture.take(), {u"call stop()"_s, debugLine(u"stop enter"_s),
-                                   u"signal stopped(\"this\")"_s, debugLine(u"stop exit"_s)});
-}
-
-void tst_PluginEntry::closedSwitchesCreateNoLine()
-{
-    // Qt's own filter would let the lines through; the switch comes first.
-    QLoggingCategory::setFilterRules(u"com.orvane.*=true"_s);
-    {
-        PluginFixture fixture({false, false, false});
-        fixture.create(nullptr, 1).start();
-        COMPARE_LINES(fixture.take(), {u"call start() -> true"_s, u"signal instanceNumberChanged(0)"_s});
-    }
-    QLoggingCategory::setFilterRules(QString());
-}
-
 void tst_PluginEntry::closedSwitchesMakeNoCategory()
 {
     const QTemporaryDir folder;
@@ -441,62 +310,6 @@ void tst_PluginEntry::categoriesAreMadeWithTheirFirstLine()
     COMPARE_LINES(MadeCategories::take(), {deviceCategory});
     fixture.host.unload();
     COMPARE_LINES(MadeCategories::take(), {pluginCategory});
-}
-
-void tst_PluginEntry::categoriesHaveTheirNames()
-{
-    Timeline timeline;
-    LogRecorder recorder(timeline);
-    {
-        PluginHost host(timeline);
-        QVERIFY(!host.load(PluginFixture::builtPluginFile()));
-        host.initialize(nullptr, true, true, true);
-        host.destroyDevice(host.createDevice(nullptr, 1));
-    }
-    QStringList categories;
-    const QList<TimelineEntry> entries = timeline.entries();
-    for (const TimelineEntry &entry : entries) {
-        if (entry.kind == TimelineEntry::Kind::Log)
-            categories.append(entry.category);
-    }
-    COMPARE_LINES(categories,
-                  {deviceCategory, deviceCategory, deviceCategory, deviceCategory, pluginCategory});
-}
-
-void tst_PluginEntry::categoriesCanBeFilteredByQt_data()
-{
-    QTest::addColumn<QString>("rule");
-    QTest::addColumn<QString>("missing");
-    QTest::newRow("device-debug") << deviceCategory + u".debug=false"_s << debugLine({});
-    QTest::newRow("device-warning") << deviceCategory + u".warning=false"_s << warningLine({});
-    QTest::newRow("device-critical") << deviceCategory + u".critical=false"_s << criticalLine({});
-    QTest::newRow("factory-debug") << pluginCategory + u".debug=false"_s << pluginDebugLine({});
-}
-
-void tst_PluginEntry::categoriesCanBeFilteredByQt()
-{
-    QFETCH(const QString, rule);
-    QFETCH(const QString, missing);
-    QStringList expected{u"call createLogicalDevice()"_s,
-                         debugLine(u"LogicalDevice enter"_s),
-                         debugLine(u"LogicalDevice exit"_s),
-                         u"call start() -> false"_s,
-                         debugLine(u"start enter"_s),
-                         warningLine(u"Unable to get IPhysicalDeviceDongle interface"_s),
-                         u"signal instanceNumberChanged(0)"_s,
-                         criticalLine(u"GetModuleHandleA failed, gle : \"0x7e\""_s),
-                         debugLine(u"start exit"_s),
-                         u"call destroyDevice()"_s,
-                         debugLine(u"~LogicalDevice enter"_s),
-                         debugLine(u"~LogicalDevice exit"_s),
-                         pluginDebugLine(u"~LogicalDevicePlugin"_s)};
-    expected.removeIf([&](const QString &line) { return line.startsWith(missing); });
-    const auto removeRule = qScopeGuard([] { QLoggingCategory::setFilterRules({}); });
-    QLoggingCategory::setFilterRules(rule);
-    const QTemporaryDir folder;
-    PluginFixture fixture({true, true, true}, renamedLibrary(folder));
-    liveAloud(fixture);
-    COMPARE_LINES(fixture.take(), expected);
 }
 
 void tst_PluginEntry::createParentsTheDevice()
@@ -549,63 +362,6 @@ void tst_PluginEntry::destroyForeignDevice()
     COMPARE_LINES(fixture.take(), {});
     QCOMPARE(device.device()->instanceNumber(), 0);
     QCOMPARE(fixture.host.root()->children().size(), qsizetype(1));
-}
-
-void tst_PluginEntry::destroyDeletes()
-{
-    PluginFixture fixture;
-    HostedDevice &device = fixture.started();
-    QPointer<QObject> object(device.object());
-    fixture.destroy(device);
-    QVERIFY(!object);
-    QCOMPARE(fixture.host.root()->children().size(), qsizetype(0));
-}
-
-void tst_PluginEntry::factoryTakesItsDevicesAlong()
-{
-    Timeline timeline;
-    LogRecorder recorder(timeline);
-    FakeReceiver receiver(timeline);
-    std::unique_ptr<HostedDevice> first;
-    std::unique_ptr<HostedDevice> second;
-    QPointer<QObject> firstObject;
-    {
-        PluginHost host(timeline);
-        QVERIFY(!host.load(PluginFixture::builtPluginFile()));
-        host.initialize(nullptr, true, true, true);
-        first = host.createDevice(&receiver, 1);
-        second = host.createDevice(&receiver, 2);
-        first->start();
-        second->start();
-        firstObject = first->object();
-        timeline.clear();
-        QVERIFY(host.unload());
-    }
-    QVERIFY(!firstObject);
-    COMPARE_LINES(timeline.take(Timeline::Style::WithDevice),
-                  {pluginDebugLine(u"~LogicalDevicePlugin"_s), debugLine(u"~LogicalDevice enter"_s),
-                   u"signal [2] instanceNumberChanged(0)"_s, debugLine(u"~LogicalDevice exit"_s),
-                   debugLine(u"~LogicalDevice enter"_s), debugLine(u"~LogicalDevice exit"_s)});
-    QCOMPARE(receiver.connectionCount("dpiMinChanged(int)"), 0);
-}
-
-void tst_PluginEntry::unloadTakesTheLibraryOut()
-{
-    // Whatever a previous load left behind would show in the state of the next: the registry, the switches.
-    for (int round = 0; round < 3; ++round) {
-        Timeline timeline;
-        LogRecorder recorder(timeline);
-        PluginHost host(timeline);
-        QVERIFY(!host.load(PluginFixture::builtPluginFile()));
-        std::unique_ptr<HostedDevice> device = host.createDevice(nullptr, 1);
-        device->start();
-        QCOMPARE(device->device()->instanceNumber(), 0);
-        COMPARE_LINES(timeline.take(), {u"call createLogicalDevice()"_s, u"call start() -> true"_s,
-                                        u"signal instanceNumberChanged(0)"_s});
-        host.initialize(nullptr, true, true, true);
-        device.reset();
-        QVERIFY(host.unload());
-    }
 }
 
 QTEST_GUILESS_MAIN(tst_PluginEntry)
