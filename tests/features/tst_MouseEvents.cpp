@@ -4,7 +4,6 @@
 #include "TimelineText.h"
 
 #include <QtCore/QCoreApplication>
-#include <QtCore/QElapsedTimer>
 #include <QtCore/QEvent>
 #include <QtCore/QTimer>
 #include <QtTest/QTest>
@@ -24,23 +23,6 @@ QString ctrlLine(bool isPressed)
     return u"host setCtrlKeyPressed(%1)"_s.arg(isPressed ? u"true"_s : u"false"_s);
 }
 
-// A report with what it does between its enter and exit lines.
-QStringList report(int event, const QStringList &inner)
-{
-    return QStringList{u"call mouseEventCallBack(%1)"_s.arg(event),
-                       debugLine(u"mouseEventCallBack enter"_s)} +
-           inner + QStringList{debugLine(u"mouseEventCallBack exit"_s)};
-}
-
-QStringList timeoutLines(bool wasPressed)
-{
-    const QString line = u"onSmartPointerCtrReleaseTimerTimeout,  isSmartPointerCtrPressed %1"_s;
-    QStringList lines{debugLine(line.arg(wasPressed ? u"true"_s : u"false"_s))};
-    if (wasPressed)
-        lines += ctrlLine(false);
-    return lines;
-}
-
 // Far more than any machine takes.
 constexpr int deadline = 60000;  // ms
 
@@ -49,23 +31,6 @@ bool isReleasedByTimer(PluginFixture &fixture)
 {
     return QTest::qWaitFor([&] { return !fixture.timeline.lines().filter(ctrlLine(false)).isEmpty(); },
                            deadline);
-}
-
-// Waits until the timer's slot wrote its line, with this value of the flag.
-bool isTimeoutWritten(PluginFixture &fixture, bool wasPressed)
-{
-    const QString line = timeoutLines(wasPressed).constFirst();
-    return QTest::qWaitFor([&] { return fixture.timeline.lines().contains(line); }, deadline);
-}
-
-// The host reports these events from inside the first entry that reads so.
-void reportInside(PluginFixture &fixture, HostedDevice &device, const QString &line,
-                  const QList<quint8> &events)
-{
-    fixture.onceInside(line, [&device, events] {
-        for (const quint8 event : events)
-            device.device()->mouseEventCallBack(event);
-    });
 }
 
 // The device whose constructor is running.
@@ -97,38 +62,16 @@ public:
 
 }  // namespace
 
+// What the scenarios of contract/ cannot say: the timer itself, event loops inside calls, and other host
+// services.
 class tst_MouseEvents : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void heldButtonIsOnePressAndOneRelease();
-    void buttonsAreToldInOrder();
-    void reportFromInsideAButtonEventCounts();
-    void buttonThatWasToldIsNotLookedAtAgain();
-    void keyIsDownBeforeTheHostHearsOfIt();
-    void tapThatEndsInsideItsPressLeavesTheTimer();
-    void keyIsUpBeforeTheHostHearsOfTheTimer();
-    void timerIsStoppedBeforeItsLine();
-    void everyButtonHasItsBit_data();
-    void everyButtonHasItsBit();
-    void releasesAndPressesOfOneReport();
-    void unusedBitsAreIgnored();
-    void buttonsNeedNoDiversionAndNoStart();
-    void ctrlTapEndsWithTheKey();
-    void ctrlTapEndsWithTheTimer();
-    void heldKeyPressesAgainAfterTheTimer();
-    void timerIsNotRestartedWhileTheKeyIsHeld();
     void timerHasTheTapsLength();
-    void lateTimerFindsNothingToDo();
-    void ctrlComesBeforeTheButtons();
-    void smartPointerSupportIsNotAsked();
-    void stopKeepsTheStates();
-    void destructionReleasesNothing();
-    void devicesHaveTheirOwnStates();
     void latestHostServicesAreUsed();
     void iidNeedsNoAllocation();
-    void switchesOff();
     void initializeInsideAReport_data();
     void initializeInsideAReport();
     void timerIsConnectedBeforeTheConstructorsLastLine();
@@ -138,216 +81,6 @@ private Q_SLOTS:
     void timerIsStoppedBeforeTheReleaseIsReported();
 };
 
-void tst_MouseEvents::heldButtonIsOnePressAndOneRelease()
-{
-    PluginFixture fixture;
-    HostedDevice &device = fixture.started();
-    device.mouseEventCallBack(0x01);
-    device.mouseEventCallBack(0x01);
-    device.mouseEventCallBack(0x00);
-    device.mouseEventCallBack(0x00);
-    COMPARE_LINES(fixture.take(), report(1, {buttonLine(1, true)}) + report(1, {}) +
-                                      report(0, {buttonLine(1, false)}) + report(0, {}));
-}
-
-void tst_MouseEvents::buttonsAreToldInOrder()
-{
-    PluginFixture fixture;
-    HostedDevice &device = fixture.started();
-    device.mouseEventCallBack(0x1f);
-    device.mouseEventCallBack(0x00);
-    COMPARE_LINES(fixture.take(),
-                  report(0x1f, {buttonLine(1, true), buttonLine(2, true), buttonLine(3, true),
-                                buttonLine(4, true), buttonLine(5, true)}) +
-                      report(0, {buttonLine(1, false), buttonLine(2, false), buttonLine(3, false),
-                                 buttonLine(4, false), buttonLine(5, false)}));
-}
-
-void tst_MouseEvents::reportFromInsideAButtonEventCounts()
-{
-    // The host reports the third button from inside the event of the second: nothing is left to tell of it.
-    PluginFixture fixture({false, false, false});
-    HostedDevice &device = fixture.started();
-    fixture.timeline.setObserver([&](const TimelineEntry &entry) {
-        if (entry.name == u"buttonEvent" && entry.arguments.at(1).toInt() == 2)
-            device.device()->mouseEventCallBack(0x07);
-    });
-    device.mouseEventCallBack(0x1f);
-    fixture.timeline.setObserver({});
-    COMPARE_LINES(fixture.take(), {u"call mouseEventCallBack(31)"_s, buttonLine(1, true), buttonLine(2, true),
-                                   buttonLine(3, true), buttonLine(4, true), buttonLine(5, true)});
-}
-
-void tst_MouseEvents::buttonThatWasToldIsNotLookedAtAgain()
-{
-    // From inside the event of the second button the host reports that the first is up again.
-    PluginFixture fixture({false, false, false});
-    HostedDevice &device = fixture.started();
-    reportInside(fixture, device, buttonLine(2, true), {0x02});
-    device.mouseEventCallBack(0x03);
-    COMPARE_LINES(fixture.take(), {u"call mouseEventCallBack(3)"_s, buttonLine(1, true), buttonLine(2, true),
-                                   buttonLine(1, false)});
-}
-
-void tst_MouseEvents::keyIsDownBeforeTheHostHearsOfIt()
-{
-    PluginFixture fixture({false, false, false});
-    HostedDevice &device = fixture.started();
-    reportInside(fixture, device, ctrlLine(true), {0x80});
-    device.mouseEventCallBack(0x80);
-    COMPARE_LINES(fixture.take(), {u"call mouseEventCallBack(128)"_s, ctrlLine(true)});
-}
-
-void tst_MouseEvents::tapThatEndsInsideItsPressLeavesTheTimer()
-{
-    // The timer is started when the host has heard of the press, and so after the report of the release.
-    PluginFixture fixture({false, false, false});
-    HostedDevice &device = fixture.started();
-    reportInside(fixture, device, ctrlLine(true), {0x00});
-    device.mouseEventCallBack(0x80);
-    COMPARE_LINES(fixture.take(), {u"call mouseEventCallBack(128)"_s, ctrlLine(true), ctrlLine(false)});
-    fixture.host.initialize(&fixture.hostServices, true, true, true);
-    fixture.take();
-    QVERIFY(isTimeoutWritten(fixture, false));
-    COMPARE_LINES(fixture.take(), timeoutLines(false));
-}
-
-void tst_MouseEvents::keyIsUpBeforeTheHostHearsOfTheTimer()
-{
-    PluginFixture fixture({false, false, false});
-    HostedDevice &device = fixture.started();
-    device.mouseEventCallBack(0x80);
-    reportInside(fixture, device, ctrlLine(false), {0x00});
-    fixture.take();
-    QVERIFY(isReleasedByTimer(fixture));
-    COMPARE_LINES(fixture.take(), {ctrlLine(false)});
-}
-
-void tst_MouseEvents::timerIsStoppedBeforeItsLine()
-{
-    // A tap that starts from inside the line runs on: the timer fires once more, with nothing to release.
-    PluginFixture fixture;
-    HostedDevice &device = fixture.started();
-    device.mouseEventCallBack(0x80);
-    fixture.take();
-    reportInside(fixture, device, timeoutLines(true).constFirst(), {0x00, 0x80});
-    QVERIFY(isTimeoutWritten(fixture, false));
-    // Qt keeps lines that are written from inside another from the recorder.
-    COMPARE_LINES(fixture.take(), QStringList{timeoutLines(true).constFirst(), ctrlLine(false),
-                                              ctrlLine(true), ctrlLine(false)} +
-                                      timeoutLines(false));
-}
-
-void tst_MouseEvents::everyButtonHasItsBit_data()
-{
-    QTest::addColumn<int>("event");
-    QTest::addColumn<int>("button");
-    QTest::newRow("first") << 0x01 << 1;
-    QTest::newRow("second") << 0x02 << 2;
-    QTest::newRow("third") << 0x04 << 3;
-    QTest::newRow("fourth") << 0x08 << 4;
-    QTest::newRow("fifth") << 0x10 << 5;
-}
-
-void tst_MouseEvents::everyButtonHasItsBit()
-{
-    QFETCH(const int, event);
-    QFETCH(const int, button);
-    PluginFixture fixture;
-    HostedDevice &device = fixture.started();
-    device.mouseEventCallBack(static_cast<quint8>(event));
-    COMPARE_LINES(fixture.take(), report(event, {buttonLine(button, true)}));
-}
-
-void tst_MouseEvents::releasesAndPressesOfOneReport()
-{
-    PluginFixture fixture;
-    HostedDevice &device = fixture.started();
-    device.mouseEventCallBack(0x15);
-    fixture.take();
-    device.mouseEventCallBack(0x0b);
-    COMPARE_LINES(fixture.take(), report(0x0b, {buttonLine(2, true), buttonLine(3, false),
-                                                buttonLine(4, true), buttonLine(5, false)}));
-}
-
-void tst_MouseEvents::unusedBitsAreIgnored()
-{
-    PluginFixture fixture;
-    HostedDevice &device = fixture.started();
-    device.mouseEventCallBack(0x60);
-    device.mouseEventCallBack(0x20);
-    device.mouseEventCallBack(0x41);
-    COMPARE_LINES(fixture.take(), report(0x60, {}) + report(0x20, {}) + report(0x41, {buttonLine(1, true)}));
-}
-
-void tst_MouseEvents::buttonsNeedNoDiversionAndNoStart()
-{
-    PluginFixture fixture;
-    HostedDevice &device = fixture.create();
-    device.mouseEventCallBack(0x02);
-    COMPARE_LINES(fixture.take(), report(2, {buttonLine(2, true)}));
-}
-
-void tst_MouseEvents::ctrlTapEndsWithTheKey()
-{
-    PluginFixture fixture;
-    HostedDevice &device = fixture.started();
-    device.mouseEventCallBack(0x80);
-    device.mouseEventCallBack(0x00);
-    COMPARE_LINES(fixture.take(), report(0x80, {ctrlLine(true)}) + report(0, {ctrlLine(false)}));
-    // The timer was stopped: nothing comes, though many lengths of a tap go by.
-    QTest::qWait(300);
-    COMPARE_LINES(fixture.take(), {});
-}
-
-void tst_MouseEvents::ctrlTapEndsWithTheTimer()
-{
-    PluginFixture fixture;
-    HostedDevice &device = fixture.started();
-    device.mouseEventCallBack(0x80);
-    COMPARE_LINES(fixture.take(), report(0x80, {ctrlLine(true)}));
-    QVERIFY(isReleasedByTimer(fixture));
-    COMPARE_LINES(fixture.take(), timeoutLines(true));
-    // Stopped by its own slot: it fires once.
-    QTest::qWait(300);
-    COMPARE_LINES(fixture.take(), {});
-    device.mouseEventCallBack(0x00);
-    COMPARE_LINES(fixture.take(), report(0, {}));
-    device.mouseEventCallBack(0x80);
-    COMPARE_LINES(fixture.take(), report(0x80, {ctrlLine(true)}));
-}
-
-void tst_MouseEvents::heldKeyPressesAgainAfterTheTimer()
-{
-    PluginFixture fixture;
-    HostedDevice &device = fixture.started();
-    device.mouseEventCallBack(0x80);
-    QVERIFY(isReleasedByTimer(fixture));
-    fixture.take();
-    device.mouseEventCallBack(0x80);
-    COMPARE_LINES(fixture.take(), report(0x80, {ctrlLine(true)}));
-    QVERIFY(isReleasedByTimer(fixture));
-    COMPARE_LINES(fixture.take(), timeoutLines(true));
-}
-
-void tst_MouseEvents::timerIsNotRestartedWhileTheKeyIsHeld()
-{
-    PluginFixture fixture;
-    HostedDevice &device = fixture.started();
-    device.mouseEventCallBack(0x80);
-    fixture.take();
-    // Reports keep coming faster than the timer runs: restarted by each of them, it would never run out.
-    QElapsedTimer sinceThePress;
-    sinceThePress.start();
-    while (fixture.timeline.lines().filter(ctrlLine(false)).isEmpty() && sinceThePress.elapsed() < deadline) {
-        fixture.take();
-        device.mouseEventCallBack(0x80);
-        COMPARE_LINES(fixture.timeline.lines().filter(ctrlLine(true)), {});
-        QTest::qWait(1);
-    }
-    QVERIFY(!fixture.timeline.lines().filter(ctrlLine(false)).isEmpty());
-}
-
 void tst_MouseEvents::timerHasTheTapsLength()
 {
     PluginFixture fixture({false, false, false});
@@ -356,76 +89,6 @@ void tst_MouseEvents::timerHasTheTapsLength()
     device.mouseEventCallBack(0x80);
     QVERIFY(isReleasedByTimer(fixture));
     COMPARE_LINES(watch.seen, {u"interval 25 ms, repeating, no parent, on the device's thread"_s});
-}
-
-void tst_MouseEvents::lateTimerFindsNothingToDo()
-{
-    PluginFixture fixture;
-    HostedDevice &device = fixture.started();
-    QVERIFY(QMetaObject::invokeMethod(device.object(), "onSmartPointerCtrReleaseTimerTimeout"));
-    COMPARE_LINES(fixture.take(), timeoutLines(false));
-}
-
-void tst_MouseEvents::ctrlComesBeforeTheButtons()
-{
-    PluginFixture fixture;
-    HostedDevice &device = fixture.started();
-    device.mouseEventCallBack(0x81);
-    device.mouseEventCallBack(0x00);
-    COMPARE_LINES(fixture.take(), report(0x81, {ctrlLine(true), buttonLine(1, true)}) +
-                                      report(0, {ctrlLine(false), buttonLine(1, false)}));
-}
-
-void tst_MouseEvents::smartPointerSupportIsNotAsked()
-{
-    PluginFixture fixture;
-    fixture.receiver.answers.isSmartPointerSupported = false;
-    HostedDevice &device = fixture.started();
-    QVERIFY(!device.device()->isSmartPointerSupported());
-    device.mouseEventCallBack(0x80);
-    COMPARE_LINES(fixture.take(), report(0x80, {ctrlLine(true)}));
-}
-
-void tst_MouseEvents::stopKeepsTheStates()
-{
-    PluginFixture fixture({false, false, false});
-    HostedDevice &device = fixture.started();
-    device.mouseEventCallBack(0x81);
-    device.stop();
-    fixture.take();
-    device.mouseEventCallBack(0x81);
-    COMPARE_LINES(fixture.take(), {u"call mouseEventCallBack(129)"_s});
-    // The timer runs on.
-    QVERIFY(isReleasedByTimer(fixture));
-    COMPARE_LINES(fixture.take(), {ctrlLine(false)});
-    device.mouseEventCallBack(0x00);
-    COMPARE_LINES(fixture.take(), {u"call mouseEventCallBack(0)"_s, buttonLine(1, false)});
-}
-
-void tst_MouseEvents::destructionReleasesNothing()
-{
-    PluginFixture fixture({false, false, false});
-    HostedDevice &device = fixture.started();
-    device.mouseEventCallBack(0x83);
-    fixture.take();
-    fixture.destroy(device);
-    QTest::qWait(100);
-    COMPARE_LINES(fixture.take(), {u"call destroyDevice()"_s});
-}
-
-void tst_MouseEvents::devicesHaveTheirOwnStates()
-{
-    PluginFixture fixture({false, false, false});
-    HostedDevice &first = fixture.started(1);
-    HostedDevice &second = fixture.started(2);
-    fixture.take();
-    first.mouseEventCallBack(0x01);
-    second.mouseEventCallBack(0x01);
-    first.mouseEventCallBack(0x00);
-    COMPARE_LINES(fixture.take(Timeline::Style::WithDevice),
-                  {u"call [1] mouseEventCallBack(1)"_s, buttonLine(1, true),
-                   u"call [2] mouseEventCallBack(1)"_s, buttonLine(1, true),
-                   u"call [1] mouseEventCallBack(0)"_s, buttonLine(1, false)});
 }
 
 void tst_MouseEvents::latestHostServicesAreUsed()
@@ -471,17 +134,6 @@ void tst_MouseEvents::iidNeedsNoAllocation()
     device.mouseEventCallBack(0x00);
     QCOMPARE(services.capacities, QList<qsizetype>({0, 0, 0, 0}));
     fixture.host.initialize(&fixture.hostServices, false, false, false);
-}
-
-void tst_MouseEvents::switchesOff()
-{
-    PluginFixture fixture({false, true, true});
-    HostedDevice &device = fixture.started();
-    device.mouseEventCallBack(0x81);
-    device.mouseEventCallBack(0x00);
-    QMetaObject::invokeMethod(device.object(), "onSmartPointerCtrReleaseTimerTimeout");
-    COMPARE_LINES(fixture.take(), {u"call mouseEventCallBack(129)"_s, ctrlLine(true), buttonLine(1, true),
-                                   u"call mouseEventCallBack(0)"_s, ctrlLine(false), buttonLine(1, false)});
 }
 
 void tst_MouseEvents::initializeInsideAReport_data()
@@ -578,7 +230,8 @@ void tst_MouseEvents::timerIsStoppedBeforeTheReleaseIsReported()
     fixture.take();
     fixture.onceInside(ctrlLine(false), [] { QTest::qWait(300); });
     device.mouseEventCallBack(0);
-    COMPARE_LINES(fixture.take(), report(0, {ctrlLine(false)}));
+    COMPARE_LINES(fixture.take(), {u"call mouseEventCallBack(0)"_s, debugLine(u"mouseEventCallBack enter"_s),
+                                   ctrlLine(false), debugLine(u"mouseEventCallBack exit"_s)});
 }
 
 QTEST_GUILESS_MAIN(tst_MouseEvents)
