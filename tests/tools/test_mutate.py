@@ -80,27 +80,43 @@ class Mutate(ToolTest):
             mutants = self.module.mutants_of(self.write("Thing.cpp", code))
             self.assertEqual([text for _, text, _ in mutants if text.startswith("swap")], [])
 
-    def killer(self, nearest, **codes):
+    def killer(self, nearest, kvx=0, **codes):
         """What kills a mutant where programs end with these codes, and which of them ran, with which library."""
-        for name, code in codes.items():
-            folder = {"tst_Model": "model", "tst_Timeline": "simulator"}.get(name, "features")
-            script = f"#!/bin/sh\necho ${{0##*/}} $KVX_PLUGIN_FILE >> {self.base}/ran\nexit {code}\n"
-            self.write(f"tests/{folder}/{name}", script, 0o755)
+        for name, code in {"kvx": kvx, **codes}.items():
+            folder = {"kvx": "", "tst_Model": "tests/model/", "tst_Timeline": "tests/simulator/"}.get(name, "tests/features/")
+            script = f"#!/bin/sh\necho ${{0##*/}} $KVX_PLUGIN_FILE $* >> {self.base}/ran\nexit {code}\n"
+            self.write(f"{folder}{name}", script, 0o755)
         workshop = self.module.Workshop.__new__(self.module.Workshop)
         workshop.build = Path("mutant")
+        workshop.kvx = self.module.kvx_of(self.base)
         workshop.programs = self.module.test_programs(self.base)
         found = workshop.killer(nearest)
         return found, [line.split() for line in (self.base / "ran").read_text(encoding="utf-8").splitlines()]
 
-    def test_the_nearest_is_asked_first_and_the_model_last(self):
+    def test_scenarios_are_first_and_the_model_is_last(self):
         found, ran = self.killer("Settings", tst_Dpi=0, tst_Settings=0, tst_Model=0, tst_Timeline=0)
         library = f"mutant/{self.module.PLUGIN_FILE}"
         self.assertEqual(found, (None, False))
-        self.assertEqual(ran, [[name, library] for name in ("tst_Settings", "tst_Dpi", "tst_Model")])
+        self.assertEqual(ran[0][:5], ["kvx", library, "check", library, "settings"])
+        self.assertEqual(ran[1:], [[name, library] for name in ("tst_Settings", "tst_Dpi", "tst_Model")])
 
     def test_the_first_that_fails_is_the_last_to_run(self):
         found, ran = self.killer("Dpi", tst_Dpi=0, tst_Settings=3, tst_Model=1)
-        self.assertEqual((found, [name for name, _ in ran]), (("tst_Settings", False), ["tst_Dpi", "tst_Settings"]))
+        self.assertEqual((found, [name for name, *_ in ran]), (("tst_Settings", False), ["kvx", "tst_Dpi", "tst_Settings"]))
+
+    def test_check_without_an_answer_kills_nothing(self):
+        """2 is a library that cannot be loaded: the unchanged product passed with the same words."""
+        for code in (1, 2):
+            self.assertEqual(self.killer("Dpi", kvx=code, tst_Dpi=0)[0], ("kvx", False))
+        with self.assertRaisesRegex(self.module.BadInput, "kvx check could not run all scenarios; run .*/kvx check"):
+            self.killer("Dpi", kvx=3, tst_Dpi=0)
+
+    def test_all_scenarios_are_run(self):
+        for path in (REPOSITORY / "plugin").glob("*.cpp"):
+            folders = self.module.scenarios_for(path.stem.split("_")[-1])
+            self.assertEqual(sorted(folders), sorted(entry.stem for entry in (REPOSITORY / "contract").iterdir()))
+        for nearest, folder in (("ActiveDpiSlot", "active-slot"), ("Dpi", "dpi-range"), ("Lifecycle", "life-cycle")):
+            self.assertEqual(self.module.scenarios_for(nearest)[0], folder)
 
     def test_outcome_of_a_program(self):
         """What comes after the first failure is not waited for."""
@@ -109,12 +125,15 @@ class Mutate(ToolTest):
             ("exit 1", "killed", 90),
             ("kill -SEGV $$", "killed", 90),
             ("echo 'FAIL!  : tst_Thing::works() no'; exec sleep 1000", "killed", 90),
+            ("echo 'pass       log/one'; echo 'fail       log/two'; exec sleep 1000", "killed", 90),
+            ("echo 'crash      log/one'; exec sleep 1000", "killed", 90),
+            ("echo 'timeout    log/one'; exec sleep 1000", "hangs", 90),
             ("exec sleep 1000", "hangs", 0.2),
         ):
             with self.subTest(text):
                 self.module.HANGS_AFTER = limit
                 program = self.write("tst_Thing", f"#!/bin/sh\n{text}\n", 0o755)
-                self.assertEqual(self.module.outcome_of(program, {}), outcome)
+                self.assertEqual(self.module.outcome_of([program], {}), outcome)
 
     def test_report(self):
         """An explanation of a file that was not changed is no concern; each survivor needs a line of its own."""
@@ -159,4 +178,6 @@ class Mutate(ToolTest):
             self.assert_refused(f'"{name}" is no file of the product that is changed; name files in plugin/', name)
         self.assert_refused("--jobs is 0; one at a time is the least", "--jobs", "0")
         self.assert_refused("--fast", "--fast")
-        self.assert_refused("there are no test programs in ", "--build", "/nowhere")
+        self.assert_refused("there is no kvx in ", "--build", "/nowhere")
+        self.write("build/kvx", mode=0o755)
+        self.assert_refused("there are no test programs in ", "--build", self.base / "build")
