@@ -51,7 +51,10 @@ QString sentLine(const QString &values)
     return u"receiver setDpiSlotValues([%1], 15, 2) -> true"_s.arg(values);
 }
 
-const QString pendingLine = u"signal isDpiSlotValuesChangePendingChanged(true)"_s;
+QString pendingLine()
+{
+    return u"signal isDpiSlotValuesChangePendingChanged(true)"_s;
+}
 
 }  // namespace
 
@@ -132,7 +135,7 @@ void tst_DpiAndReportRate::slotTextBetweenTabAndLineFeed()
     PluginFixture fixture({false, true, false});
     HostedDevice &device = ranged(fixture);
     device.setDpiSlotValues({u"\t800\n"_s, u"1600"_s, u"2400"_s, u"3200"_s, u"4000"_s});
-    COMPARE_LINES(fixture.take().mid(1), {sentLine(u"800, 1600, 2400, 3200, 4000"_s), pendingLine});
+    COMPARE_LINES(fixture.take().mid(1), {sentLine(u"800, 1600, 2400, 3200, 4000"_s), pendingLine()});
 }
 
 void tst_DpiAndReportRate::slotTextsThatEndBeforeMoreDigits()
@@ -148,7 +151,7 @@ void tst_DpiAndReportRate::slotTextsThatEndBeforeMoreDigits()
         start += length;
     }
     device.setDpiSlotValues(texts);
-    COMPARE_LINES(fixture.take().mid(1), {sentLine(u"800, 1600, 2400, 3200, 4000"_s), pendingLine});
+    COMPARE_LINES(fixture.take().mid(1), {sentLine(u"800, 1600, 2400, 3200, 4000"_s), pendingLine()});
 }
 
 void tst_DpiAndReportRate::slotValuesFromAnotherThreadInsideTheirRequest()
@@ -163,7 +166,7 @@ void tst_DpiAndReportRate::slotValuesFromAnotherThreadInsideTheirRequest()
     device.setDpiSlotValues({u"200"_s, u"300"_s, u"400"_s, u"500"_s, u"600"_s});
     COMPARE_LINES(fixture.take().mid(1),
                   {sentLine(u"200, 300, 400, 500, 600"_s),
-                   u"call dpiSlotValuesChangedCallBack([1, 2, 3, 4, 5]) on thread 2"_s, pendingLine});
+                   u"call dpiSlotValuesChangedCallBack([1, 2, 3, 4, 5]) on thread 2"_s, pendingLine()});
     deliverQueuedCalls();
     COMPARE_LINES(fixture.take(), {u"signal dpiSlotValuesChanged([\"1\", \"2\", \"3\", \"4\", \"5\"])"_s});
     QVERIFY(device.device()->isDpiSlotValuesChangePending());
