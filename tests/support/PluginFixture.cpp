@@ -1,7 +1,5 @@
 #include "PluginFixture.h"
 
-#include "TimelineFile.h"
-
 #include <algorithm>
 
 QString PluginFixture::builtPluginFile()
@@ -11,7 +9,6 @@ QString PluginFixture::builtPluginFile()
 
 PluginFixture::PluginFixture(LogSwitches switches, const QString &pluginFile) : host(timeline)
 {
-    keepInTimelineFile(timeline);
     if (const std::optional<QString> reason = host.load(pluginFile))
         qFatal("%s", qPrintable(*reason));
     host.initialize(&hostServices, switches.debug, switches.warning, switches.critical);

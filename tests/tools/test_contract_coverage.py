@@ -200,6 +200,6 @@ class ContractCoverage(ToolTest):
     def test_no_timelines(self):
         for path in self.timelines.iterdir():
             path.unlink()
-        self.assert_bad("timelines holds no timelines (*.jsonl); ./dev coverage writes them")
+        self.assert_bad("timelines holds no timelines (*.jsonl); the test cli_check writes them")
         self.timelines.rmdir()
         self.assert_bad("timelines holds no timelines")

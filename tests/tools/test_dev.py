@@ -130,12 +130,12 @@ DRY_RUNS = {
     "coverage": [
         *configure_and_build("coverage", "--target feature_tests"),
         "find build/coverage/plugin -name '*.gcda' -delete",
-        "cmake -E rm -rf build/coverage/timelines build/coverage/coverage",
-        "cmake -E make_directory build/coverage/timelines build/coverage/test-results build/coverage/coverage",
-        "env {timelines} ctest --preset coverage -L '^feature$'",
+        "cmake -E rm -rf build/coverage/coverage",
+        "cmake -E make_directory build/coverage/test-results build/coverage/coverage",
+        "ctest --preset coverage -L '^feature$'",
         GCOVR,
         GCOVR_LIMITS,
-        "tools/contract-coverage build/coverage/timelines",
+        "tools/contract-coverage build/coverage/contract-timelines",
     ],
     "valgrind": [*configure_and_build("release"), f"{MEMCHECK} --no-tests=error --output-on-failure -j2"],
     "valgrind ^tst_D": [
@@ -164,7 +164,6 @@ class DryRun(SandboxTest):
         checkout = str(self.sandbox.checkout).replace("'", "'\\''")
         places = {
             "{checkout}/build/dev/ctest.xml": f"'{checkout}/build/dev/ctest.xml'",
-            "{timelines}": f"'KVX_TIMELINE_FOLDER={checkout}/build/coverage/timelines'",
         }
         for line, commands in DRY_RUNS.items():
             with self.subTest(line):
