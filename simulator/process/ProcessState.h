@@ -10,8 +10,8 @@ bool isLibraryInProcess(const QString &fileName);
 /// How many files, or on Windows handles of any kind, the process has open.
 int openHandleCount();
 
-/// Bytes of the C heap that are in use, in the whole process. No value when something has taken the heap's place, such
-/// as a sanitizer or valgrind.
+/// Bytes of the C heap that are in use, in the whole process. No value on Windows, nor when something has taken the heap's
+/// place, such as a sanitizer or valgrind.
 std::optional<qint64> heapInUse();
 
 /// The heap counts the freed blocks that a thread keeps for its next allocations as in use. Afterwards the calling thread

@@ -1,7 +1,5 @@
 #include "ProcessState.h"
 
-#include <array>
-
 #include <windows.h>
 
 bool isLibraryInProcess(const QString &fileName)
@@ -25,24 +23,8 @@ int openHandleCount()
 
 std::optional<qint64> heapInUse()
 {
-    constexpr DWORD mostHeaps = 64;
-    std::array<HANDLE, mostHeaps> heaps{};
-    const DWORD count = GetProcessHeaps(mostHeaps, heaps.data());
-    if (count == 0 || count > mostHeaps)
-        return std::nullopt;
-    qint64 bytes = 0;
-    for (DWORD index = 0; index < count; ++index) {
-        HANDLE heap = heaps[index];
-        if (!HeapLock(heap))
-            return std::nullopt;
-        PROCESS_HEAP_ENTRY entry{};
-        while (HeapWalk(heap, &entry)) {
-            if ((entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) != 0)
-                bytes += entry.cbData;
-        }
-        HeapUnlock(heap);
-    }
-    return bytes;
+    // HeapWalk() shows a region of small blocks as one block in use, however many of them are.
+    return std::nullopt;
 }
 
 void fillCacheOfFreedBlocks() {}
