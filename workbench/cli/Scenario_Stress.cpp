@@ -74,7 +74,8 @@ CommandResult Scenario::expectNoGrowth()
     const int rounds = m_repeat.rounds - m_repeat.rounds / 2;
     const int handles = openHandleCount();
     ++m_checkCount;
-    if (handles > m_repeat.handlesAtHalf)
+    // Threads come and go with some; what each round leaves behind is more.
+    if (handles - m_repeat.handlesAtHalf > rounds / 10)
         return CommandResult::difference(
             u"%1 more files or handles are open than %2 rounds ago"_s.arg(handles - m_repeat.handlesAtHalf)
                 .arg(rounds));
