@@ -22,6 +22,6 @@ if(CMAKE_CROSSCOMPILING)
     target_compile_definitions(CLI11::CLI11 INTERFACE CLI11_HAS_FILESYSTEM=0)
 endif()
 kvx_find_headers(mustache kainjow mustache.hpp)
-kvx_find_headers(tomlplusplus toml++ toml.hpp)
+kvx_find_headers(tomlplusplus toml++ toml.h)
 # Errors are values, and nothing writes TOML.
 target_compile_definitions(tomlplusplus::tomlplusplus INTERFACE TOML_EXCEPTIONS=0 TOML_ENABLE_FORMATTERS=0)

@@ -4,7 +4,7 @@
 
 #include <algorithm>
 #include <string_view>
-#include <toml++/toml.hpp>
+#include <toml++/toml.h>
 
 using namespace Qt::StringLiterals;
 
