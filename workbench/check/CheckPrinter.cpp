@@ -155,7 +155,7 @@ void CheckPrinter::printProgress()
     std::fflush(stdout);
 }
 
-void CheckPrinter::clearProgress()
+void CheckPrinter::clearProgress() const
 {
     if (m_isTerminal)
         std::fputs(('\r' + QByteArray(progressWidth, ' ') + '\r').constData(), stdout);

@@ -18,7 +18,7 @@ public:
 private:
     void print(const QString &line);
     void printProgress();
-    void clearProgress();
+    void clearProgress() const;
     void printFailure(const ScenarioVerdict &verdict);
     void printBlock(const QString &title, const QStringList &lines);
     void printTable(const CheckReport &report);
