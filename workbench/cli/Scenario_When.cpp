@@ -46,7 +46,7 @@ void Scenario::runInside(const TimelineEntry &entry)
 
 CommandResult Scenario::executeInside(const QString &line)
 {
-    const auto outerCommand = std::exchange(m_command, nullptr);
+    const Command *const outerCommand = std::exchange(m_command, nullptr);
     const auto outerRest = std::exchange(m_rest, behindFirstWord(line));
     const auto outerWanted = std::exchange(m_wantedOutcome, {});
     const auto outerWaiting = std::exchange(m_isWaiting, false);
