@@ -56,7 +56,8 @@ std::optional<qint64> heapInUse()
 {
     constexpr qsizetype probe = 100000;
     const qint64 before = countedBytes();
-    const QByteArray block(probe, Qt::Uninitialized);
+    QByteArray block;
+    block.reserve(probe);
     return countedBytes() >= before + probe ? std::optional<qint64>(before) : std::nullopt;
 }
 

@@ -22,10 +22,21 @@ namespace {
 
 constexpr int mostMilliseconds = 120000;
 
-const QStringList hangs{u"mouse 1"_s, u"start"_s, u"expect modelCode RV418"_s};
-const QStringList passes{u"expect metadata {\"IID\":\"com.orvane.KVX.Plugin.LogicalDevice.RV418\","
-                         "\"archlevel\":0,\"className\":\"LogicalDevicePlugin\"}"_s};
-const QStringList fails{u"expect metadata {}"_s};
+QStringList hangs()
+{
+    return {u"mouse 1"_s, u"start"_s, u"expect modelCode RV418"_s};
+}
+
+QStringList passes()
+{
+    return {u"expect metadata {\"IID\":\"com.orvane.KVX.Plugin.LogicalDevice.RV418\","
+            "\"archlevel\":0,\"className\":\"LogicalDevicePlugin\"}"_s};
+}
+
+QStringList fails()
+{
+    return {u"expect metadata {}"_s};
+}
 
 // How many processes have all the words among their own.
 int processesWith(const QStringList &words)
@@ -73,8 +84,8 @@ private:
 
 void tst_KvxCheckProcesses::init()
 {
-    m_hanging = m_files.write(u"hangs"_s, hangs);
-    m_passing = m_files.write(u"passes"_s, passes);
+    m_hanging = m_files.write(u"hangs"_s, hangs());
+    m_passing = m_files.write(u"passes"_s, passes());
 }
 
 void tst_KvxCheckProcesses::startHanging(QProcess &process)
@@ -144,7 +155,7 @@ void tst_KvxCheckProcesses::terminalShowsProgress()
     QProcess process;
     process.setStandardOutputFile(QString::fromLocal8Bit(ptsname(terminal)));
     process.start(QStringLiteral(KVX_COMMAND), {u"check"_s, PluginFixture::builtPluginFile(), m_passing,
-                                                m_files.write(u"fails"_s, fails), u"--jobs"_s, u"1"_s});
+                                                m_files.write(u"fails"_s, fails()), u"--jobs"_s, u"1"_s});
     QVERIFY(process.waitForFinished(mostMilliseconds));
     QCOMPARE(process.exitCode(), 1);
     constexpr qint64 enough = 1 << 16;

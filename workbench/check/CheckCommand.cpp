@@ -122,7 +122,8 @@ private:
     QStringList knownNames() const
     {
         QStringList names;
-        for (const ContractScenario &scenario : contractScenarios() + m_plan.scenarios)
+        const QList<ContractScenario> known = contractScenarios() + m_plan.scenarios;
+        for (const ContractScenario &scenario : known)
             names.append(scenario.name);
         return names;
     }

@@ -203,7 +203,8 @@ void CheckPrinter::printTable(const CheckReport &report)
     for (const Verdict verdict : verdictsInOrder)
         head += wordOf(verdict).rightJustified(numberWidth);
     print(head);
-    for (const QString &name : features(report.verdicts)) {
+    const QStringList names = features(report.verdicts);
+    for (const QString &name : names) {
         QList<ScenarioVerdict> verdicts = report.verdicts;
         verdicts.removeIf([&](const ScenarioVerdict &verdict) { return feature(verdict) != name; });
         print(row(name, verdicts));

@@ -69,7 +69,8 @@ QList<Line> allLines(const QStringList &expected, const QStringList &actual)
     while (common < std::min(expected.size(), actual.size()) && expected.at(common) == actual.at(common))
         ++common;
     QList<Line> lines;
-    for (const QString &text : expected.first(common))
+    const QStringList shared = expected.first(common);
+    for (const QString &text : shared)
         lines.append({u' ', text});
     const QStringList missing = expected.sliced(common);
     const QStringList surplus = actual.sliced(common);

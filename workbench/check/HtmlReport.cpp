@@ -39,7 +39,7 @@ mustache::data dataOf(const QJsonValue &value)
     if (value.isArray()) {
         const QJsonArray array = value.toArray();
         mustache::data data(mustache::data::type::list);
-        for (const QJsonValue item : array)
+        for (const auto &item : array)
             data.push_back(dataOf(item));
         return data;
     }

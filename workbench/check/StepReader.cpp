@@ -12,7 +12,8 @@ namespace {
 QStringList texts(const QJsonValue &array)
 {
     QStringList list;
-    for (const QJsonValue value : array.toArray())
+    const QJsonArray values = array.toArray();
+    for (const auto &value : values)
         list.append(value.toString());
     return list;
 }
