@@ -69,7 +69,7 @@ Interruption::Interruption(std::function<void()> function) : m_data(std::make_un
     if (pipe(pipeEnds) != 0)
         return;
     m_data->notifier = std::make_unique<QSocketNotifier>(pipeEnds[0], QSocketNotifier::Read);
-    QObject::connect(m_data->notifier.get(), &QSocketNotifier::activated,
+    QObject::connect(m_data->notifier.get(), &QSocketNotifier::activated, m_data->notifier.get(),
                      [this, function = std::move(function)] {
                          m_data->notifier->setEnabled(false);
                          function();

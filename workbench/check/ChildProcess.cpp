@@ -24,19 +24,19 @@ ChildProcess::ChildProcess(const QStringList &arguments, std::optional<std::chro
                            std::function<void()> ended)
     : m_deadline(deadline), m_ended(std::move(ended))
 {
-    QObject::connect(&m_process, &QProcess::started, [this] { m_tree.adopt(m_process); });
-    QObject::connect(&m_process, &QProcess::readyReadStandardOutput, [this] { read(); });
-    QObject::connect(&m_process, &QProcess::readyReadStandardError, [this] { read(); });
-    QObject::connect(&m_process, &QProcess::finished, [this](int, QProcess::ExitStatus status) {
+    QObject::connect(&m_process, &QProcess::started, &m_process, [this] { m_tree.adopt(m_process); });
+    QObject::connect(&m_process, &QProcess::readyReadStandardOutput, &m_process, [this] { read(); });
+    QObject::connect(&m_process, &QProcess::readyReadStandardError, &m_process, [this] { read(); });
+    QObject::connect(&m_process, &QProcess::finished, &m_process, [this](int, QProcess::ExitStatus status) {
         read();
         noteEnd(status == QProcess::CrashExit ? End::Crash : End::Exit);
     });
-    QObject::connect(&m_process, &QProcess::errorOccurred, [this](QProcess::ProcessError error) {
+    QObject::connect(&m_process, &QProcess::errorOccurred, &m_process, [this](QProcess::ProcessError error) {
         if (error == QProcess::FailedToStart)
             noteEnd(End::NotStarted);
     });
     m_silence.setSingleShot(true);
-    QObject::connect(&m_silence, &QTimer::timeout, [this] { endIt(End::Timeout); });
+    QObject::connect(&m_silence, &QTimer::timeout, &m_silence, [this] { endIt(End::Timeout); });
 
     m_process.setProcessEnvironment(environmentWithoutLogRules());
     CheckSystem::ProcessTree::prepare(m_process);

@@ -6,6 +6,7 @@
 #include <QtCore/QFileInfo>
 
 #include <algorithm>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -105,7 +106,7 @@ private:
     template <typename Condition>
     void take(const Condition &isWanted)
     {
-        for (const ContractScenario &scenario : m_contract) {
+        for (const ContractScenario &scenario : std::as_const(m_contract)) {
             if (scenario.head.level <= m_selection.level && isWanted(scenario))
                 add(scenario);
         }
@@ -128,7 +129,7 @@ private:
         }
         const QString name = withoutLastSlash(word);
         bool isKnown = false;
-        for (const ContractScenario &scenario : m_contract) {
+        for (const ContractScenario &scenario : std::as_const(m_contract)) {
             if (scenario.name == name)
                 add(scenario);
             isKnown = isKnown || scenario.name == name || isIn(name, scenario);
