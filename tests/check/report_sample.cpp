@@ -108,7 +108,7 @@ ScenarioVerdict skipped()
 CheckReport kept()
 {
     CheckReport report;
-    report.library = u"/opt/<b>a library</b> & more/\u00e9t\u00e9.so"_s;
+    report.pluginFile = u"/opt/<b>a library</b> & more/\u00e9t\u00e9.so"_s;
     report.environment.append({u"Qt of kvx"_s, u"6.8.2"_s});
     report.environment.append({u"System"_s, u"Debian GNU/Linux 13 (trixie) <x86_64>"_s});
     report.seed = largestSeed;

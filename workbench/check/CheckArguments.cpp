@@ -96,6 +96,6 @@ ExitCode CheckArguments::run()
         return refuse(u"--json needs the file to write"_s);
     if (options.names.isEmpty())
         return refuse(u"the library is missing; give its file"_s);
-    options.library = options.names.takeFirst();
+    options.pluginFile = options.names.takeFirst();
     return runCheck(options);
 }

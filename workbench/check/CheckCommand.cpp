@@ -24,7 +24,7 @@ QString repeatCommand(const CheckOptions &options, const ScenarioVerdict &verdic
 {
     QStringList words{QCoreApplication::arguments().constFirst(),
                       u"check"_s,
-                      options.library,
+                      options.pluginFile,
                       verdict.name,
                       u"--seed"_s,
                       QString::number(seed)};
@@ -42,7 +42,7 @@ ScenarioVerdict playHere(const ContractScenario &scenario, const CheckSettings &
         return verdict;
     RunOptions options;
     options.file = scenario.file;
-    options.pluginFile = settings.library;
+    options.pluginFile = settings.pluginFile;
     options.seed = verdict.seed;
     QElapsedTimer clock;
     clock.start();
@@ -63,7 +63,7 @@ public:
     Check(const CheckOptions &options, const CheckPlan &plan)
         : m_options(options), m_plan(plan), m_printer(plan.scenarios.size())
     {
-        m_report.library = plan.inspection.file;
+        m_report.pluginFile = plan.inspection.file;
         m_report.environment = checkEnvironment(plan.inspection);
         m_report.seed = plan.settings.seed;
         m_report.level = plan.level;

@@ -12,7 +12,7 @@
 struct CheckOptions
 {
     /// The library's file.
-    QString library;
+    QString pluginFile;
     /// Names, folders and files of scenarios; none for the whole contract.
     QStringList names;
     QStringList excluded;

@@ -30,7 +30,7 @@ QString takeTimeout(const QString &timeout, CheckPlan &plan)
 QString takeLibrary(const QString &file, CheckPlan &plan)
 {
     plan.inspection = inspectPlugin(file);
-    plan.settings.library = plan.inspection.file;
+    plan.settings.pluginFile = plan.inspection.file;
     return plan.inspection.refusal;
 }
 
@@ -72,7 +72,7 @@ QString makePlan(const CheckOptions &options, CheckPlan &plan)
     plan.settings.jobs = options.jobs.value_or(QThread::idealThreadCount());
     QString problem = takeTimeout(options.timeout, plan);
     if (problem.isEmpty())
-        problem = takeLibrary(options.library, plan);
+        problem = takeLibrary(options.pluginFile, plan);
     if (problem.isEmpty())
         problem = takeScenarios(options, plan);
     if (problem.isEmpty())

@@ -91,7 +91,7 @@ CheckPrinter::CheckPrinter(qsizetype planned) : m_planned(planned), m_isTerminal
 
 void CheckPrinter::printBeginning(const CheckReport &report)
 {
-    print(u"library  "_s + report.library);
+    print(u"library  "_s + report.pluginFile);
     print(u"plan     %1 scenarios, level %2, seed %3"_s.arg(m_planned)
               .arg(levelName(report.level))
               .arg(report.seed));

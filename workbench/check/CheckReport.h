@@ -48,7 +48,7 @@ struct ScenarioVerdict
 /// What kvx check found out about a library.
 struct CheckReport
 {
-    QString library;
+    QString pluginFile;
     /// Names and values: Qt, compiler, build type of library and host, system.
     QList<std::pair<QString, QString>> environment;
     quint32 seed = 0;

@@ -66,7 +66,7 @@ void Checker::measure()
         startMore();
     };
     m_measurement = std::make_unique<ChildProcess>(
-        QStringList{u"inspect"_s, m_settings.library}, m_settings.deadline,
+        QStringList{u"inspect"_s, m_settings.pluginFile}, m_settings.deadline,
         [this, ended] { QMetaObject::invokeMethod(&m_loop, ended, Qt::QueuedConnection); });
 }
 
@@ -93,7 +93,7 @@ void Checker::start(const ContractScenario &scenario)
     };
     job->process = std::make_unique<ChildProcess>(
         QStringList{u"run"_s, u"--steps"_s, u"--seed"_s, QString::number(job->verdict.seed), u"--plugin"_s,
-                    m_settings.library, scenario.file},
+                    m_settings.pluginFile, scenario.file},
         m_settings.deadline, ended);
 }
 

@@ -18,7 +18,7 @@ class ChildProcess;
 struct CheckSettings
 {
     /// The library, as an absolute path.
-    QString library;
+    QString pluginFile;
     /// Of the whole check; each scenario's own is made from it.
     quint32 seed = 0;
     /// How many processes there are at a time.

@@ -156,7 +156,7 @@ QJsonObject pageOf(const CheckReport &report)
                                       {u"key"_s, withHyphens(wordOf(verdict))},
                                       {u"number"_s, number}});
     }
-    page[u"fileName"_s] = QFileInfo(report.library).fileName();
+    page[u"fileName"_s] = QFileInfo(report.pluginFile).fileName();
     page[u"time"_s] = seconds(report.time);
     page[u"finished"_s] = report.verdicts.size();
     page[u"counts"_s] = counts;

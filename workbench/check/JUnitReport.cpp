@@ -168,7 +168,7 @@ private:
     void writeProperties(const CheckReport &report)
     {
         m_xml.writeStartElement(u"properties"_s);
-        writeProperty(u"library"_s, report.library);
+        writeProperty(u"library"_s, report.pluginFile);
         writeProperty(u"level"_s, levelName(report.level));
         writeProperty(u"seed"_s, QString::number(report.seed));
         for (const auto &[name, value] : report.environment)

@@ -53,7 +53,7 @@ QJsonObject toJson(const CheckReport &report)
         scenarios.append(toJson(verdict));
     return {
         {u"schemaVersion"_s, 1},
-        {u"library"_s, report.library},
+        {u"library"_s, report.pluginFile},
         {u"outcome"_s, wordOf(outcomeOf(report))},
         {u"environment"_s, environment},
         {u"seed"_s, qint64{report.seed}},
