@@ -1,0 +1,11 @@
+# The window, where Qt has what it needs. KVX_BUILD_WORKBENCH then says whether it is built, for packages and tests.
+if(KVX_BUILD_WORKBENCH)
+    find_package(Qt6 6.4 QUIET OPTIONAL_COMPONENTS Widgets Svg)
+    if(NOT Qt6Widgets_FOUND OR NOT Qt6Svg_FOUND)
+        message(STATUS "kvx-workbench is left out: Qt Widgets and Qt Svg 6.4 or newer were not found")
+        set(KVX_BUILD_WORKBENCH OFF)
+    endif()
+endif()
+if(KVX_BUILD_WORKBENCH)
+    add_subdirectory(workbench/window)
+endif()
