@@ -1,0 +1,218 @@
+#include "Engine.h"
+
+#include <QtCore/QJsonDocument>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+// Of the child's standard error, what is worth showing.
+constexpr qsizetype longestErrorOutput = 64 * 1024;  // bytes
+
+QStringList stringsOf(const QJsonValue &value)
+{
+    QStringList strings;
+    const QJsonArray items = value.toArray();
+    for (const QJsonValue &item : items)
+        strings.append(item.toString());
+    return strings;
+}
+
+Entry entryOf(const QJsonObject &object, const QByteArray &line)
+{
+    Entry entry;
+    entry.sequence = object.value("sequence"_L1).toVariant().toULongLong();
+    entry.time = object.value("timeUs"_L1).toVariant().toLongLong();
+    entry.thread = object.value("thread"_L1).toInt(1);
+    if (const QJsonValue device = object.value("device"_L1); !device.isUndefined())
+        entry.device = device.toVariant().toULongLong();
+    entry.receiver = object.value("receiver"_L1).toInt(1);
+    entry.kind = object.value("kind"_L1).toString();
+    entry.name = object.value("name"_L1).toString();
+    entry.arguments = object.value("arguments"_L1).toArray();
+    entry.text = object.value("text"_L1).toString();
+    entry.json = QString::fromUtf8(line);
+    return entry;
+}
+
+}  // namespace
+
+Engine::Engine(QObject *parent) : QObject(parent)
+{
+    CheckSystem::ProcessTree::prepare(m_process);
+    connect(&m_process, &QProcess::started, this, [this] {
+        m_tree.emplace().adopt(m_process);
+        Q_EMIT started();
+    });
+    connect(&m_process, &QProcess::readyReadStandardOutput, this, &Engine::readOutput);
+    connect(&m_process, &QProcess::readyReadStandardError, this, [this] {
+        m_errorOutput = (m_errorOutput + m_process.readAllStandardError()).right(longestErrorOutput);
+    });
+    connect(&m_process, &QProcess::finished, this, &Engine::takeEnd);
+    connect(&m_process, &QProcess::errorOccurred, this, &Engine::takeError);
+}
+
+Engine::~Engine()
+{
+    m_process.disconnect(this);
+    endChild();
+    // The process object must not be destroyed before its process has ended; a killed one does so at once.
+    m_process.waitForFinished();
+}
+
+void Engine::start()
+{
+    if (isRunning())
+        return;
+    m_unfinishedLine.clear();
+    m_errorOutput.clear();
+    m_entries.clear();
+    m_state = {};
+    m_lastCall.clear();
+    m_unloadable.clear();
+    m_sent = 0;
+    m_answered = 0;
+    m_isStopping = false;
+    QStringList words = m_setup.wrapper;
+    words << m_setup.kvx << u"shell"_s << u"--json"_s;
+    if (!m_setup.library.isEmpty())
+        words << u"--plugin"_s << m_setup.library;
+    const QString program = words.takeFirst();
+    m_process.start(program, words);
+}
+
+void Engine::stop()
+{
+    m_startsAgain = false;
+    if (!isRunning())
+        return;
+    m_isStopping = true;
+    endChild();
+}
+
+void Engine::endChild()
+{
+    if (m_tree && isRunning())
+        m_tree->end();
+    m_process.kill();
+}
+
+void Engine::restart()
+{
+    if (!isRunning()) {
+        start();
+        return;
+    }
+    stop();
+    m_startsAgain = true;
+}
+
+void Engine::send(const QString &line)
+{
+    if (!isRunning() || m_isStopping)
+        return;
+    QString oneLine = line;
+    oneLine.replace(u'\n', u' ').replace(u'\r', u' ');
+    m_process.write(oneLine.toUtf8() + '\n');
+    ++m_sent;
+    Q_EMIT sent(m_sent, oneLine);
+    noteBusy();
+}
+
+void Engine::readOutput()
+{
+    m_unfinishedLine += m_process.readAllStandardOutput();
+    qsizetype begin = 0;
+    for (qsizetype end = 0; (end = m_unfinishedLine.indexOf('\n', begin)) >= 0; begin = end + 1) {
+        const QByteArray line = m_unfinishedLine.mid(begin, end - begin).trimmed();
+        if (!line.isEmpty() && !takeLine(line))
+            m_errorOutput = (m_errorOutput + line + '\n').right(longestErrorOutput);
+    }
+    m_unfinishedLine.remove(0, begin);
+    deliverEntries();
+}
+
+bool Engine::takeLine(const QByteArray &line)
+{
+    const QJsonDocument document = QJsonDocument::fromJson(line);
+    if (!document.isObject())
+        return false;
+    const QJsonObject object = document.object();
+    if (object.contains("kind"_L1)) {
+        m_entries.append(entryOf(object, line));
+    } else if (object.contains("began"_L1)) {
+        m_lastCall = object.value("began"_L1).toString();
+    } else if (object.contains("answer"_L1)) {
+        deliverEntries();
+        takeAnswer(object);
+    } else if (object.contains("state"_L1)) {
+        deliverEntries();
+        m_state = object.value("state"_L1).toObject();
+        Q_EMIT stateChanged(m_state);
+    }
+    return true;
+}
+
+void Engine::deliverEntries()
+{
+    if (!m_entries.isEmpty())
+        Q_EMIT entriesCame(std::exchange(m_entries, {}));
+}
+
+void Engine::takeAnswer(const QJsonObject &object)
+{
+    Answer answer;
+    answer.number = object.value("answer"_L1).toInt();
+    answer.command = object.value("command"_L1).toString();
+    answer.result = object.value("result"_L1).toString();
+    answer.message = object.value("message"_L1).toString();
+    answer.expected = stringsOf(object.value("expected"_L1));
+    answer.actual = stringsOf(object.value("actual"_L1));
+    answer.printed = stringsOf(object.value("printed"_L1));
+    if (answer.result == "unloadable"_L1)
+        m_unloadable = answer.message;
+    m_answered = answer.number;
+    Q_EMIT answered(answer);
+    noteBusy();
+}
+
+void Engine::takeEnd(int exitCode, QProcess::ExitStatus status)
+{
+    readOutput();
+    EngineEnd end{EngineEnd::Kind::Finished, exitCode, m_lastCall,
+                  QString::fromUtf8(m_errorOutput).trimmed()};
+    if (m_isStopping) {
+        end.kind = EngineEnd::Kind::Stopped;
+    } else if (!m_unloadable.isEmpty()) {
+        end.kind = EngineEnd::Kind::Unloadable;
+        end.errorText = m_unloadable;
+    } else if (status == QProcess::CrashExit || exitCode != 0) {
+        end.kind = EngineEnd::Kind::Crashed;
+    }
+    finish(end);
+}
+
+void Engine::takeError(QProcess::ProcessError error)
+{
+    if (error == QProcess::FailedToStart)
+        finish({EngineEnd::Kind::NotStarted, 0, {}, m_process.errorString()});
+}
+
+void Engine::finish(const EngineEnd &end)
+{
+    const bool startsAgain = std::exchange(m_startsAgain, false);
+    m_isStopping = false;
+    m_tree.reset();
+    noteBusy();
+    Q_EMIT ended(end);
+    if (startsAgain)
+        start();
+}
+
+void Engine::noteBusy()
+{
+    if (m_wasBusy == isBusy())
+        return;
+    m_wasBusy = !m_wasBusy;
+    Q_EMIT busyChanged(m_wasBusy);
+}
