@@ -133,8 +133,8 @@ QList<TimelineEntry> Timeline::entriesAfter(quint64 sequence) const
 {
     const QMutexLocker locker(&m_mutex);
     const auto first =
-        std::find_if(m_entries.cbegin(), m_entries.cend(),
-                     [sequence](const TimelineEntry &entry) { return entry.sequence > sequence; });
+        std::upper_bound(m_entries.cbegin(), m_entries.cend(), sequence,
+                         [](quint64 last, const TimelineEntry &entry) { return last < entry.sequence; });
     return QList<TimelineEntry>(first, m_entries.cend());
 }
 

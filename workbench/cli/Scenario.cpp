@@ -211,9 +211,10 @@ CommandResult Scenario::finish()
 CommandResult Scenario::uncomparedLine()
 {
     const qsizetype compared = m_comparedLines.size();
-    const qsizetype seen = linesAfter(m_lastAction, {}).size();
+    if (compared == 0)
+        return {};
     CommandResult result;
-    if (compared > 0 && compared < seen)
+    if (compared < linesAfter(m_lastAction, {}).size())
         result = compareLine(compared, QString());
     m_comparedLines.clear();
     return result;
