@@ -33,6 +33,7 @@ class SimulatedReceiver : public RecordingReceiver
 public:
     /// number: where there are several, which the timeline names in the entries of this one.
     explicit SimulatedReceiver(Timeline &timeline, int number = 1);
+    int number() const { return m_number; }
 
     /// Adds a mouse or replaces its state. Reports nothing.
     void setMouse(DeviceId id, const SimulatedMouse &mouse);

@@ -10,7 +10,6 @@ struct RunOptions
     QString file;
     /// Empty for the library that is beside the program.
     QString pluginFile;
-    /// Not for kvx shell.
     bool isJson = false;
     /// Prints every step for a program; for kvx run only.
     bool isSteps = false;
@@ -28,6 +27,9 @@ ExitCode runSession(const RunOptions &options);
 /// kvx shell: the commands of scenarios at a prompt, with one mouse started. Goes on after a command that goes
 /// wrong; answers Success at its end.
 ExitCode runShell(const RunOptions &options);
+
+/// kvx shell --json: the same for a program, as docs/scenarios.md describes it, with no command of its own.
+ExitCode runJsonShell(const QString &pluginFile);
 
 /// kvx inspect: prints what a plugin library says of itself, what it misses here, and whether it loads.
 ExitCode runInspect(const QString &file);

@@ -1,6 +1,7 @@
 #include "MouseFields.h"
 
 #include "SimulatedMouse.h"
+#include "TimelineValue.h"
 #include "Words.h"
 
 #include <type_traits>
@@ -14,6 +15,7 @@ struct Field
     const char *name;
     // Answers whether the values fit the field.
     bool (*set)(SimulatedMouse &mouse, const QStringList &values);
+    QJsonValue (*value)(const SimulatedMouse &mouse);
 };
 
 bool setValue(bool &value, const QStringList &values)
@@ -50,17 +52,40 @@ bool setValue(std::array<quint16, count> &value, const QStringList &values)
     return isRight;
 }
 
+template <typename Value>
+QJsonValue jsonValue(const Value &value)
+{
+    return timelineValue(value);
+}
+
+template <std::size_t count>
+QJsonValue jsonValue(const std::array<quint16, count> &values)
+{
+    QJsonArray array;
+    for (const quint16 value : values)
+        array.append(value);
+    return array;
+}
+
+template <auto member>
+QJsonValue valueOf(const SimulatedMouse &mouse)
+{
+    return jsonValue(mouse.*member);
+}
+
 // A value that does not fit changes nothing.
 template <auto member>
 constexpr Field field(const char *name)
 {
-    return {name, [](SimulatedMouse &mouse, const QStringList &values) {
+    return {name,
+            [](SimulatedMouse &mouse, const QStringList &values) {
                 auto value = mouse.*member;
                 const bool isRight = setValue(value, values);
                 if (isRight)
                     mouse.*member = value;
                 return isRight;
-            }};
+            },
+            valueOf<member>};
 }
 
 using Mouse = SimulatedMouse;
@@ -70,7 +95,8 @@ constexpr Field fields[] = {
          const std::optional<int> index = onlyNumber(values, 1, dpiSlotCount);
          mouse.activeDpiSlotIndex = index.value_or(mouse.activeDpiSlotIndex);
          return index.has_value();
-     }},
+     },
+     valueOf<&Mouse::activeDpiSlotIndex>},
     field<&Mouse::batteryLevel>("batteryLevel"),
     field<&Mouse::deviceValue>("deviceValue"),
     field<&Mouse::dpiButtonId>("dpiButtonId"),
@@ -106,4 +132,12 @@ std::optional<QString> setMouseField(SimulatedMouse &mouse, const QString &name,
         return u"\"%1\" is no value for %2"_s.arg(values.join(u' '), name);
     }
     return u"a mouse has no \"%1\"; it has %2"_s.arg(name, names.join(u", "_s));
+}
+
+QJsonObject mouseFields(const SimulatedMouse &mouse)
+{
+    QJsonObject object;
+    for (const Field &field : fields)
+        object.insert(QString::fromLatin1(field.name), field.value(mouse));
+    return object;
 }

@@ -1,17 +1,14 @@
 #include "Output.h"
 
-#include <QtCore/QByteArray>
-
 #include <cstdio>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
-void write(std::FILE *stream, const QString &line)
+void write(std::FILE *stream, const QByteArray &lines)
 {
-    const QByteArray bytes = (line + u'\n').toUtf8();
-    std::fwrite(bytes.constData(), 1, static_cast<std::size_t>(bytes.size()), stream);
+    std::fwrite(lines.constData(), 1, static_cast<std::size_t>(lines.size()), stream);
     std::fflush(stream);
 }
 
@@ -19,12 +16,17 @@ void write(std::FILE *stream, const QString &line)
 
 void printLine(const QString &line)
 {
-    write(stdout, line);
+    printLines((line + u'\n').toUtf8());
+}
+
+void printLines(const QByteArray &lines)
+{
+    write(stdout, lines);
 }
 
 void printError(const QString &message)
 {
-    write(stderr, onOneLine(u"kvx: "_s + message));
+    write(stderr, (onOneLine(u"kvx: "_s + message) + u'\n').toUtf8());
 }
 
 QString onOneLine(QString text)

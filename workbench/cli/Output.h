@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QtCore/QByteArray>
 #include <QtCore/QString>
 
 /// What kvx answers to the shell.
@@ -14,6 +15,9 @@ enum class ExitCode {
 
 /// Writes a line to standard output, at once.
 void printLine(const QString &line);
+
+/// Writes whole lines with their ends to standard output, at once.
+void printLines(const QByteArray &lines);
 
 /// Writes "kvx: " and the message as one line to standard error.
 void printError(const QString &message);

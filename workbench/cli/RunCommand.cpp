@@ -106,6 +106,8 @@ ExitCode runSession(const RunOptions &options)
 
 ExitCode runShell(const RunOptions &options)
 {
+    if (options.isJson)
+        return runJsonShell(libraryFile(options));
     Scenario scenario(printLine);
     const ExitCode loaded = load(scenario, libraryFile(options));
     if (loaded != ExitCode::Success)

@@ -90,11 +90,21 @@ public:
     /// To be called behind the last line: what the last command left beyond what was expected is a difference.
     CommandResult finish();
 
+    /// Whether "repeat" waits for its "end".
+    bool isRepeating() const { return m_repeat.isOpen; }
+    /// Does without the rounds that are left.
+    void stopRepeating() { m_repeat = {}; }
+
     /// What came on the timeline since the last call.
     QList<TimelineEntry> takeEntries();
     Timeline::Style lineStyle() const;
     /// How many comparisons were made.
     int checkCount() const { return m_checkCount; }
+    /// Devices with their values, mice, faults and log switches now, as docs/scenarios.md describes them for front ends.
+    /// Leaves nothing on the timeline.
+    QJsonObject state();
+    /// The operations that "fault" takes, with their kind.
+    static QJsonArray operations();
 
     static QStringList commandNames();
 
@@ -129,6 +139,8 @@ private:
     CommandResult report(const QStringList &words);
     CommandResult fault(const QStringList &words);
     CommandResult faults(const QStringList &words);
+    static QList<const DeviceOperation *> operationsWithFaults();
+    static QString faultText(const ReceiverFault &fault);
     CommandResult clearFaults(const QStringList &words);
     /// Runs the command that the words are, if it can come by this route.
     CommandResult runBy(Route route, const QStringList &words);
@@ -154,6 +166,10 @@ private:
     CommandResult answerDelay(const QStringList &words);
     CommandResult resendLimit(const QStringList &words);
     CommandResult deadline(const QStringList &words);
+
+    // Scenario_State.cpp
+    static QJsonObject deviceState(DeviceId id, const Workbench::KnownDevice &known);
+    QJsonArray faultsState();
 
     // Scenario_Mouse.cpp
     CommandResult set(const QStringList &words);

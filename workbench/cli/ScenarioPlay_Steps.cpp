@@ -1,8 +1,8 @@
 #include "ScenarioHead.h"
 #include "ScenarioPlay.h"
+#include "StepLines.h"
 
 #include <QtCore/QJsonArray>
-#include <QtCore/QJsonDocument>
 #include <QtCore/QJsonObject>
 
 using namespace Qt::StringLiterals;
@@ -10,11 +10,6 @@ using namespace Qt::StringLiterals;
 namespace {
 
 using Print = std::function<void(const QString &line)>;
-
-QString jsonText(const QJsonObject &object)
-{
-    return QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact));
-}
 
 struct Outcome
 {
@@ -41,32 +36,14 @@ QString resultLine(const Outcome &outcome)
 
 Outcome outcomeOf(const PlayResult &played, int checkCount)
 {
-    switch (played.result.code) {
-    case ExitCode::Difference:
-        return {u"difference"_s, played, checkCount};
-    case ExitCode::Unusable:
-        return {u"unusable"_s, played, checkCount};
-    case ExitCode::Refused:
-        return {u"refused"_s, played, checkCount};
-    case ExitCode::Pending:
-        return {u"pending"_s, played, checkCount};
-    case ExitCode::Success:
-        break;
-    }
+    if (played.result.code != ExitCode::Success)
+        return {resultWord(played.result.code), played, checkCount};
     if (!played.skipped.isEmpty())
         return {u"skipped"_s, played, checkCount};
     if (checkCount == 0)
         return unusable(played.line,
                         u"the scenario expects nothing; add \"expect\", \"wait\" or \"= LINE\""_s);
     return {u"pass"_s, played, checkCount};
-}
-
-// So that the last call before a crash or a hang is known.
-void printBegun(const Print &print, const TimelineEntry &entry)
-{
-    using Kind = TimelineEntry::Kind;
-    if (entry.kind == Kind::Call || entry.kind == Kind::Receiver || entry.kind == Kind::Report)
-        print(jsonText({{u"began"_s, Timeline::line(entry, Timeline::Style::Plain)}}));
 }
 
 Outcome play(Scenario &scenario, const RunOptions &options, const QStringList &lines, const Print &print)
@@ -104,7 +81,10 @@ ExitCode playSteps(const RunOptions &options, const Print &print)
     if (const QString reason = head.reasonToSkip(); !reason.isEmpty())
         return report({u"skipped"_s, {{}, 0, reason}, 0});
     std::optional<Scenario> scenario(std::in_place, [](const QString &) {}, options.seed);
-    scenario->addObserver([&](const TimelineEntry &entry) { printBegun(print, entry); });
+    scenario->addObserver([&](const TimelineEntry &entry) {
+        if (const std::optional<QString> line = begunLine(entry))
+            print(*line);
+    });
     const Outcome outcome = play(*scenario, options, *lines, print);
     // Unloading belongs to what must pass. After a difference it may crash or hang, so the result comes
     // first.

@@ -110,7 +110,9 @@ CommandResult Scenario::categories(const QStringList &words)
 
 CommandResult Scenario::log(const QStringList &words)
 {
-    const QStringList names{u"debug"_s, u"warning"_s, u"critical"_s};
+    QStringList names;
+    for (const char *name : Workbench::logSwitchNames)
+        names.append(QString::fromLatin1(name));
     Workbench::LogSwitches switches = m_workbench.logSwitches();
     if (words.isEmpty())
         return wrongWord(QString(), u"a log switch: "_s + names.join(u", "_s));

@@ -297,7 +297,7 @@ CommandResult Scenario::report(const QStringList &words)
 
 CommandResult Scenario::fault(const QStringList &words)
 {
-    const QList<const DeviceOperation *> known = operationsToReceiver() + operationsToDevice();
+    const QList<const DeviceOperation *> known = operationsWithFaults();
     ReceiverFault fault;
     fault.operation = findOperation(known, words.value(0));
     fault.device = m_workbench.currentMouse();
@@ -324,12 +324,20 @@ CommandResult Scenario::faults(const QStringList & /*words*/)
     QList<ReceiverFault> faults;
     for (const SimulatedReceiver *receiver : m_workbench.receivers())
         faults.append(receiver->faults());
-    for (const ReceiverFault &fault : std::as_const(faults)) {
-        const QString times =
-            fault.times == ReceiverFault::always ? u"always"_s : u"times %1"_s.arg(fault.times);
-        m_print(u"%1 %2 %3"_s.arg(fault.operation->text(), fault.effectName(), times));
-    }
+    for (const ReceiverFault &fault : std::as_const(faults))
+        m_print(faultText(fault));
     return {};
+}
+
+QList<const DeviceOperation *> Scenario::operationsWithFaults()
+{
+    return operationsToReceiver() + operationsToDevice();
+}
+
+QString Scenario::faultText(const ReceiverFault &fault)
+{
+    const QString times = fault.times == ReceiverFault::always ? u"always"_s : u"times %1"_s.arg(fault.times);
+    return u"%1 %2 %3"_s.arg(fault.operation->text(), fault.effectName(), times);
 }
 
 CommandResult Scenario::clearFaults(const QStringList & /*words*/)

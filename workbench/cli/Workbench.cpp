@@ -93,7 +93,7 @@ bool Workbench::createDevice(DeviceId id, IPhysicalDevice *physicalDevice, bool 
     std::unique_ptr<HostedDevice> device = host.createDevice(physicalDevice, id);
     // What is reported by hand reaches every device.
     m_nextReceiver->attach(id, device->device());
-    m_devices.emplace(id, Entry{std::move(device), hasMouse, 0, m_nextReceiver});
+    m_devices.emplace(id, KnownDevice{std::move(device), hasMouse, 0, m_nextReceiver});
     m_current = id;
     return true;
 }

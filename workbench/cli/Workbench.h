@@ -27,6 +27,16 @@ class Workbench
 public:
     /// Debug, warning, critical.
     using LogSwitches = std::array<bool, 3>;
+    static constexpr std::array logSwitchNames{"debug", "warning", "critical"};
+
+    /// A device and what is known of it beside what it answers itself.
+    struct KnownDevice
+    {
+        std::unique_ptr<HostedDevice> device;
+        bool hasMouse = false;
+        int starts = 0;
+        SimulatedReceiver *receiver = nullptr;
+    };
 
     Workbench() = default;
     ~Workbench();
@@ -71,6 +81,7 @@ public:
     /// Whether there is a mouse behind the current device.
     bool hasMouse() const { return device() && m_devices.at(m_current).hasMouse; }
     bool hasSeveralDevices() const { return m_devices.size() > 1; }
+    const std::map<DeviceId, KnownDevice> &devices() const { return m_devices; }
 
     bool isStarted() const { return device() && m_devices.at(m_current).starts > 0; }
     /// To be called at each start of the current device.
@@ -94,14 +105,6 @@ public:
     std::chrono::milliseconds deadline{10000};
 
 private:
-    struct Entry
-    {
-        std::unique_ptr<HostedDevice> device;
-        bool hasMouse = false;
-        int starts = 0;
-        SimulatedReceiver *receiver = nullptr;
-    };
-
     void forgetDevice(const std::function<void(std::unique_ptr<HostedDevice>)> &end);
     bool createDevice(DeviceId id, IPhysicalDevice *physicalDevice, bool hasMouse);
 
@@ -110,7 +113,7 @@ private:
     PlainPhysicalDevice m_plainDevice{timeline};
     std::map<int, std::unique_ptr<SimulatedReceiver>> m_otherReceivers;
     SimulatedReceiver *m_nextReceiver = &receiver;
-    std::map<DeviceId, Entry> m_devices;
+    std::map<DeviceId, KnownDevice> m_devices;
     DeviceId m_current = 0;
     LogSwitches m_logSwitches{true, true, true};
     bool m_hasCategoryRules = false;

@@ -57,6 +57,8 @@ int parseAndRun()
     for (CLI::App *command : {session, run})
         command->add_flag("--json", options.isJson,
                           "Print the timeline as one JSON object a line, only that");
+    shell->add_flag("--json", options.isJson,
+                    "For programs: read commands, and print what happens as one JSON object a line");
 
     std::string inspectedFile;
     CLI::App *inspect =
