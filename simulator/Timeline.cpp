@@ -3,7 +3,6 @@
 #include "TimelineValue.h"
 
 #include <QtCore/QJsonDocument>
-#include <QtCore/QJsonObject>
 #include <QtCore/QMutexLocker>
 #include <QtCore/QThread>
 
@@ -180,7 +179,7 @@ QByteArray Timeline::jsonHeader()
     return QJsonDocument(QJsonObject{{u"schemaVersion"_s, schemaVersion}}).toJson(QJsonDocument::Compact);
 }
 
-QByteArray Timeline::jsonLine(const TimelineEntry &entry)
+QJsonObject Timeline::jsonObject(const TimelineEntry &entry)
 {
     QJsonObject object{{u"sequence"_s, timelineValue(entry.sequence)},
                        {u"timeUs"_s, timelineValue(static_cast<qint64>(entry.time.count()))},
@@ -196,7 +195,12 @@ QByteArray Timeline::jsonLine(const TimelineEntry &entry)
         object.insert(u"result"_s, portableValue(entry.result));
     if (entry.kind == TimelineEntry::Kind::Log)
         object.insert(u"category"_s, entry.category);
-    return QJsonDocument(object).toJson(QJsonDocument::Compact);
+    return object;
+}
+
+QByteArray Timeline::jsonLine(const TimelineEntry &entry)
+{
+    return QJsonDocument(jsonObject(entry)).toJson(QJsonDocument::Compact);
 }
 
 void Timeline::setObserver(std::function<void(const TimelineEntry &)> observer)

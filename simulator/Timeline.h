@@ -4,6 +4,7 @@
 
 #include <QtCore/QHash>
 #include <QtCore/QJsonArray>
+#include <QtCore/QJsonObject>
 #include <QtCore/QJsonValue>
 #include <QtCore/QList>
 #include <QtCore/QMutex>
@@ -83,7 +84,8 @@ public:
     static QString line(const TimelineEntry &entry, Style style);
     /// {"schemaVersion":1}: the first line of a JSON record.
     static QByteArray jsonHeader();
-    /// One JSON object without line breaks.
+    static QJsonObject jsonObject(const TimelineEntry &entry);
+    /// The same without line breaks.
     static QByteArray jsonLine(const TimelineEntry &entry);
 
     /// Called for each new entry, on the thread that records it, with no lock held; one observer at a time.

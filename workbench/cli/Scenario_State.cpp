@@ -67,7 +67,8 @@ QJsonObject Scenario::state()
     for (std::size_t i = 0; i < Workbench::logSwitchNames.size(); ++i)
         log.insert(QString::fromLatin1(Workbench::logSwitchNames.at(i)), m_workbench.logSwitches().at(i));
     return {{u"isLoaded"_s, m_workbench.host.factory() != nullptr},
-            {u"current"_s, m_workbench.device() ? timelineValue(m_workbench.currentMouse()) : QJsonValue()},
+            {u"current"_s,
+             m_workbench.device() ? QJsonValue(QString::number(m_workbench.currentMouse())) : QJsonValue()},
             {u"devices"_s, devices},
             {u"faults"_s, faultsState()},
             {u"log"_s, log}};
@@ -75,7 +76,7 @@ QJsonObject Scenario::state()
 
 QJsonObject Scenario::deviceState(DeviceId id, const Workbench::KnownDevice &known)
 {
-    QJsonObject state{{u"id"_s, timelineValue(id)},
+    QJsonObject state{{u"id"_s, QString::number(id)},
                       {u"isStarted"_s, known.starts > 0},
                       {u"hasMouse"_s, known.hasMouse},
                       {u"receiver"_s, known.receiver->number()}};

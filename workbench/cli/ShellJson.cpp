@@ -100,8 +100,11 @@ bool JsonShell::printEntries()
 {
     QByteArray lines;
     const QList<TimelineEntry> entries = m_scenario.takeEntries();
-    for (const TimelineEntry &entry : entries)
-        lines += Timeline::jsonLine(entry) + '\n';
+    for (const TimelineEntry &entry : entries) {
+        QJsonObject object = Timeline::jsonObject(entry);
+        object.insert(u"text"_s, Timeline::line(entry, Timeline::Style::Plain));
+        lines += jsonText(object).toUtf8() + '\n';
+    }
     if (lines.isEmpty())
         return false;
     printLines(lines);
@@ -146,12 +149,13 @@ void JsonShell::printAnswer(int number, const QString &command, const CommandRes
 std::optional<QString> problemOf(const QByteArray &line)
 {
     if (line.size() > StandardInput::longestLine)
-        return u"the line is longer than %1 bytes"_s.arg(StandardInput::longestLine);
+        return u"the line is longer than %1 bytes; write a shorter one"_s.arg(StandardInput::longestLine);
     if (line.contains('\0'))
-        return u"the line has a NUL character"_s;
+        return u"the line has a NUL character; write text"_s;
     QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
     const QString text = decoder(line);
-    return decoder.hasError() ? std::optional<QString>(u"the line is not UTF-8"_s) : std::nullopt;
+    return decoder.hasError() ? std::optional<QString>(u"the line is no UTF-8; write it in UTF-8"_s)
+                              : std::nullopt;
 }
 
 CommandResult JsonShell::answer(int number, const QByteArray &line)

@@ -25,6 +25,7 @@ void restoreCodePages()
 
 void unifyStandardStreams()
 {
+    _setmode(_fileno(stdin), _O_BINARY);
     _setmode(_fileno(stdout), _O_BINARY);
     _setmode(_fileno(stderr), _O_BINARY);
     outputCodePage = GetConsoleOutputCP();
