@@ -2,12 +2,17 @@
 
 #include <QtCore/QJsonDocument>
 
+#include <algorithm>
+#include <utility>
+
 using namespace Qt::StringLiterals;
 
 namespace {
 
 // Of the child's standard error, what is worth showing.
 constexpr qsizetype longestErrorOutput = 64 * 1024;  // bytes
+// No line of the child's is longer; what is cannot be kept until it ends.
+constexpr qsizetype longestLine = 16 * 1024 * 1024;  // bytes
 
 QStringList stringsOf(const QJsonValue &value)
 {
@@ -45,9 +50,8 @@ Engine::Engine(QObject *parent) : QObject(parent)
         Q_EMIT started();
     });
     connect(&m_process, &QProcess::readyReadStandardOutput, this, &Engine::readOutput);
-    connect(&m_process, &QProcess::readyReadStandardError, this, [this] {
-        m_errorOutput = (m_errorOutput + m_process.readAllStandardError()).right(longestErrorOutput);
-    });
+    connect(&m_process, &QProcess::readyReadStandardError, this,
+            [this] { noteError(m_process.readAllStandardError()); });
     connect(&m_process, &QProcess::finished, this, &Engine::takeEnd);
     connect(&m_process, &QProcess::errorOccurred, this, &Engine::takeError);
 }
@@ -121,15 +125,23 @@ void Engine::send(const QString &line)
 
 void Engine::readOutput()
 {
-    m_unfinishedLine += m_process.readAllStandardOutput();
+    const QByteArray output = m_process.readAllStandardOutput();
     qsizetype begin = 0;
-    for (qsizetype end = 0; (end = m_unfinishedLine.indexOf('\n', begin)) >= 0; begin = end + 1) {
-        const QByteArray line = m_unfinishedLine.mid(begin, end - begin).trimmed();
+    for (qsizetype end = 0; (end = output.indexOf('\n', begin)) >= 0; begin = end + 1) {
+        m_unfinishedLine += output.mid(begin, end - begin);
+        const QByteArray line = std::exchange(m_unfinishedLine, {}).trimmed();
         if (!line.isEmpty() && !takeLine(line))
-            m_errorOutput = (m_errorOutput + line + '\n').right(longestErrorOutput);
+            noteError(line + '\n');
     }
-    m_unfinishedLine.remove(0, begin);
+    m_unfinishedLine += output.mid(begin);
+    if (m_unfinishedLine.size() > longestLine)
+        noteError(std::exchange(m_unfinishedLine, {}));
     deliverEntries();
+}
+
+void Engine::noteError(const QByteArray &output)
+{
+    m_errorOutput = (m_errorOutput + output).right(longestErrorOutput);
 }
 
 bool Engine::takeLine(const QByteArray &line)
@@ -171,7 +183,7 @@ void Engine::takeAnswer(const QJsonObject &object)
     answer.printed = stringsOf(object.value("printed"_L1));
     if (answer.result == "unloadable"_L1)
         m_unloadable = answer.message;
-    m_answered = answer.number;
+    m_answered = std::clamp(answer.number, m_answered, m_sent);
     Q_EMIT answered(answer);
     noteBusy();
 }
@@ -179,8 +191,8 @@ void Engine::takeAnswer(const QJsonObject &object)
 void Engine::takeEnd(int exitCode, QProcess::ExitStatus status)
 {
     readOutput();
-    EngineEnd end{EngineEnd::Kind::Finished, exitCode, m_lastCall,
-                  QString::fromUtf8(m_errorOutput).trimmed()};
+    EngineEnd end{
+        EngineEnd::Kind::Finished, exitCode, m_lastCall, QString::fromUtf8(m_errorOutput).trimmed(), {}};
     if (m_isStopping) {
         end.kind = EngineEnd::Kind::Stopped;
     } else if (!m_unloadable.isEmpty()) {
@@ -188,6 +200,8 @@ void Engine::takeEnd(int exitCode, QProcess::ExitStatus status)
         end.errorText = m_unloadable;
     } else if (status == QProcess::CrashExit || exitCode != 0) {
         end.kind = EngineEnd::Kind::Crashed;
+        if (status == QProcess::CrashExit || CheckSystem::isException(exitCode))
+            end.crash = CheckSystem::crashName(exitCode);
     }
     finish(end);
 }
@@ -195,7 +209,7 @@ void Engine::takeEnd(int exitCode, QProcess::ExitStatus status)
 void Engine::takeError(QProcess::ProcessError error)
 {
     if (error == QProcess::FailedToStart)
-        finish({EngineEnd::Kind::NotStarted, 0, {}, m_process.errorString()});
+        finish({EngineEnd::Kind::NotStarted, 0, {}, m_process.errorString(), {}});
 }
 
 void Engine::finish(const EngineEnd &end)

@@ -43,6 +43,8 @@ struct EngineEnd
     QString lastCall;
     /// What the child wrote to its standard error, and the reason.
     QString errorText;
+    /// "SIGSEGV", "0xC0000005 (access violation)": why it crashed; empty when it ended with an exit code.
+    QString crash;
 };
 
 /// Runs "kvx shell --json" as a child process and speaks with it. The library lives in the child only: when it crashes or
@@ -106,6 +108,7 @@ Q_SIGNALS:
 private:
     void endChild();
     void readOutput();
+    void noteError(const QByteArray &output);
     /// False when the line is no JSON object.
     bool takeLine(const QByteArray &line);
     void deliverEntries();

@@ -1,39 +1,189 @@
 #include "MainWindow.h"
 
+#include "CommandField.h"
+#include "RecentFiles.h"
+#include "ScenarioDock.h"
+
+#include <QtCore/QFileInfo>
+#include <QtCore/QMimeData>
+#include <QtGui/QCloseEvent>
 #include <QtGui/QIcon>
-#include <QtGui/QPainter>
-#include <QtGui/QPixmap>
-#include <QtSvg/QSvgRenderer>
+#include <QtWidgets/QDockWidget>
 #include <QtWidgets/QLabel>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr QSize pictureSize(256, 256);
+constexpr auto wrapperKey = "wrapper"_L1;
 
-QPixmap picture()
+// Of "help": each command begins a line of its own, less indented than what is said about it.
+QStringList commandsOf(const QString &help)
 {
-    QSvgRenderer renderer(u":/window/kvx-workbench.svg"_s);
-    QPixmap pixmap(pictureSize);
-    pixmap.fill(Qt::transparent);
-    QPainter painter(&pixmap);
-    renderer.render(&painter);
-    return pixmap;
+    QStringList names;
+    const QStringList lines = help.split(u'\n');
+    for (const QString &line : lines) {
+        if (line.startsWith("  "_L1) && !line.startsWith("   "_L1))
+            names.append(line.trimmed().section(u' ', 0, 0));
+    }
+    return names;
+}
+
+QString fileOf(const QMimeData *data)
+{
+    const QString path = data->urls().value(0).toLocalFile();
+    return MainWindow::isLibrary(path) || MainWindow::isScenario(path) ? path : QString();
 }
 
 }  // namespace
 
-MainWindow::MainWindow(QWidget *parent) : QMainWindow(parent)
+MainWindow::MainWindow(Engine::Setup setup, QWidget *parent)
+    : QMainWindow(parent),
+      m_settings(QSettings::IniFormat, QSettings::UserScope, u"kvx"_s, u"kvx-workbench"_s),
+      m_transcript(&m_engine),
+      m_watch(&m_engine)
 {
+    if (setup.wrapper.isEmpty())
+        setup.wrapper = m_settings.value(wrapperKey).toStringList();
+    m_engine.setSetup(setup);
     Q_INIT_RESOURCE(window);  // the linker leaves it out of a static library otherwise
-    setObjectName("mainWindow"_L1);
     setWindowIcon(QIcon(u":/window/kvx-workbench.svg"_s));
-    setWindowTitle(u"kvx-workbench"_s);
-    auto *label = new QLabel(this);
-    label->setObjectName("picture"_L1);
-    label->setAccessibleName(tr("A mouse"));
-    label->setAlignment(Qt::AlignCenter);
-    label->setPixmap(picture());
-    setCentralWidget(label);
+    setAcceptDrops(true);
+    connect(&m_engine, &Engine::started, this, [this] { m_isFirstState = true; });
+    connect(&m_engine, &Engine::stateChanged, this, &MainWindow::takeState);
+    connect(&m_engine, &Engine::answered, this, &MainWindow::takeAnswer);
+    makeDocks();
+    connectDocks();
+    makeBars();
+    makeMenus();
+    restoreLayout();
+    showTitle();
+}
+
+MainWindow::~MainWindow()
+{
+    // What the docks do at the engine's end needs them.
+    m_engine.disconnect();
+}
+
+void MainWindow::newSession()
+{
+    m_startsMouse = true;
+    m_engine.restart();
+}
+
+void MainWindow::newEmptySession()
+{
+    m_startsMouse = false;
+    m_engine.restart();
+}
+
+void MainWindow::takeState()
+{
+    if (!std::exchange(m_isFirstState, false))
+        return;
+    if (m_help.isEmpty()) {
+        m_helpNumber = m_engine.sentCount() + 1;
+        m_engine.send(u"help"_s);
+    }
+    if (std::exchange(m_startsMouse, false)) {
+        m_engine.send(u"mouse 1"_s);
+        m_engine.send(u"start"_s);
+    }
+}
+
+void MainWindow::takeAnswer(const Answer &answer)
+{
+    if (answer.number != 0 && answer.number == m_helpNumber) {
+        m_helpNumber = 0;
+        m_help = answer.printed.join(u'\n');
+        m_command->setCommands(commandsOf(m_help));
+        return;
+    }
+    QString text = answer.command + u": "_s + answer.result;
+    if (!answer.message.isEmpty())
+        text += u", "_s + answer.message;
+    m_answer->setText(text.simplified());
+    m_answer->setToolTip(answer.printed.join(u'\n'));
+}
+
+bool MainWindow::isLibrary(const QString &path)
+{
+    return path.endsWith(".so"_L1) || path.endsWith(".dll"_L1, Qt::CaseInsensitive);
+}
+
+bool MainWindow::isScenario(const QString &path)
+{
+    return path.endsWith(".kvx"_L1, Qt::CaseInsensitive);
+}
+
+bool MainWindow::openFile(const QString &path)
+{
+    if (isLibrary(path)) {
+        openLibrary(path);
+        return true;
+    }
+    QDockWidget *scenario = dock("scenario");
+    scenario->show();
+    scenario->raise();
+    return m_scenario->openFile(path);
+}
+
+void MainWindow::openLibrary(const QString &file)
+{
+    Engine::Setup setup = m_engine.setup();
+    setup.library = file;
+    m_engine.setSetup(setup);
+    if (!file.isEmpty())
+        m_recent->add(file);
+    showTitle();
+    newSession();
+}
+
+void MainWindow::setWrapper(const QString &words)
+{
+    Engine::Setup setup = m_engine.setup();
+    setup.wrapper = QProcess::splitCommand(words);
+    m_engine.setSetup(setup);
+    m_settings.setValue(wrapperKey, setup.wrapper);
+    showTitle();
+    newSession();
+}
+
+void MainWindow::showTitle()
+{
+    QStringList parts{QFileInfo(m_engine.setup().library).fileName(), tr("kvx workbench")};
+    parts.removeAll(QString());
+    const QStringList wrapper = m_engine.setup().wrapper;
+    if (!wrapper.isEmpty())
+        parts.append(tr("under %1").arg(QFileInfo(wrapper.first()).fileName()));
+    setWindowTitle(parts.join(u" - "_s));
+}
+
+void MainWindow::closeEvent(QCloseEvent *event)
+{
+    if (m_scenario->isModified()) {
+        event->ignore();
+        m_scenario->whenSaved([this] {
+            m_scenario->forgetChanges();
+            close();
+        });
+        return;
+    }
+    m_settings.setValue("geometry"_L1, saveGeometry());
+    m_settings.setValue("layout"_L1, saveState(layoutVersion));
+    m_engine.stop();
+    event->accept();
+}
+
+void MainWindow::dragEnterEvent(QDragEnterEvent *event)
+{
+    if (!fileOf(event->mimeData()).isEmpty())
+        event->acceptProposedAction();
+}
+
+void MainWindow::dropEvent(QDropEvent *event)
+{
+    event->acceptProposedAction();
+    openFile(fileOf(event->mimeData()));
 }
