@@ -6,7 +6,10 @@ using namespace Qt::StringLiterals;
 
 Transcript::Transcript(Engine *engine, QObject *parent) : QObject(parent)
 {
-    connect(engine, &Engine::started, this, &Transcript::clear);
+    connect(engine, &Engine::started, this, [this, engine] {
+        if (engine->sentCount() == 0)
+            clear();
+    });
     connect(engine, &Engine::sent, this, &Transcript::addLine);
     connect(engine, &Engine::answered, this, &Transcript::takeAnswer);
 }
@@ -25,6 +28,8 @@ void Transcript::clear()
 
 void Transcript::addLine(int number, const QString &line)
 {
+    if (number == 1)
+        clear();
     if (commandWord(line) == "help"_L1)
         return;
     m_unanswered.insert(number, m_lines.size());
