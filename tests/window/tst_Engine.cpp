@@ -57,10 +57,7 @@ void tst_Engine::theSignalsOfALineComeInOrder()
     StartedEngine started;
     QVERIFY(started.play({u"mouse 1"_s, u"start"_s}));
     QStringList events;
-    const auto note = [&events](const QString &event) {
-        if (events.isEmpty() || events.last() != event)
-            events.append(event);
-    };
+    const auto note = [&events](const QString &event) { events.append(event); };
     const Engine *engine = &started.engine;
     connect(engine, &Engine::sent, this, [note] { note(u"sent"_s); });
     connect(engine, &Engine::busyChanged, this,
@@ -69,8 +66,12 @@ void tst_Engine::theSignalsOfALineComeInOrder()
     connect(engine, &Engine::answered, this, [note] { note(u"answered"_s); });
     connect(engine, &Engine::stateChanged, this, [note] { note(u"state"_s); });
     started.engine.send(u"setReportRate 250"_s);
-    QVERIFY(comes([&] { return events.contains(u"state"_s); }));
-    const QStringList expected{u"sent"_s, u"busy"_s, u"entries"_s, u"answered"_s, u"idle"_s, u"state"_s};
+    QVERIFY(comes([&] { return events.contains(u"idle"_s) && events.contains(u"state"_s); }));
+    QVERIFY(events.indexOf(u"entries"_s) < events.indexOf(u"answered"_s));
+    // A state comes when something changed, and that may be before the answer.
+    events.removeAll(u"entries"_s);
+    events.removeAll(u"state"_s);
+    const QStringList expected{u"sent"_s, u"busy"_s, u"answered"_s, u"idle"_s};
     QCOMPARE(events, expected);
 }
 
