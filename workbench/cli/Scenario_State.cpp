@@ -108,7 +108,7 @@ QJsonArray Scenario::faultsState()
                 {u"times"_s, fault.times == ReceiverFault::always ? QJsonValue(u"always"_s) : fault.times},
                 {u"text"_s, faultText(fault)}};
             if (fault.device)
-                object.insert(u"device"_s, timelineValue(*fault.device));
+                object.insert(u"device"_s, QString::number(*fault.device));
             faults.append(object);
         }
     }
