@@ -1,0 +1,197 @@
+#include "Eventually.h"
+#include "FaultsDock.h"
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// The dock with a child, and its parts by name.
+struct ShownDock
+{
+    ShownDock() { dock.show(); }
+
+    template <typename Widget>
+    Widget *part(const QString &name) const
+    {
+        return dock.findChild<Widget *>(name);
+    }
+    QComboBox *effect(const QString &operation) const
+    {
+        return part<QComboBox>(u"faultEffect_"_s + operation);
+    }
+    QLineEdit *value(const QString &operation) const { return part<QLineEdit>(u"faultValue_"_s + operation); }
+    QSpinBox *times(const QString &operation) const { return part<QSpinBox>(u"faultTimes_"_s + operation); }
+    QPushButton *set(const QString &operation) const { return part<QPushButton>(u"faultSet_"_s + operation); }
+    QString inForce(const QString &operation) const
+    {
+        return part<QLabel>(u"faultInForce_"_s + operation)->text();
+    }
+    QLabel *problem(const QString &operation) const { return part<QLabel>(u"faultProblem_"_s + operation); }
+    QPushButton *clear() const { return part<QPushButton>(u"faultsClear"_s); }
+
+    StartedEngine started;
+    FaultsDock dock{&started.engine};
+};
+
+const QString rate = u"setReportRate"_s;
+
+}  // namespace
+
+class tst_FaultsDock : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void thereIsARowForEachOperation();
+    void aFaultIsSetByClicks();
+    void eachEffectIsWrittenAsALine_data();
+    void eachEffectIsWrittenAsALine();
+    void severalAreInForceUntilTheyAreCleared();
+    void anUnusableLineIsExplainedInItsRow();
+    void withoutADeviceNothingCanBeSet();
+};
+
+void tst_FaultsDock::thereIsARowForEachOperation()
+{
+    ShownDock shown;
+    QJsonArray operations;
+    connect(&shown.started.engine, &Engine::stateChanged, &shown.dock, [&](const QJsonObject &state) {
+        if (state.contains(u"operations"_s))
+            operations = state.value(u"operations"_s).toArray();
+    });
+    QVERIFY(shown.started.play({u"mouse 1"_s}));
+    QVERIFY(operations.size() > 10);
+    for (const QJsonValue &operation : std::as_const(operations)) {
+        const QString name = operation[u"name"_s].toString();
+        QVERIFY2(shown.set(name), qUtf8Printable(name));
+        QVERIFY(!shown.effect(name)->accessibleName().isEmpty());
+    }
+    QCOMPARE(shown.dock.findChildren<QComboBox *>().size(), operations.size());
+    // A fresh child has the same ones.
+    shown.started.engine.restart();
+    KVX_EVENTUALLY_EQUAL(shown.started.ends.size(), 1);
+    KVX_EVENTUALLY(!shown.started.engine.state().isEmpty());
+    QCOMPARE(shown.dock.findChildren<QComboBox *>().size(), operations.size());
+}
+
+void tst_FaultsDock::aFaultIsSetByClicks()
+{
+    ShownDock shown;
+    QVERIFY(shown.started.play({u"mouse 1"_s, u"start"_s}));
+    KVX_EVENTUALLY(shown.set(rate)->isEnabled());
+    QVERIFY(!shown.clear()->isEnabled());
+    QTest::mouseClick(shown.set(rate), Qt::LeftButton);
+    QCOMPARE(shown.started.lines.last(), u"fault setReportRate refuse"_s);
+    KVX_EVENTUALLY_EQUAL(shown.inForce(rate), u"refuse times 1"_s);
+    QCOMPARE(shown.inForce(u"setDpiSlotValues"_s), QString());
+
+    QVERIFY(shown.started.play({u"setReportRate 250 => refused"_s}));
+    QCOMPARE(shown.started.answers.last().result, u"done"_s);
+    KVX_EVENTUALLY_EQUAL(shown.inForce(rate), QString());
+    KVX_EVENTUALLY(!shown.clear()->isEnabled());
+}
+
+void tst_FaultsDock::eachEffectIsWrittenAsALine_data()
+{
+    QTest::addColumn<QString>("operation");
+    QTest::addColumn<QString>("effect");
+    QTest::addColumn<QString>("value");
+    QTest::addColumn<int>("times");
+    QTest::addColumn<QString>("line");
+    QTest::addColumn<QString>("inForce");
+    QTest::newRow("refuse") << rate << u"refuse"_s << QString() << 3
+                            << u"fault setReportRate refuse times 3"_s << u"refuse times 3"_s;
+    QTest::newRow("drop") << u"reportRateConfirmed"_s << u"drop"_s << QString() << 1
+                          << u"fault reportRateConfirmed drop"_s << u"drop times 1"_s;
+    QTest::newRow("delay") << rate << u"delay"_s << u"5"_s << 0 << u"fault setReportRate delay 5 always"_s
+                           << u"delay always"_s;
+    QTest::newRow("repeat") << u"reportRateConfirmed"_s << u"repeat"_s << u"2"_s << 1
+                            << u"fault reportRateConfirmed repeat 2"_s << u"repeat times 1"_s;
+    QTest::newRow("alter") << u"setDpiSlotValues"_s << u"alter"_s << u"1 2 3 4 5 1 6"_s << 2
+                           << u"fault setDpiSlotValues alter 1 2 3 4 5 1 6 times 2"_s << u"alter times 2"_s;
+}
+
+void tst_FaultsDock::eachEffectIsWrittenAsALine()
+{
+    QFETCH(const QString, operation);
+    QFETCH(const QString, effect);
+    QFETCH(const QString, value);
+    QFETCH(const int, times);
+    QFETCH(const QString, line);
+    QFETCH(const QString, inForce);
+    ShownDock shown;
+    QVERIFY(shown.started.play({u"mouse 1"_s, u"start"_s}));
+    KVX_EVENTUALLY(shown.set(operation)->isEnabled());
+
+    QTest::keyClicks(shown.effect(operation), effect);
+    QCOMPARE(shown.effect(operation)->currentText(), effect);
+    QCOMPARE(shown.value(operation)->isEnabled(), !value.isEmpty());
+    QTest::keyClicks(shown.value(operation), value);
+    for (int i = 1; i < times; ++i)
+        QTest::keyClick(shown.times(operation), Qt::Key_Up);
+    for (int i = 1; i > times; --i)
+        QTest::keyClick(shown.times(operation), Qt::Key_Down);
+    if (value.isEmpty())
+        QTest::keyClick(shown.set(operation), Qt::Key_Space);
+    else
+        QTest::keyClick(shown.value(operation), Qt::Key_Return);
+
+    QCOMPARE(shown.started.lines.last(), line);
+    KVX_EVENTUALLY(shown.inForce(operation).startsWith(inForce.section(u' ', 0, 0)));
+    QVERIFY(shown.inForce(operation).endsWith(inForce.section(u' ', 1)));
+    QVERIFY(shown.problem(operation)->isHidden());
+}
+
+void tst_FaultsDock::severalAreInForceUntilTheyAreCleared()
+{
+    ShownDock shown;
+    QVERIFY(
+        shown.started.play({u"mouse 1"_s, u"fault setReportRate refuse"_s,
+                            u"fault setReportRate drop always"_s, u"fault dpiSlotValuesConfirmed drop"_s}));
+    KVX_EVENTUALLY_EQUAL(shown.inForce(rate), u"refuse times 1, drop always"_s);
+    KVX_EVENTUALLY_EQUAL(shown.inForce(u"dpiSlotValuesConfirmed"_s), u"drop times 1"_s);
+    QTest::mouseClick(shown.clear(), Qt::LeftButton);
+    QCOMPARE(shown.started.lines.last(), u"clear-faults"_s);
+    KVX_EVENTUALLY_EQUAL(shown.inForce(rate), QString());
+    QCOMPARE(shown.inForce(u"dpiSlotValuesConfirmed"_s), QString());
+}
+
+void tst_FaultsDock::anUnusableLineIsExplainedInItsRow()
+{
+    ShownDock shown;
+    QVERIFY(shown.started.play({u"mouse 1"_s}));
+    KVX_EVENTUALLY(shown.set(rate)->isEnabled());
+    QTest::keyClicks(shown.effect(rate), u"delay"_s);
+    QTest::keyClicks(shown.value(rate), u"soon"_s);
+    QTest::mouseClick(shown.set(rate), Qt::LeftButton);
+    KVX_EVENTUALLY(shown.problem(rate)->isVisible());
+    QCOMPARE(shown.started.answers.last().result, u"unusable"_s);
+    QVERIFY(shown.problem(rate)->text().endsWith(shown.started.answers.last().message));
+    QVERIFY(shown.problem(rate)->text().contains(u"soon"_s));
+    QVERIFY(shown.problem(u"setDpiSlotValues"_s)->isHidden());
+    QCOMPARE(shown.inForce(rate), QString());
+
+    shown.value(rate)->selectAll();
+    QTest::keyClicks(shown.value(rate), u"5\r"_s);
+    KVX_EVENTUALLY(shown.inForce(rate).startsWith(u"delay"_s));
+    QVERIFY(shown.problem(rate)->isHidden());
+}
+
+void tst_FaultsDock::withoutADeviceNothingCanBeSet()
+{
+    ShownDock shown;
+    QVERIFY(shown.started.settle());
+    KVX_EVENTUALLY(shown.set(rate));
+    QVERIFY(!shown.set(rate)->isEnabled());
+    QVERIFY(shown.started.play({u"mouse 1"_s, u"fault setReportRate refuse"_s}));
+    KVX_EVENTUALLY(shown.set(rate)->isEnabled());
+    KVX_EVENTUALLY(shown.clear()->isEnabled());
+    shown.started.engine.stop();
+    KVX_EVENTUALLY_EQUAL(shown.started.ends.size(), 1);
+    QVERIFY(!shown.set(rate)->isEnabled());
+    QVERIFY(!shown.clear()->isEnabled());
+    QCOMPARE(shown.inForce(rate), QString());
+}
+
+QTEST_MAIN(tst_FaultsDock)
+#include "tst_FaultsDock.moc"
