@@ -1,0 +1,261 @@
+#include "Eventually.h"
+#include "LibraryDock.h"
+#include "ThisSystem.h"
+
+#include <QtCore/QDir>
+#include <QtCore/QTemporaryDir>
+#include <QtTest/QSignalSpy>
+#include <QtWidgets/QDialogButtonBox>
+#include <QtWidgets/QFileDialog>
+#include <QtWidgets/QListView>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const QString builtLibrary = QStringLiteral(KVX_LIBRARY);
+
+/// The dock with a child, and its parts by name; as the main window does, it starts a child with the wanted library.
+struct ShownDock
+{
+    explicit ShownDock(const QString &library = builtLibrary) : started(library)
+    {
+        QObject::connect(&dock, &LibraryDock::libraryWanted, &dock, [this](const QString &file) {
+            started.engine.setSetup({QStringLiteral(KVX_COMMAND), file, {}});
+            started.engine.restart();
+        });
+        dock.show();
+    }
+
+    QPushButton *button(const QString &name) const { return dock.findChild<QPushButton *>(name); }
+    QString label(const QString &name) const { return dock.findChild<QLabel *>(name)->text(); }
+    QString verdict() const { return label(u"libraryVerdict"_s); }
+    QString change() const { return label(u"libraryChange"_s); }
+    QString residence() const { return label(u"libraryResidence"_s); }
+    QString report() const { return dock.findChild<QPlainTextEdit *>(u"libraryReport"_s)->toPlainText(); }
+    void typePath(const QString &text) const
+    {
+        path->selectAll();
+        QTest::keyClicks(path, text);
+    }
+
+    StartedEngine started;
+    LibraryDock dock{&started.engine};
+    QSignalSpy wanted{&dock, &LibraryDock::libraryWanted};
+    QLineEdit *path = dock.findChild<QLineEdit *>(u"libraryPath"_s);
+};
+
+/// A folder with a library of its own, which can be built again.
+struct Folder
+{
+    Folder() { QFile::copy(builtLibrary, library); }
+
+    /// As a linker does: another file takes its place. On Windows a loaded one can only be renamed.
+    bool takeAway() { return QFile::rename(library, folder.filePath(u"old%1"_s.arg(++builds))); }
+    bool build()
+    {
+        const QString fresh = folder.filePath(u"fresh"_s);
+        return QFile::copy(builtLibrary, fresh) && takeAway() && QFile::rename(fresh, library);
+    }
+
+    QTemporaryDir folder;
+    QString library = folder.filePath(QFileInfo(builtLibrary).fileName());
+    int builds = 0;
+};
+
+QByteArray contentsOf(const QString &file)
+{
+    QFile open(file);
+    return open.open(QIODevice::ReadOnly) ? open.readAll() : QByteArray();
+}
+
+bool append(const QString &file, const QByteArray &bytes)
+{
+    QFile open(file);
+    return open.open(QIODevice::Append) && open.write(bytes) == bytes.size();
+}
+
+}  // namespace
+
+class tst_LibraryDock : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void theLoadedLibraryIsInspected();
+    void aFileThatIsNoPluginIsRefused();
+    void aLibraryIsOpenedByItsPath();
+    void aLibraryIsOpenedByTheDialog();
+    void aRebuiltLibraryIsOffered();
+    void aRebuiltLibraryIsReloadedWhenItIsWhole();
+    void unloadLeavesNothing();
+    void whatFailsIsReported();
+    void theWrapperRunsTheInspection();
+};
+
+void tst_LibraryDock::theLoadedLibraryIsInspected()
+{
+    ShownDock shown;
+    KVX_EVENTUALLY(shown.verdict().endsWith(u"is a device plugin."_s));
+    QVERIFY2(shown.report().contains(QFileInfo(builtLibrary).canonicalFilePath()),
+             qUtf8Printable(shown.report()));
+    QVERIFY(shown.report().contains(u"metadata header"_s));
+    QCOMPARE(QDir::fromNativeSeparators(shown.path->text()), builtLibrary);
+    QVERIFY(shown.started.settle());
+    KVX_EVENTUALLY_EQUAL(shown.residence(), u"The library is in the process."_s);
+    QCOMPARE(shown.change(), QString());
+}
+
+void tst_LibraryDock::aFileThatIsNoPluginIsRefused()
+{
+    ShownDock shown;
+    QVERIFY(shown.started.settle());
+    KVX_EVENTUALLY(!shown.report().isEmpty());
+    const QTemporaryDir folder;
+    const QString file = folder.filePath(u"notes.so"_s);
+    QVERIFY(append(file, "no library"));
+    shown.typePath(file);
+    QTest::mouseClick(shown.button(u"libraryInspect"_s), Qt::LeftButton);
+    KVX_EVENTUALLY(shown.verdict().contains(u"notes.so cannot be used (exit code 2)"_s));
+    QVERIFY2(shown.report().contains(u"notes.so"_s), qUtf8Printable(shown.report()));
+    QVERIFY(shown.wanted.isEmpty());
+    QVERIFY(shown.started.engine.isRunning());
+
+    shown.typePath(u" "_s);
+    QTest::keyClick(shown.path, Qt::Key_Return);
+    QCOMPARE(shown.verdict(), u"There is no path to open."_s);
+    QVERIFY(shown.wanted.isEmpty());
+}
+
+void tst_LibraryDock::aLibraryIsOpenedByItsPath()
+{
+    ShownDock shown;
+    QVERIFY(shown.started.settle());
+    const Folder folder;
+    shown.typePath(folder.library);
+    QTest::keyClick(shown.path, Qt::Key_Return);
+    QCOMPARE(shown.wanted.size(), 1);
+    QCOMPARE(shown.wanted.first().first().toString(), folder.library);
+    KVX_EVENTUALLY(shown.report().contains(QFileInfo(folder.library).canonicalFilePath()));
+
+    KVX_EVENTUALLY(!shown.started.engine.state().isEmpty());
+    shown.typePath(builtLibrary);
+    QTest::mouseClick(shown.button(u"libraryOpen"_s), Qt::LeftButton);
+    QCOMPARE(shown.wanted.size(), 2);
+    KVX_EVENTUALLY(shown.report().contains(QFileInfo(builtLibrary).canonicalFilePath()));
+}
+
+void tst_LibraryDock::aLibraryIsOpenedByTheDialog()
+{
+    ShownDock shown;
+    const Folder folder;
+    QVERIFY(shown.started.settle());
+    // The dialog begins in the folder of the path.
+    shown.typePath(folder.folder.filePath(u"other"_s));
+    QTest::mouseClick(shown.button(u"libraryChoose"_s), Qt::LeftButton);
+    auto *const dialog = shown.dock.findChild<QFileDialog *>(u"libraryDialog"_s);
+    QVERIFY(dialog);
+    auto *const list = dialog->findChild<QListView *>(u"listView"_s);
+    QVERIFY(list);
+    KVX_EVENTUALLY(list->model()->rowCount(list->rootIndex()) == 1);
+    const QModelIndex file = list->model()->index(0, 0, list->rootIndex());
+    QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, list->visualRect(file).center());
+    QPushButton *const accept = dialog->findChild<QDialogButtonBox *>()->button(QDialogButtonBox::Open);
+    KVX_EVENTUALLY(accept->isEnabled());
+    QTest::mouseClick(accept, Qt::LeftButton);
+    KVX_EVENTUALLY_EQUAL(shown.wanted.size(), 1);
+    QCOMPARE(shown.wanted.first().first().toString(), folder.library);
+    KVX_EVENTUALLY(shown.report().contains(QFileInfo(folder.library).canonicalFilePath()));
+}
+
+void tst_LibraryDock::aRebuiltLibraryIsOffered()
+{
+    Folder folder;
+    ShownDock shown(folder.library);
+    QVERIFY(shown.started.settle());
+    KVX_EVENTUALLY(!shown.report().isEmpty());
+    QVERIFY(folder.build());
+    KVX_EVENTUALLY_EQUAL(shown.change(), u"The file was built again after it was loaded."_s);
+    QVERIFY(shown.wanted.isEmpty());
+    QTest::mouseClick(shown.button(u"libraryReload"_s), Qt::LeftButton);
+    QCOMPARE(shown.wanted.size(), 1);
+    QCOMPARE(shown.wanted.first().first().toString(), folder.library);
+    KVX_EVENTUALLY_EQUAL(shown.change(), QString());
+    // The one that took its place is watched, too.
+    KVX_EVENTUALLY(shown.started.engine.isRunning());
+    KVX_EVENTUALLY(!shown.report().isEmpty());
+    QVERIFY(folder.build());
+    KVX_EVENTUALLY_EQUAL(shown.change(), u"The file was built again after it was loaded."_s);
+}
+
+void tst_LibraryDock::aRebuiltLibraryIsReloadedWhenItIsWhole()
+{
+    Folder folder;
+    ShownDock shown(folder.library);
+    QVERIFY(shown.started.settle());
+    KVX_EVENTUALLY(!shown.report().isEmpty());
+    QTest::mouseClick(shown.dock.findChild<QCheckBox *>(u"libraryReloadsItself"_s), Qt::LeftButton);
+    QVERIFY(shown.dock.findChild<QCheckBox *>(u"libraryReloadsItself"_s)->isChecked());
+
+    QVERIFY(folder.takeAway());
+    KVX_EVENTUALLY_EQUAL(shown.change(), u"The file is gone; waiting for another."_s);
+    const QByteArray bytes = contentsOf(builtLibrary);
+    QVERIFY(append(folder.library, bytes.first(bytes.size() / 2)));
+    KVX_EVENTUALLY_EQUAL(shown.change(), u"The file has changed and is not whole yet."_s);
+    QVERIFY(shown.wanted.isEmpty());
+    QVERIFY(append(folder.library, bytes.sliced(bytes.size() / 2)));
+    KVX_EVENTUALLY_EQUAL(shown.wanted.size(), 1);
+    QCOMPARE(shown.wanted.first().first().toString(), folder.library);
+    KVX_EVENTUALLY_EQUAL(shown.change(), QString());
+}
+
+void tst_LibraryDock::unloadLeavesNothing()
+{
+    ShownDock shown;
+    QVERIFY(shown.started.play({u"mouse 1"_s, u"start"_s}));
+    KVX_EVENTUALLY(shown.button(u"libraryUnload"_s)->isEnabled());
+    QVERIFY(!shown.button(u"libraryLoad"_s)->isEnabled());
+    QTest::mouseClick(shown.button(u"libraryUnload"_s), Qt::LeftButton);
+    QCOMPARE(shown.started.lines.last(), u"unload"_s);
+    KVX_EVENTUALLY_EQUAL(shown.residence(), u"Unloaded: nothing of the library is left in the process."_s);
+    QCOMPARE(shown.started.answers.last().result, u"done"_s);
+    KVX_EVENTUALLY(shown.button(u"libraryLoad"_s)->isEnabled());
+    QVERIFY(!shown.button(u"libraryUnload"_s)->isEnabled());
+    QTest::mouseClick(shown.button(u"libraryLoad"_s), Qt::LeftButton);
+    QCOMPARE(shown.started.lines.last(), u"load"_s);
+    KVX_EVENTUALLY_EQUAL(shown.residence(), u"The library is in the process."_s);
+    KVX_EVENTUALLY(shown.button(u"libraryUnload"_s)->isEnabled());
+    QVERIFY(shown.wanted.isEmpty());
+}
+
+void tst_LibraryDock::whatFailsIsReported()
+{
+    ShownDock shown;
+    QVERIFY(shown.started.play({u"unload"_s, u"load as a/b"_s}));
+    QCOMPARE(shown.residence(), u"⚠ "_s + shown.started.answers.last().message);
+    QVERIFY(shown.residence().contains(u"a/b"_s));
+
+    // A library on Windows has no mark with which it stays.
+    if constexpr (!ThisSystem::isWindows) {
+        ShownDock staying(QStringLiteral(KVX_BROKEN_LIBRARIES "/library-that-stays-loaded/") +
+                          QFileInfo(builtLibrary).fileName());
+        QVERIFY(staying.started.settle());
+        KVX_EVENTUALLY(staying.button(u"libraryUnload"_s)->isEnabled());
+        QTest::mouseClick(staying.button(u"libraryUnload"_s), Qt::LeftButton);
+        KVX_EVENTUALLY_EQUAL(staying.residence(), u"⚠ unload: the library is still in the process"_s);
+    }
+}
+
+void tst_LibraryDock::theWrapperRunsTheInspection()
+{
+    ShownDock shown;
+    QVERIFY(shown.started.settle());
+    KVX_EVENTUALLY(shown.verdict().endsWith(u"is a device plugin."_s));
+    shown.started.engine.setSetup({QStringLiteral(KVX_COMMAND), builtLibrary, {u"/no/such/wrapper"_s}});
+    QTest::mouseClick(shown.button(u"libraryInspect"_s), Qt::LeftButton);
+    KVX_EVENTUALLY(shown.verdict().endsWith(u"was not inspected."_s));
+    QVERIFY2(shown.report().startsWith(u"kvx cannot be started: "_s), qUtf8Printable(shown.report()));
+}
+
+QTEST_MAIN(tst_LibraryDock)
+#include "tst_LibraryDock.moc"
