@@ -21,11 +21,14 @@ struct ShownDock
     }
     QLineEdit *value(const QString &operation) const { return part<QLineEdit>(u"faultValue_"_s + operation); }
     QSpinBox *times(const QString &operation) const { return part<QSpinBox>(u"faultTimes_"_s + operation); }
-    QPushButton *set(const QString &operation) const { return part<QPushButton>(u"faultSet_"_s + operation); }
+    QToolButton *set(const QString &operation) const { return part<QToolButton>(u"faultSet_"_s + operation); }
+    /// Empty when none is in force.
     QString inForce(const QString &operation) const
     {
-        return part<QLabel>(u"faultInForce_"_s + operation)->text();
+        const auto *const label = part<QLabel>(u"faultInForce_"_s + operation);
+        return label->isHidden() ? QString() : label->text().section(u"In force: "_s, 1);
     }
+    QString summary() const { return part<QLabel>(u"faultsSummary"_s)->text(); }
     QLabel *problem(const QString &operation) const { return part<QLabel>(u"faultProblem_"_s + operation); }
     QPushButton *clear() const { return part<QPushButton>(u"faultsClear"_s); }
 
@@ -150,8 +153,13 @@ void tst_FaultsDock::severalAreInForceUntilTheyAreCleared()
                             u"fault setReportRate drop always"_s, u"fault dpiSlotValuesConfirmed drop"_s}));
     KVX_EVENTUALLY_EQUAL(shown.inForce(rate), u"refuse times 1, drop always"_s);
     KVX_EVENTUALLY_EQUAL(shown.inForce(u"dpiSlotValuesConfirmed"_s), u"drop times 1"_s);
+    QCOMPARE(shown.summary(), u"Faults in force: 3"_s);
+    QVERIFY(shown.started.play({u"mouse 2"_s, u"fault setReportRate refuse"_s}));
+    KVX_EVENTUALLY_EQUAL(shown.inForce(rate),
+                         u"refuse times 1 for device 1, drop always for device 1, refuse times 1"_s);
     QTest::mouseClick(shown.clear(), Qt::LeftButton);
     QCOMPARE(shown.started.lines.last(), u"clear-faults"_s);
+    KVX_EVENTUALLY_EQUAL(shown.summary(), u"No fault is in force."_s);
     KVX_EVENTUALLY_EQUAL(shown.inForce(rate), QString());
     QCOMPARE(shown.inForce(u"dpiSlotValuesConfirmed"_s), QString());
 }

@@ -29,7 +29,7 @@ FaultRow::FaultRow(const QString &operation, QGridLayout *grid, QObject *parent)
       m_effect(new QComboBox(grid->parentWidget())),
       m_value(new QLineEdit(parentWidget())),
       m_times(new QSpinBox(parentWidget())),
-      m_set(new QPushButton(tr("Set"), parentWidget())),
+      m_set(new QToolButton(parentWidget())),
       m_inForce(new QLabel(parentWidget())),
       m_problem(new QLabel(parentWidget()))
 {
@@ -50,9 +50,11 @@ FaultRow::FaultRow(const QString &operation, QGridLayout *grid, QObject *parent)
     m_times->setSpecialValueText(tr("always"));
     m_times->setSuffix(tr(" ×", "times"));
     m_times->setValue(1);
-    m_problem->setWordWrap(true);
-    m_problem->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    m_problem->hide();
+    m_set->setText(tr("Set"));
+    for (QLabel *label : {m_inForce, m_problem}) {
+        label->setWordWrap(true);
+        label->hide();
+    }
 
     const int row = grid->rowCount();
     grid->addWidget(new QLabel(operation, parentWidget()), row, Operation);
@@ -60,12 +62,12 @@ FaultRow::FaultRow(const QString &operation, QGridLayout *grid, QObject *parent)
     grid->addWidget(m_value, row, Value);
     grid->addWidget(m_times, row, Times);
     grid->addWidget(m_set, row, Set);
-    grid->addWidget(m_inForce, row, InForce);
-    grid->addWidget(m_problem, row + 1, Effect, 1, ColumnCount - Effect);
+    grid->addWidget(m_inForce, row + 1, Effect, 1, ColumnCount - Effect);
+    grid->addWidget(m_problem, row + 2, Effect, 1, ColumnCount - Effect);
 
     connect(m_effect, &QComboBox::currentIndexChanged, this, &FaultRow::noteEffect);
-    connect(m_set, &QPushButton::clicked, this, [this] { Q_EMIT lineEntered(line()); });
-    connect(m_value, &QLineEdit::returnPressed, m_set, &QPushButton::click);
+    connect(m_set, &QToolButton::clicked, this, [this] { Q_EMIT lineEntered(line()); });
+    connect(m_value, &QLineEdit::returnPressed, m_set, &QToolButton::click);
     noteEffect();
 }
 
@@ -97,10 +99,8 @@ QString FaultRow::line() const
 
 void FaultRow::showInForce(const QString &faults)
 {
-    m_inForce->setText(faults);
-    QFont font = m_inForce->font();
-    font.setBold(!faults.isEmpty());
-    m_inForce->setFont(font);
+    m_inForce->setText(tr("In force: %1").arg(faults));
+    m_inForce->setVisible(!faults.isEmpty());
 }
 
 void FaultRow::showProblem(const QString &problem)

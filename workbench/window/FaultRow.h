@@ -5,16 +5,17 @@
 #include <QtWidgets/QGridLayout>
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QLineEdit>
-#include <QtWidgets/QPushButton>
 #include <QtWidgets/QSpinBox>
+#include <QtWidgets/QToolButton>
 
-/// The fields of one operation that faults can be set for: two rows of a grid, the second for what is wrong with a line.
+/// The fields of one operation that faults can be set for. Below them in the grid, when there is any, what is in force
+/// and what was wrong with the line.
 class FaultRow : public QObject
 {
     Q_OBJECT
 
 public:
-    enum Column { Operation, Effect, Value, Times, Set, InForce, ColumnCount };
+    enum Column { Operation, Effect, Value, Times, Set, ColumnCount };
 
     /// The widgets belong to the grid's widget.
     FaultRow(const QString &operation, QGridLayout *grid, QObject *parent);
@@ -37,7 +38,7 @@ private:
     QComboBox *m_effect;
     QLineEdit *m_value;
     QSpinBox *m_times;
-    QPushButton *m_set;
+    QToolButton *m_set;
     QLabel *m_inForce;
     QLabel *m_problem;
 };

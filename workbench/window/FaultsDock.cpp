@@ -5,14 +5,35 @@
 
 using namespace Qt::StringLiterals;
 
+namespace {
+
+struct Kind
+{
+    const char *word;
+    const char *title;
+};
+
+// In the order in which they are shown.
+constexpr Kind kinds[] = {
+    {"request", QT_TRANSLATE_NOOP("FaultsDock", "Requests to the mouse")},
+    {"report", QT_TRANSLATE_NOOP("FaultsDock", "Reports of the mouse")},
+    {"read", QT_TRANSLATE_NOOP("FaultsDock", "Values that the library reads")},
+};
+
+}  // namespace
+
 FaultsDock::FaultsDock(Engine *engine, QWidget *parent) : QWidget(parent), m_engine(engine)
 {
     m_clear->setObjectName(u"faultsClear"_s);
+    m_summary->setObjectName(u"faultsSummary"_s);
     connect(m_clear, &QPushButton::clicked, this, [this] { m_engine->send(u"clear-faults"_s); });
 
     auto *const layout = new QVBoxLayout(this);
     layout->addWidget(makeRows());
-    layout->addWidget(m_clear, 0, Qt::AlignRight);
+    auto *const bottom = new QHBoxLayout;
+    bottom->addWidget(m_summary, 1);
+    bottom->addWidget(m_clear);
+    layout->addLayout(bottom);
 
     connect(engine, &Engine::started, this, [this] {
         m_asked.clear();
@@ -28,7 +49,6 @@ FaultsDock::FaultsDock(Engine *engine, QWidget *parent) : QWidget(parent), m_eng
 QWidget *FaultsDock::makeRows()
 {
     m_grid->setColumnStretch(FaultRow::Value, 1);
-    m_grid->setColumnStretch(FaultRow::InForce, 2);
     auto *const area = new QScrollArea(this);
     area->setObjectName(u"faultsRows"_s);
     area->setAccessibleName(tr("Faults, one row an operation"));
@@ -40,29 +60,35 @@ QWidget *FaultsDock::makeRows()
 void FaultsDock::showState(const QJsonObject &state)
 {
     addRows(state.value("operations"_L1).toArray());
+    const QString current = state.value("current"_L1).toVariant().toString();
     QMap<QString, QStringList> inForce;
     const QJsonArray faults = state.value("faults"_L1).toArray();
     for (const QJsonValue &fault : faults) {
         const QString operation = fault["operation"_L1].toString();
-        inForce[operation].append(fault["text"_L1].toString().mid(operation.size()).trimmed());
+        const QString text = fault["text"_L1].toString().mid(operation.size()).trimmed();
+        const QString device = fault["device"_L1].toVariant().toString();
+        inForce[operation].append(
+            device.isEmpty() || device == current ? text : tr("%1 for device %2").arg(text, device));
     }
     for (auto row = m_rows.cbegin(); row != m_rows.cend(); ++row)
         (*row)->showInForce(inForce.value(row.key()).join(u", "_s));
-    m_clear->setEnabled(!inForce.isEmpty());
+    m_summary->setText(faults.isEmpty() ? tr("No fault is in force.")
+                                        : tr("Faults in force: %1").arg(faults.size()));
+    m_clear->setEnabled(!faults.isEmpty());
     // A fault is one of the current device.
-    m_rowsWidget->setEnabled(!state.value("current"_L1).toVariant().toString().isEmpty());
+    m_rowsWidget->setEnabled(!current.isEmpty());
 }
 
 void FaultsDock::addRows(const QJsonArray &operations)
 {
     if (operations.isEmpty() || !m_rows.isEmpty())
         return;
-    QString heading;
-    for (const QJsonValue &operation : operations) {
-        const QString kind = operation["kind"_L1].toString();
-        if (kind != std::exchange(heading, kind))
-            addHeading(kind);
-        addRow(operation["name"_L1].toString());
+    for (const Kind &kind : kinds) {
+        addHeading(tr(kind.title));
+        for (const QJsonValue &operation : operations) {
+            if (operation["kind"_L1].toString() == QLatin1StringView(kind.word))
+                addRow(operation["name"_L1].toString());
+        }
     }
     m_grid->setRowStretch(m_grid->rowCount(), 1);
 }

@@ -6,6 +6,8 @@
 #include <QtCore/QHash>
 #include <QtCore/QMap>
 #include <QtWidgets/QGridLayout>
+#include <QtWidgets/QLabel>
+#include <QtWidgets/QPushButton>
 #include <QtWidgets/QWidget>
 
 /// What goes wrong between the library and the mouse: one row an operation.
@@ -26,6 +28,7 @@ private:
     void showAnswer(const Answer &answer);
 
     Engine *m_engine;
+    QLabel *m_summary = new QLabel(this);
     QPushButton *m_clear = new QPushButton(tr("Clear all"), this);
     QWidget *m_rowsWidget = new QWidget;  // the scroll area owns it
     QGridLayout *m_grid = new QGridLayout(m_rowsWidget);

@@ -81,10 +81,15 @@ void ValuesDock::fillTable()
     m_table->setEditTriggers(QAbstractItemView::NoEditTriggers);
     m_table->setTabKeyNavigation(false);
     m_table->setWordWrap(false);
+    m_table->setAlternatingRowColors(true);
+    constexpr int rowMargin = 6;  // pixels
     m_table->verticalHeader()->hide();
     m_table->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
-    m_table->horizontalHeader()->setStretchLastSection(true);
-    m_table->horizontalHeader()->setSectionResizeMode(ValuesModel::Name, QHeaderView::ResizeToContents);
+    m_table->verticalHeader()->setDefaultSectionSize(m_table->fontMetrics().height() + rowMargin);
+    QHeaderView &header = *m_table->horizontalHeader();
+    header.setSectionResizeMode(QHeaderView::Stretch);
+    header.setSectionResizeMode(ValuesModel::Name, QHeaderView::ResizeToContents);
+    header.setSectionResizeMode(ValuesModel::Note, QHeaderView::ResizeToContents);
 
     auto *const copy = new QAction(tr("Copy as expect"), m_table);
     copy->setShortcut(QKeySequence::Copy);

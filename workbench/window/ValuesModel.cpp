@@ -170,8 +170,9 @@ QVariant ValuesModel::data(const QModelIndex &index, int role) const
     const auto column = static_cast<Column>(index.column());
     switch (role) {
     case Qt::DisplayRole:
-    case Qt::ToolTipRole:
         return text(column, name);
+    case Qt::ToolTipRole:
+        return column == Note ? noteInFull(name) : text(column, name);
     case Qt::DecorationRole:
         if (column == Note && !note(name).isEmpty())
             return QApplication::style()->standardIcon(QStyle::SP_MessageBoxWarning);
@@ -223,8 +224,17 @@ QString ValuesModel::note(const QString &name) const
         return {};
     const QString now = device->now.value(name);
     if (const auto signalled = device->signalled.constFind(name); signalled != device->signalled.cend())
-        return *signalled == now ? QString() : tr("differs from the last signal");
-    return device->first.value(name, now) == now ? QString() : tr("changed without a signal");
+        return *signalled == now ? QString() : tr("differs");
+    return device->first.value(name, now) == now ? QString() : tr("not signalled");
+}
+
+QString ValuesModel::noteInFull(const QString &name) const
+{
+    if (note(name).isEmpty())
+        return {};
+    return m_devices.value(m_device).signalled.contains(name)
+               ? tr("The getter answers something else than the last signal carried.")
+               : tr("The value has changed since the start, and no signal said so.");
 }
 
 void ValuesFilter::setText(const QString &text)

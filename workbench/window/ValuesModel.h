@@ -57,7 +57,9 @@ private:
     bool isFlashing(Column column, const QString &name) const;
     void endFlashes();
     QString text(Column column, const QString &name) const;
+    /// Empty for a row without a mark.
     QString note(const QString &name) const;
+    QString noteInFull(const QString &name) const;
 
     QHash<QString, Knowledge> m_devices;  // by id
     QString m_device;
