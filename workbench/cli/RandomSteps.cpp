@@ -87,8 +87,8 @@ QString RandomSteps::slotValue(const SimulatedMouse &mouse)
     return QString::number(mouse.dpiMin + upTo(mouse.dpiMax - mouse.dpiMin));
 }
 
-// One that a mouse can agree with.
-QString RandomSteps::request(const SimulatedMouse &mouse)
+// One that a mouse can agree with. isAlone: the mouse has answered all requests before it.
+QString RandomSteps::request(const SimulatedMouse &mouse, bool isAlone)
 {
     constexpr int lastButton = 6;
     switch (upTo(3)) {
@@ -104,6 +104,9 @@ QString RandomSteps::request(const SimulatedMouse &mouse)
     QStringList values;
     for (int slot = 0; slot < dpiSlotCount; ++slot)
         values.append(slotValue(mouse));
+    // Else the answer to another request may answer this one, too.
+    if (!isAlone)
+        values.first() = QString::number(mouse.dpiMin + m_ownValue++ % (mouse.dpiMax - mouse.dpiMin + 1));
     return u"setDpiSlotValues "_s + values.join(u' ');
 }
 
@@ -111,8 +114,10 @@ QString RandomSteps::request(const SimulatedMouse &mouse)
 RandomSteps::Step RandomSteps::requestsTogether(const SimulatedMouse &mouse)
 {
     Step step;
-    for (int count = 1 + upTo(2); count > 0; --count)
-        step.commands.append(route() + request(mouse) + u" nowait"_s);
+    const int count = 1 + upTo(2);
+    const bool isAlone = count == 1 && !mouse.isAsleep;
+    for (int done = 0; done < count; ++done)
+        step.commands.append(route() + request(mouse, isAlone) + u" nowait"_s);
     step.commands.append(u"settle"_s);
     return step;
 }

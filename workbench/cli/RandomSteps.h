@@ -34,7 +34,7 @@ private:
         return list[static_cast<typename List::size_type>(upTo(static_cast<int>(list.size()) - 1))];
     }
 
-    QString request(const SimulatedMouse &mouse);
+    QString request(const SimulatedMouse &mouse, bool isAlone);
     QString slotValue(const SimulatedMouse &mouse);
     QString offeredRate(const SimulatedMouse &mouse);
     QString route();
@@ -48,4 +48,6 @@ private:
 
     // Its numbers are the same everywhere, in contrast to those of the library's distributions.
     std::mt19937 m_engine;
+    // Of slot 1, no two of them alike.
+    int m_ownValue = 0;
 };
