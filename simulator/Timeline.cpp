@@ -19,14 +19,9 @@ constexpr QLatin1StringView ownCategoryPrefix{"com.orvane.KVX.Plugin.LogicalDevi
 // In the order of TimelineEntry::Kind.
 constexpr std::array kindWords{"call", "receiver", "report", "signal", "log", "host", "verdict"};
 
-QString kindWord(const TimelineEntry &entry)
-{
-    return QString::fromLatin1(kindWords.at(static_cast<std::size_t>(entry.kind)));
-}
-
 QString lineStart(const TimelineEntry &entry, bool showsDevice)
 {
-    QString start = entry.kind == TimelineEntry::Kind::Log ? entry.name : kindWord(entry);
+    QString start = entry.kind == TimelineEntry::Kind::Log ? entry.name : Timeline::kindWord(entry.kind);
     if (entry.receiver != 1)
         start += u' ' + QString::number(entry.receiver);
     if (showsDevice && entry.device)
@@ -164,6 +159,11 @@ QStringList Timeline::take(Style style)
     return linesOf(taken, style);
 }
 
+QString Timeline::kindWord(TimelineEntry::Kind kind)
+{
+    return QString::fromLatin1(kindWords.at(static_cast<std::size_t>(kind)));
+}
+
 QString Timeline::line(const TimelineEntry &entry, Style style)
 {
     if (style == Style::Full)
@@ -184,7 +184,7 @@ QJsonObject Timeline::jsonObject(const TimelineEntry &entry)
     QJsonObject object{{u"sequence"_s, timelineValue(entry.sequence)},
                        {u"timeUs"_s, timelineValue(static_cast<qint64>(entry.time.count()))},
                        {u"thread"_s, entry.thread},
-                       {u"kind"_s, kindWord(entry)},
+                       {u"kind"_s, kindWord(entry.kind)},
                        {u"name"_s, entry.name},
                        {u"arguments"_s, portableValue(entry.arguments)}};
     if (entry.device)

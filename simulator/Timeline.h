@@ -81,6 +81,8 @@ public:
     /// The lines since the last call, and forgets the entries: what a test compares.
     QStringList take(Style style = Style::Plain);
 
+    /// call, receiver, report, signal, log, host or verdict: the "kind" of its JSON object.
+    static QString kindWord(TimelineEntry::Kind kind);
     static QString line(const TimelineEntry &entry, Style style);
     /// {"schemaVersion":1}: the first line of a JSON record.
     static QByteArray jsonHeader();

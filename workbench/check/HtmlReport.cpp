@@ -2,6 +2,7 @@
 #include "JsonReport.h"
 #include "ReportFile.h"
 #include "ReportFiles.h"
+#include "VisibleText.h"
 
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>

@@ -1,6 +1,7 @@
 #include "CheckReport.h"
 #include "ReportFile.h"
 #include "ReportFiles.h"
+#include "VisibleText.h"
 
 #include <QtCore/QXmlStreamWriter>
 

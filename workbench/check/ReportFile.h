@@ -7,7 +7,3 @@
 
 /// Writes the whole file or leaves it as it was. No value, or why it could not be written.
 std::optional<QString> writeReportFile(const QString &file, const QByteArray &content);
-
-/// The text with each character that XML cannot hold or a reader cannot see as "<U+001B>", with other brackets. Blanks,
-/// tabs and line ends stay.
-QString visibleText(const QString &text);

@@ -13,6 +13,8 @@ struct RunOptions
     bool isJson = false;
     /// Prints every step for a program; for kvx run only.
     bool isSteps = false;
+    /// Where a picture of the timeline is written. For kvx run without steps only.
+    std::optional<QString> diagramFile;
     /// What the random commands of the scenario begin with.
     quint32 seed = Scenario::defaultSeed;
 };

@@ -1,9 +1,12 @@
 #include "Commands.h"
 #include "LineReader.h"
+#include "ReportFile.h"
 #include "ScenarioPlay.h"
+#include "SequenceDiagram.h"
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QDir>
+#include <QtCore/QSaveFile>
 
 #include <functional>
 
@@ -11,15 +14,31 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-void printNewEntries(Scenario &scenario, bool isJson)
+SequenceEntry sequenceEntry(const TimelineEntry &entry)
 {
-    const QList<TimelineEntry> entries = scenario.takeEntries();
-    for (const TimelineEntry &entry : entries)
-        printLine(isJson ? QString::fromUtf8(Timeline::jsonLine(entry))
-                         : Timeline::line(entry, scenario.lineStyle()));
+    return {entry.sequence,
+            entry.time.count(),
+            entry.thread,
+            entry.device,
+            entry.receiver,
+            Timeline::kindWord(entry.kind),
+            Timeline::line(entry, Timeline::Style::Plain)};
 }
 
-ExitCode play(Scenario &scenario, const QString &name, const QStringList &lines, bool isJson)
+// diagram: gets the same entries, unless it is null.
+void printNewEntries(Scenario &scenario, bool isJson, SequenceDiagram *diagram = nullptr)
+{
+    const QList<TimelineEntry> entries = scenario.takeEntries();
+    for (const TimelineEntry &entry : entries) {
+        if (diagram)
+            diagram->add(sequenceEntry(entry));
+        printLine(isJson ? QString::fromUtf8(Timeline::jsonLine(entry))
+                         : Timeline::line(entry, scenario.lineStyle()));
+    }
+}
+
+ExitCode play(Scenario &scenario, const QString &name, const QStringList &lines, bool isJson,
+              SequenceDiagram *diagram = nullptr)
 {
     if (isJson)
         printLine(QString::fromUtf8(Timeline::jsonHeader()));
@@ -28,7 +47,7 @@ ExitCode play(Scenario &scenario, const QString &name, const QStringList &lines,
             printLine(u"> "_s + command);
     };
     const PlayResult played =
-        playLines(scenario, lines, {printCommand, [&] { printNewEntries(scenario, isJson); }});
+        playLines(scenario, lines, {printCommand, [&] { printNewEntries(scenario, isJson, diagram); }});
     if (!played.skipped.isEmpty() && !isJson)
         printLine(u"not checked: "_s + played.skipped);
     if (!played.result.message.isEmpty())
@@ -69,6 +88,26 @@ std::function<void(const QString &)> printer(const RunOptions &options)
     };
 }
 
+// Before a run that takes long. The file itself is made after it, so that a crash leaves nothing behind.
+bool canBeWritten(const QString &diagramFile)
+{
+    QSaveFile file(diagramFile);
+    if (!diagramFile.isEmpty() && file.open(QIODevice::WriteOnly))
+        return true;
+    const QString reason = diagramFile.isEmpty() ? u"it is no name of a file"_s : file.errorString();
+    printError(u"\"%1\" cannot be written: %2; give the path of an SVG file behind --diagram"_s.arg(
+        diagramFile, reason));
+    return false;
+}
+
+bool writeDiagram(const QString &file, const SequenceDiagram &diagram)
+{
+    const std::optional<QString> reason = writeReportFile(file, diagram.svg(SequencePalette::light()));
+    if (reason)
+        printError(*reason);
+    return !reason;
+}
+
 }  // namespace
 
 ExitCode runScenario(const RunOptions &options)
@@ -84,9 +123,15 @@ ExitCode runScenario(const RunOptions &options)
         printError(problem);
         return ExitCode::Unusable;
     }
+    if (options.diagramFile && !canBeWritten(*options.diagramFile))
+        return ExitCode::Unusable;
     Scenario scenario(printer(options), options.seed);
     const ExitCode loaded = load(scenario, libraryFile(options));
-    return loaded == ExitCode::Success ? play(scenario, options.file, *lines, options.isJson) : loaded;
+    if (loaded != ExitCode::Success)
+        return loaded;
+    SequenceDiagram diagram;
+    const ExitCode played = play(scenario, options.file, *lines, options.isJson, &diagram);
+    return !options.diagramFile || writeDiagram(*options.diagramFile, diagram) ? played : ExitCode::Unusable;
 }
 
 ExitCode runSession(const RunOptions &options)

@@ -44,12 +44,17 @@ int parseAndRun()
         app.add_subcommand("shell", "Host the plugin by hand: the commands of scenarios at a prompt");
     std::string scenarioFile;
     std::string pluginFile;
+    std::string diagramFile;
     RunOptions options;
     run->add_option("FILE", scenarioFile, "The scenario; - for standard input")->required()->option_text(" ");
     run->add_flag("--steps", options.isSteps,
                   "For programs: print each step as one JSON object a line; FILE needs a head");
     run->add_option("--seed", options.seed, "What random commands begin with (default: 1)")
         ->option_text("NUMBER");
+    const CLI::Option *drawn =
+        run->add_option("--diagram", diagramFile, "Draw the timeline as a sequence diagram, an SVG")
+            ->option_text("FILE")
+            ->excludes("--steps");
     for (CLI::App *command : {session, run, shell})
         command
             ->add_option("--plugin", pluginFile, "The plugin library (default: the one beside this program)")
@@ -77,6 +82,8 @@ int parseAndRun()
 
     options.file = QString::fromUtf8(scenarioFile);
     options.pluginFile = QString::fromUtf8(pluginFile);
+    if (drawn->count() > 0)
+        options.diagramFile = QString::fromUtf8(diagramFile);
     if (session->parsed())
         return static_cast<int>(runSession(options));
     if (run->parsed())
