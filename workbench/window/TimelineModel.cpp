@@ -1,6 +1,6 @@
 #include "TimelineModel.h"
 
-#include "ReportFile.h"
+#include "VisibleText.h"
 
 #include <QtGui/QColor>
 #include <QtGui/QGuiApplication>
