@@ -107,9 +107,10 @@ KvxRun runInShell(const QString &command)
     return runProgram(program, words);
 }
 
-QJsonArray listedScenarios()
+// What --list or --explain prints.
+QJsonArray listedScenarios(const QStringList &arguments = {u"--list"_s})
 {
-    const KvxRun run = runKvx({u"check"_s, u"--list"_s, u"--json"_s});
+    const KvxRun run = runKvx(QStringList{u"check"_s} + arguments + QStringList{u"--json"_s});
     const QJsonObject object = QJsonDocument::fromJson(run.output.join(u'\n').toUtf8()).object();
     return object.value("schemaVersion"_L1).toInt() == 1 ? object.value("scenarios"_L1).toArray()
                                                          : QJsonArray();
@@ -521,6 +522,13 @@ void tst_KvxCheck::explanationHasTheLines()
                                 u"mouse 42"_s, u"= call createLogicalDevice()"_s})
         QVERIFY2(run.output.contains(line), qPrintable(line));
     QCOMPARE(run.output.filter(QRegularExpression(u"^(promise|why)   +\\S"_s)).size(), 2);
+
+    const QJsonArray explained = listedScenarios({u"--explain"_s, u"session"_s});
+    QCOMPARE(explained.size(), 1);
+    QJsonObject scenario = explained.first().toObject();
+    constexpr int headLines = 6;
+    QCOMPARE(QJsonArray::fromStringList(run.output.sliced(headLines)), scenario.take("lines"_L1).toArray());
+    QVERIFY(listedScenarios().contains(scenario));
 }
 
 void tst_KvxCheck::badUsage_data()
@@ -551,6 +559,7 @@ void tst_KvxCheck::badUsage_data()
         u"--timeout \"soon\" is no number of seconds"_s);
     row("json-without-file", {library, u"--json"_s}, u"--json needs the file to write"_s);
     row("list-into-file", {u"--list"_s, u"--json"_s, u"x.json"_s}, u"takes no file"_s);
+    row("explain-into-file", {u"--explain"_s, u"session"_s, u"--json"_s, u"x.json"_s}, u"takes no file"_s);
     row("waivers-missing", {library, u"--waivers"_s, u"/nowhere/x.toml"_s},
         u"\"/nowhere/x.toml\" cannot be read"_s);
     for (const char *const option : {"--junit", "--json", "--html"})

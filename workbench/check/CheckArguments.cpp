@@ -56,7 +56,7 @@ CheckArguments::CheckArguments(CLI::App &program)
     m_command->add_option("--junit", m_junitFile, "Write a report for build servers")->option_text("FILE");
     m_command
         ->add_option("--json", m_jsonFile,
-                     "Write a report for programs; behind --list print the list as JSON")
+                     "Write a report for programs; behind --list or --explain print as JSON")
         ->option_text("FILE")
         ->expected(0, 1);
     m_command->add_option("--html", m_htmlFile, "Write a report for readers")->option_text("FILE");
@@ -87,11 +87,13 @@ ExitCode CheckArguments::run()
     if (m_command->count("--seed") > 0)
         options.seed = m_seed;
     const bool isJson = m_command->count("--json") > 0;
-    if (m_command->count("--explain") > 0)
-        return explainScenario(text(m_explained));
+    const bool isExplained = m_command->count("--explain") > 0;
+    if ((isExplained || m_isList) && !options.jsonFile.isEmpty())
+        return refuse(u"--json behind --list or --explain NAME prints and takes no file"_s);
+    if (isExplained)
+        return explainScenario(text(m_explained), isJson);
     if (m_isList)
-        return options.jsonFile.isEmpty() ? listScenarios(options, isJson)
-                                          : refuse(u"--list --json prints the list and takes no file"_s);
+        return listScenarios(options, isJson);
     if (isJson && options.jsonFile.isEmpty())
         return refuse(u"--json needs the file to write"_s);
     if (options.names.isEmpty())

@@ -38,4 +38,4 @@ ExitCode runCheck(const CheckOptions &options);
 ExitCode listScenarios(const CheckOptions &options, bool isJson);
 
 /// kvx check --explain: what one scenario promises, and its lines.
-ExitCode explainScenario(const QString &name);
+ExitCode explainScenario(const QString &name, bool isJson);

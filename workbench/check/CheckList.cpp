@@ -14,6 +14,12 @@ namespace {
 
 constexpr int listSchemaVersion = 1;
 
+QStringList linesOf(const ContractScenario &scenario)
+{
+    QString problem;
+    return readScenario(scenario.file, problem).value_or(QStringList());
+}
+
 QJsonObject jsonOf(const ContractScenario &scenario)
 {
     const ScenarioHead &head = scenario.head;
@@ -25,11 +31,19 @@ QJsonObject jsonOf(const ContractScenario &scenario)
             {u"system"_s, head.system.isEmpty() ? QJsonValue() : QJsonValue(head.system)}};
 }
 
-void printJson(const QList<ContractScenario> &scenarios)
+QJsonObject jsonWithLinesOf(const ContractScenario &scenario)
+{
+    QJsonObject object = jsonOf(scenario);
+    object.insert(u"lines"_s, QJsonArray::fromStringList(linesOf(scenario)));
+    return object;
+}
+
+template <typename Function>
+void printJson(const QList<ContractScenario> &scenarios, const Function &toJson)
 {
     QJsonArray list;
     for (const ContractScenario &scenario : scenarios)
-        list.append(jsonOf(scenario));
+        list.append(toJson(scenario));
     const QJsonObject object{{u"schemaVersion"_s, listSchemaVersion}, {u"scenarios"_s, list}};
     printLine(QString::fromUtf8(QJsonDocument(object).toJson().trimmed()));
 }
@@ -45,6 +59,19 @@ void printTable(const QList<ContractScenario> &scenarios)
                   levelName(scenario.head.level).leftJustified(levelWidth) + scenario.head.title);
 }
 
+void printExplanations(const QList<ContractScenario> &scenarios)
+{
+    for (const ContractScenario &scenario : scenarios) {
+        printLine(u"scenario  "_s + scenario.name);
+        printLine(u"promise   "_s + scenario.head.title);
+        printLine(u"why       "_s + scenario.head.why);
+        printLine(u"level     "_s + levelName(scenario.head.level));
+        printLine(u"severity  "_s + severityName(scenario.head.severity));
+        printLine(u"system    "_s + (scenario.head.system.isEmpty() ? u"any"_s : scenario.head.system));
+        printLine(linesOf(scenario).join(u'\n'));
+    }
+}
+
 }  // namespace
 
 ExitCode listScenarios(const CheckOptions &options, bool isJson)
@@ -55,27 +82,17 @@ ExitCode listScenarios(const CheckOptions &options, bool isJson)
         printError(selected.problem);
         return ExitCode::Unusable;
     }
-    isJson ? printJson(selected.scenarios) : printTable(selected.scenarios);
+    isJson ? printJson(selected.scenarios, jsonOf) : printTable(selected.scenarios);
     return ExitCode::Success;
 }
 
-ExitCode explainScenario(const QString &name)
+ExitCode explainScenario(const QString &name, bool isJson)
 {
     const Selected selected = select({{name}, {}, Level::Stress});
     if (!selected.problem.isEmpty()) {
         printError(selected.problem);
         return ExitCode::Unusable;
     }
-    for (const ContractScenario &scenario : selected.scenarios) {
-        QString problem;
-        const QStringList lines = readScenario(scenario.file, problem).value_or(QStringList());
-        printLine(u"scenario  "_s + scenario.name);
-        printLine(u"promise   "_s + scenario.head.title);
-        printLine(u"why       "_s + scenario.head.why);
-        printLine(u"level     "_s + levelName(scenario.head.level));
-        printLine(u"severity  "_s + severityName(scenario.head.severity));
-        printLine(u"system    "_s + (scenario.head.system.isEmpty() ? u"any"_s : scenario.head.system));
-        printLine(lines.join(u'\n'));
-    }
+    isJson ? printJson(selected.scenarios, jsonWithLinesOf) : printExplanations(selected.scenarios);
     return ExitCode::Success;
 }

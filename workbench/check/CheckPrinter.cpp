@@ -44,18 +44,12 @@ QString seconds(std::chrono::milliseconds time)
     return QString::number(std::chrono::duration<double>(time).count(), 'f', 1) + u" s"_s;
 }
 
-QString feature(const ScenarioVerdict &verdict)
-{
-    const QString folder = verdict.name.section(u'/', 0, 0);
-    return verdict.name.endsWith(u".kvx") ? u"files"_s : folder;
-}
-
 QStringList features(const QList<ScenarioVerdict> &verdicts)
 {
     QStringList names;
     for (const ScenarioVerdict &verdict : verdicts) {
-        if (!names.contains(feature(verdict)))
-            names.append(feature(verdict));
+        if (!names.contains(featureOf(verdict.name)))
+            names.append(featureOf(verdict.name));
     }
     return names;
 }
@@ -206,7 +200,7 @@ void CheckPrinter::printTable(const CheckReport &report)
     const QStringList names = features(report.verdicts);
     for (const QString &name : names) {
         QList<ScenarioVerdict> verdicts = report.verdicts;
-        verdicts.removeIf([&](const ScenarioVerdict &verdict) { return feature(verdict) != name; });
+        verdicts.removeIf([&](const ScenarioVerdict &verdict) { return featureOf(verdict.name) != name; });
         print(row(name, verdicts));
     }
     print(row(u"all"_s, report.verdicts));

@@ -68,6 +68,11 @@ QString wordOf(Outcome outcome)
     return {};
 }
 
+QString featureOf(const QString &scenario)
+{
+    return scenario.endsWith(u".kvx") ? u"files"_s : scenario.section(u'/', 0, 0);
+}
+
 QList<Verdict> allVerdicts()
 {
     return {Verdict::Crash,  Verdict::Timeout, Verdict::Fail, Verdict::KitError,

@@ -78,5 +78,8 @@ Outcome outcomeOf(const CheckReport &report);
 QString wordOf(Verdict verdict);
 QString wordOf(Outcome outcome);
 
+/// What a scenario is counted under: its folder in the contract, or "files".
+QString featureOf(const QString &scenario);
+
 /// All verdicts, those first that ask for a reader's attention.
 QList<Verdict> allVerdicts();

@@ -21,6 +21,9 @@ public:
     static void prepare(QProcess &process);
     /// When it has started.
     void adopt(const QProcess &process);
+    /// Asks the process to end as Ctrl-C does; on a system without a way to ask, ends all of them at once. Only while the
+    /// process is running.
+    void interrupt(QProcess &process);
     /// Ends all of them at once. Only while the process is running.
     void end();
 

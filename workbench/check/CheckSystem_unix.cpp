@@ -37,6 +37,11 @@ void ProcessTree::adopt(const QProcess &process)
     m_data->process = process.processId();
 }
 
+void ProcessTree::interrupt(QProcess &process)
+{
+    process.terminate();
+}
+
 void ProcessTree::end()
 {
     if (m_data->process > 0)

@@ -52,6 +52,12 @@ void ProcessTree::adopt(const QProcess &process)
     CloseHandle(handle);
 }
 
+// Ctrl-C reaches only the processes of one's own console.
+void ProcessTree::interrupt(QProcess & /*process*/)
+{
+    end();
+}
+
 void ProcessTree::end()
 {
     TerminateJobObject(m_data->job, 1);
