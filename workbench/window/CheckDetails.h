@@ -1,0 +1,28 @@
+#pragma once
+
+#include <QtCore/QJsonObject>
+#include <QtWidgets/QTextBrowser>
+
+/// What a check found out about one scenario, to read.
+class CheckDetails : public QTextBrowser
+{
+    Q_OBJECT
+
+public:
+    explicit CheckDetails(QWidget *parent = nullptr);
+
+    /// scenario: as the report has it; empty for nothing. wrapper: what the repeating command has in front.
+    void showScenario(const QJsonObject &scenario, const QString &command);
+
+protected:
+    void changeEvent(QEvent *event) override;
+
+private:
+    void render();
+
+    QJsonObject m_scenario;
+    QString m_command;
+};
+
+/// A colour of the palette's text or base with a share of another, readable in the dark and in the light.
+QColor tinted(const QColor &color, const QColor &tint, double share);

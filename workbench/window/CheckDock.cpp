@@ -1,0 +1,334 @@
+#include "CheckDock.h"
+
+#include "CheckDetails.h"
+#include "CheckReport.h"
+#include "CheckTree.h"
+#include "KvxAnswer.h"
+#include "ReportFile.h"
+
+#include <QtCore/QFile>
+#include <QtCore/QFileInfo>
+#include <QtCore/QJsonArray>
+#include <QtCore/QJsonDocument>
+#include <QtCore/QUrl>
+#include <QtGui/QClipboard>
+#include <QtGui/QDesktopServices>
+#include <QtGui/QGuiApplication>
+#include <QtWidgets/QBoxLayout>
+#include <QtWidgets/QComboBox>
+#include <QtWidgets/QFileDialog>
+#include <QtWidgets/QLabel>
+#include <QtWidgets/QLineEdit>
+#include <QtWidgets/QProgressBar>
+#include <QtWidgets/QPushButton>
+#include <QtWidgets/QSpinBox>
+#include <QtWidgets/QSplitter>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+// Of the filter; the verdicts follow.
+constexpr int allRow = 0;
+constexpr int notPassedRow = 1;
+
+template <typename Widget>
+Widget *named(Widget *widget, const QString &objectName, const QString &accessibleName)
+{
+    widget->setObjectName(objectName);
+    widget->setAccessibleName(accessibleName);
+    return widget;
+}
+
+// The lines of the only scenario of "kvx check --explain NAME --json".
+QString scenarioText(const QByteArray &json)
+{
+    const QJsonArray scenarios = QJsonDocument::fromJson(json).object().value("scenarios"_L1).toArray();
+    QStringList text;
+    const QJsonArray lines = scenarios.at(0).toObject().value("lines"_L1).toArray();
+    for (const QJsonValue &line : lines)
+        text.append(line.toString());
+    return text.join(u'\n');
+}
+
+}  // namespace
+
+CheckDock::CheckDock(Engine *engine, QWidget *parent) : QWidget(parent), m_engine(engine)
+{
+    auto *const layout = new QVBoxLayout(this);
+    layout->addWidget(makeWishes());
+    m_progress = named(new QProgressBar, u"checkProgress"_s, tr("Progress of the check"));
+    m_progress->setFormat(tr("%v of %m"));
+    m_progress->hide();
+    layout->addWidget(m_progress);
+    m_outcome = named(new QLabel(tr("Run checks the library that the window has loaded.")), u"checkOutcome"_s,
+                      tr("Outcome of the check"));
+    m_outcome->setWordWrap(true);
+    m_outcome->setTextFormat(Qt::PlainText);
+    m_outcome->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    layout->addWidget(m_outcome);
+    layout->addWidget(makeResults(), 1);
+    layout->addWidget(makeActions());
+
+    connect(&m_run, &CheckRun::planned, this, &CheckDock::notePlan);
+    connect(&m_run, &CheckRun::verdictCame, this, &CheckDock::noteVerdict);
+    connect(&m_run, &CheckRun::ended, this, &CheckDock::noteEnd);
+    noteRunning(false);
+    noteCurrent();
+}
+
+QWidget *CheckDock::makeWishes()
+{
+    constexpr int mostJobs = 256;
+    auto *const row = new QWidget;
+    auto *const layout = new QHBoxLayout(row);
+    layout->setContentsMargins({});
+    m_level = named(new QComboBox, u"checkLevel"_s, tr("Level"));
+    m_level->addItems(levelNames());
+    m_level->setCurrentText(levelName(Level::Contract));
+    m_level->setToolTip(tr("load takes seconds, contract runs everything promised, stress takes longest"));
+    m_names = named(new QLineEdit, u"checkNames"_s, tr("Scenarios to run"));
+    m_names->setPlaceholderText(tr("all scenarios, or names and folders: session report-rate"));
+    m_names->setToolTip(
+        tr("Names and folders of scenarios, scenario files, and other options of kvx check, such as "
+           "--exclude threads, --seed 7, --timeout 60 or --waivers FILE"));
+    m_names->setClearButtonEnabled(true);
+    m_jobs = named(new QSpinBox, u"checkJobs"_s, tr("Processes at a time"));
+    m_jobs->setRange(0, mostJobs);
+    m_jobs->setSpecialValueText(tr("one per processor"));
+    m_jobs->setToolTip(m_jobs->accessibleName());
+    m_start = named(new QPushButton(tr("&Run")), u"checkStart"_s, tr("Run the check"));
+    m_cancel = named(new QPushButton, u"checkCancel"_s, tr("Cancel the check"));
+    const auto addLabelled = [&](const QString &text, QWidget *widget, int stretch) {
+        auto *const label = new QLabel(text);
+        label->setBuddy(widget);
+        layout->addWidget(label);
+        layout->addWidget(widget, stretch);
+    };
+    addLabelled(tr("&Level"), m_level, 0);
+    addLabelled(tr("S&cenarios"), m_names, 1);
+    addLabelled(tr("&Jobs"), m_jobs, 0);
+    layout->addWidget(m_start);
+    layout->addWidget(m_cancel);
+    connect(m_names, &QLineEdit::returnPressed, this, &CheckDock::start);
+    connect(m_start, &QPushButton::clicked, this, &CheckDock::start);
+    connect(m_cancel, &QPushButton::clicked, this, &CheckDock::cancel);
+    return row;
+}
+
+QWidget *CheckDock::makeResults()
+{
+    constexpr int stretchOfDetails = 2;
+    auto *const left = new QWidget;
+    auto *const layout = new QVBoxLayout(left);
+    layout->setContentsMargins({});
+    m_filter = named(new QComboBox, u"checkFilter"_s, tr("Verdicts to show"));
+    m_tree = named(new CheckTree, u"checkTree"_s, tr("Scenarios and their verdicts"));
+    fillFilter();
+    layout->addWidget(m_filter);
+    layout->addWidget(m_tree);
+    m_details = named(new CheckDetails, u"checkDetails"_s, tr("What the check found"));
+    auto *const splitter = new QSplitter;
+    splitter->addWidget(left);
+    splitter->addWidget(m_details);
+    splitter->setStretchFactor(0, 1);
+    splitter->setStretchFactor(1, stretchOfDetails);
+    splitter->setChildrenCollapsible(false);
+    connect(m_tree, &CheckTree::currentScenarioChanged, this, &CheckDock::noteCurrent);
+    connect(m_tree, &CheckTree::scenarioActivated, this, &CheckDock::askForScenario);
+    return splitter;
+}
+
+QWidget *CheckDock::makeActions()
+{
+    auto *const row = new QWidget;
+    auto *const layout = new QHBoxLayout(row);
+    layout->setContentsMargins({});
+    m_openScenario = named(new QPushButton(tr("&Open scenario")), u"checkOpenScenario"_s,
+                           tr("Open the scenario to run it"));
+    m_copyCommand = named(new QPushButton(tr("Copy co&mmand")), u"checkCopyCommand"_s,
+                          tr("Copy the command that repeats the scenario"));
+    m_saveReport =
+        named(new QPushButton(tr("&Save report...")), u"checkSaveReport"_s, tr("Save the HTML report"));
+    m_openReport = named(new QPushButton(tr("Show in &browser")), u"checkOpenReport"_s,
+                         tr("Show the HTML report in the browser"));
+    layout->addWidget(m_openScenario);
+    layout->addWidget(m_copyCommand);
+    layout->addStretch(1);
+    layout->addWidget(m_saveReport);
+    layout->addWidget(m_openReport);
+    connect(m_openScenario, &QPushButton::clicked, this, &CheckDock::askForScenario);
+    connect(m_copyCommand, &QPushButton::clicked, this, &CheckDock::copyCommand);
+    connect(m_saveReport, &QPushButton::clicked, this, &CheckDock::askForReportFile);
+    connect(m_openReport, &QPushButton::clicked, this, &CheckDock::openReport);
+    return row;
+}
+
+void CheckDock::fillFilter()
+{
+    m_filter->addItem(QString());
+    m_filter->addItem(QString());
+    const QList<Verdict> verdicts = allVerdicts();
+    for (const Verdict verdict : verdicts)
+        m_filter->addItem(QString(), wordOf(verdict));
+    connect(m_filter, &QComboBox::currentIndexChanged, this, &CheckDock::applyFilter);
+    noteCounts();
+}
+
+void CheckDock::noteCounts()
+{
+    const int all = m_tree->scenarioCount();
+    m_filter->setItemText(allRow, tr("all verdicts (%1)").arg(all));
+    m_filter->setItemText(notPassedRow,
+                          tr("all but pass (%1)").arg(all - m_tree->count(wordOf(Verdict::Pass))));
+    for (int row = notPassedRow + 1; row < m_filter->count(); ++row) {
+        const QString word = m_filter->itemData(row).toString();
+        m_filter->setItemText(row, u"%1 (%2)"_s.arg(word).arg(m_tree->count(word)));
+    }
+}
+
+void CheckDock::applyFilter(int row)
+{
+    using Filter = CheckTree::Filter;
+    if (row == allRow)
+        m_tree->setFilter(Filter::All);
+    else if (row == notPassedRow)
+        m_tree->setFilter(Filter::NotPassed);
+    else
+        m_tree->setFilter(Filter::OneVerdict, m_filter->itemData(row).toString());
+}
+
+void CheckDock::start()
+{
+    if (m_run.isRunning())
+        return;
+    m_setup = m_engine->setup();
+    if (m_setup.library.isEmpty()) {
+        m_outcome->setText(tr("There is no library to check; open one first."));
+        return;
+    }
+    m_tree->removeAll();
+    noteCounts();
+    m_hasReport = false;
+    m_progress->setRange(0, 0);
+    m_outcome->setText(tr("Checking %1").arg(m_setup.library));
+    m_run.start(m_setup, {m_level->currentText(), QProcess::splitCommand(m_names->text()), m_jobs->value()});
+    noteRunning(m_run.isRunning());
+}
+
+void CheckDock::cancel()
+{
+    m_run.cancel();
+    m_cancel->setText(tr("&End now"));
+    m_outcome->setText(tr("Cancelled; the check writes its report. End now does not wait for it."));
+}
+
+void CheckDock::notePlan(int scenarios)
+{
+    m_progress->setRange(0, scenarios);
+    m_progress->setValue(0);
+}
+
+void CheckDock::noteVerdict(const QString &scenario, const QString &verdict)
+{
+    m_tree->addVerdict(scenario, verdict);
+    m_progress->setValue(m_tree->scenarioCount());
+    noteCounts();
+}
+
+void CheckDock::noteEnd(const QJsonObject &report, const QString &problem)
+{
+    m_hasReport = !report.isEmpty();
+    m_tree->setReport(report);
+    noteCounts();
+    if (m_tree->currentScenario().isEmpty())
+        m_tree->selectFirstFailure();
+    const int planned = m_hasReport ? report.value("planned"_L1).toInt() : m_progress->maximum();
+    QStringList parts{m_hasReport ? report.value("outcome"_L1).toString() : problem};
+    if (const QString counts = m_tree->countText(); !counts.isEmpty())
+        parts.append(counts);
+    const QJsonArray problems = report.value("problems"_L1).toArray();
+    for (const QJsonValue &text : problems)
+        parts.append(text.toString());
+    if (m_tree->scenarioCount() < planned)
+        parts.append(tr("incomplete: %1 of %2 scenarios ran").arg(m_tree->scenarioCount()).arg(planned));
+    m_outcome->setText(u"%1: %2"_s.arg(QFileInfo(m_setup.library).fileName(), parts.join(u"; "_s)));
+    noteRunning(false);
+}
+
+void CheckDock::noteRunning(bool isRunning)
+{
+    m_start->setEnabled(!isRunning);
+    m_cancel->setEnabled(isRunning);
+    m_cancel->setText(tr("C&ancel"));
+    m_progress->setVisible(isRunning);
+    m_saveReport->setEnabled(!isRunning && m_hasReport);
+    m_openReport->setEnabled(!isRunning && m_hasReport);
+}
+
+void CheckDock::noteCurrent()
+{
+    const QJsonObject scenario = m_tree->currentScenario();
+    m_details->showScenario(scenario, repeatCommand());
+    m_openScenario->setEnabled(!scenario.isEmpty());
+    m_copyCommand->setEnabled(!repeatCommand().isEmpty());
+}
+
+// kvx does not know what runs it.
+QString CheckDock::repeatCommand() const
+{
+    const QString command = m_tree->currentScenario().value("repeatCommand"_L1).toString();
+    if (command.isEmpty())
+        return {};
+    QStringList words;
+    for (const QString &word : m_setup.wrapper)
+        words.append(CheckSystem::quoted(word));
+    return (words << command).join(u' ');
+}
+
+void CheckDock::copyCommand()
+{
+    QGuiApplication::clipboard()->setText(repeatCommand());
+}
+
+void CheckDock::askForScenario()
+{
+    const QString name = m_tree->currentScenario().value("name"_L1).toString();
+    if (name.isEmpty())
+        return;
+    askKvx(m_setup, {u"check"_s, u"--explain"_s, name, u"--json"_s}, this,
+           [this, name](const QString &output, const QString &problem) {
+               if (problem.isEmpty())
+                   Q_EMIT scenarioWanted(name, scenarioText(output.toUtf8()));
+               else
+                   m_outcome->setText(tr("%1 cannot be opened: %2").arg(name, problem));
+           });
+}
+
+void CheckDock::askForReportFile()
+{
+    auto *const dialog = new QFileDialog(this, tr("Save report"), u"report.html"_s, tr("Web pages (*.html)"));
+    dialog->setObjectName(u"checkReportDialog"_s);
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setAcceptMode(QFileDialog::AcceptSave);
+    dialog->setDefaultSuffix(u"html"_s);
+    connect(dialog, &QFileDialog::fileSelected, this, &CheckDock::saveReport);
+    dialog->open();
+}
+
+void CheckDock::saveReport(const QString &file)
+{
+    QFile report(m_run.htmlFile());
+    std::optional<QString> problem;
+    if (report.open(QIODevice::ReadOnly))
+        problem = writeReportFile(file, report.readAll());
+    else
+        problem = report.errorString();
+    m_outcome->setText(problem ? *problem : tr("The report is saved as %1").arg(file));
+}
+
+void CheckDock::openReport()
+{
+    if (!QDesktopServices::openUrl(QUrl::fromLocalFile(m_run.htmlFile())))
+        m_outcome->setText(tr("There is no browser to show %1").arg(m_run.htmlFile()));
+}

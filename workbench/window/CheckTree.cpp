@@ -1,0 +1,189 @@
+#include "CheckTree.h"
+
+#include "CheckDetails.h"
+#include "CheckReport.h"
+
+#include <QtCore/QEvent>
+#include <QtCore/QJsonArray>
+#include <QtWidgets/QHeaderView>
+
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+enum Column { NameColumn, VerdictColumn };
+constexpr int scenarioRole = Qt::UserRole;
+
+QString verdictOf(const QTreeWidgetItem *item)
+{
+    return item->data(NameColumn, scenarioRole).toJsonObject().value("verdict"_L1).toString();
+}
+
+QString countsAsText(const QHash<QString, int> &counts)
+{
+    QStringList parts;
+    const QList<Verdict> verdicts = allVerdicts();
+    for (const Verdict verdict : verdicts) {
+        if (const int number = counts.value(wordOf(verdict)))
+            parts.append(u"%1 %2"_s.arg(number).arg(wordOf(verdict)));
+    }
+    return parts.join(u", "_s);
+}
+
+bool wentWrong(const QString &verdict)
+{
+    return verdict != wordOf(Verdict::Pass) && verdict != wordOf(Verdict::Skipped) &&
+           verdict != wordOf(Verdict::Waived);
+}
+
+}  // namespace
+
+CheckTree::CheckTree(QWidget *parent) : QTreeWidget(parent)
+{
+    setHeaderLabels({tr("Scenario"), tr("Verdict")});
+    setUniformRowHeights(true);
+    sortByColumn(NameColumn, Qt::AscendingOrder);
+    setSortingEnabled(true);
+    header()->setStretchLastSection(true);
+    header()->setSectionResizeMode(NameColumn, QHeaderView::ResizeToContents);
+    connect(this, &QTreeWidget::currentItemChanged, this, &CheckTree::currentScenarioChanged);
+    connect(this, &QTreeWidget::itemActivated, this, [this](const QTreeWidgetItem *item) {
+        if (item->parent())
+            Q_EMIT scenarioActivated();
+    });
+}
+
+void CheckTree::removeAll()
+{
+    m_features.clear();
+    m_scenarios.clear();
+    m_counts.clear();
+    clear();
+}
+
+void CheckTree::addVerdict(const QString &scenario, const QString &verdict)
+{
+    auto *const item = new QTreeWidgetItem(featureItem(featureOf(scenario)));
+    m_scenarios.insert(scenario, item);
+    item->setData(NameColumn, scenarioRole, QJsonObject{{u"name"_s, scenario}, {u"verdict"_s, verdict}});
+    ++m_counts[verdict];
+    show(item);
+}
+
+void CheckTree::setReport(const QJsonObject &report)
+{
+    const QJsonArray scenarios = report.value("scenarios"_L1).toArray();
+    for (const QJsonValue &value : scenarios) {
+        const QJsonObject scenario = value.toObject();
+        const QString name = scenario.value("name"_L1).toString();
+        if (!m_scenarios.contains(name))
+            addVerdict(name, scenario.value("verdict"_L1).toString());
+        m_scenarios.value(name)->setData(NameColumn, scenarioRole, scenario);
+        m_scenarios.value(name)->setToolTip(NameColumn, scenario.value("title"_L1).toString());
+    }
+    Q_EMIT currentScenarioChanged();
+}
+
+QTreeWidgetItem *CheckTree::featureItem(const QString &name)
+{
+    QTreeWidgetItem *&item = m_features[name];
+    if (!item) {
+        item = new QTreeWidgetItem(this);
+        item->setText(NameColumn, name);
+    }
+    return item;
+}
+
+void CheckTree::show(QTreeWidgetItem *item)
+{
+    const QString name = item->data(NameColumn, scenarioRole).toJsonObject().value("name"_L1).toString();
+    QTreeWidgetItem *const feature = item->parent();
+    const bool isInFolder = name.startsWith(feature->text(NameColumn) + u'/');
+    item->setText(NameColumn, isInFolder ? name.section(u'/', 1) : name);
+    item->setText(VerdictColumn, verdictOf(item));
+    setColor(item);
+    item->setHidden(!isShown(verdictOf(item)));
+    noteCounts(feature);
+    if (wentWrong(verdictOf(item)))
+        feature->setExpanded(true);
+}
+
+void CheckTree::noteCounts(QTreeWidgetItem *feature)
+{
+    QHash<QString, int> counts;
+    bool isAnyShown = false;
+    for (int index = 0; index < feature->childCount(); ++index) {
+        ++counts[verdictOf(feature->child(index))];
+        isAnyShown = isAnyShown || !feature->child(index)->isHidden();
+    }
+    feature->setText(VerdictColumn, countsAsText(counts));
+    feature->setHidden(!isAnyShown);
+}
+
+void CheckTree::setFilter(Filter filter, const QString &verdict)
+{
+    m_filter = filter;
+    m_wantedVerdict = verdict;
+    for (QTreeWidgetItem *const item : std::as_const(m_scenarios))
+        item->setHidden(!isShown(verdictOf(item)));
+    for (QTreeWidgetItem *const feature : std::as_const(m_features))
+        noteCounts(feature);
+}
+
+bool CheckTree::isShown(const QString &verdict) const
+{
+    switch (m_filter) {
+    case Filter::All:
+        return true;
+    case Filter::NotPassed:
+        return verdict != wordOf(Verdict::Pass);
+    case Filter::OneVerdict:
+        return verdict == m_wantedVerdict;
+    }
+    return true;
+}
+
+void CheckTree::selectFirstFailure()
+{
+    for (QTreeWidgetItemIterator item(this, QTreeWidgetItemIterator::NoChildren); *item; ++item) {
+        if (wentWrong(verdictOf(*item))) {
+            setCurrentItem(*item);
+            return;
+        }
+    }
+}
+
+QString CheckTree::countText() const
+{
+    return countsAsText(m_counts);
+}
+
+QJsonObject CheckTree::currentScenario() const
+{
+    const QTreeWidgetItem *const item = currentItem();
+    return item ? item->data(NameColumn, scenarioRole).toJsonObject() : QJsonObject();
+}
+
+void CheckTree::changeEvent(QEvent *event)
+{
+    QTreeWidget::changeEvent(event);
+    if (event->type() != QEvent::PaletteChange)
+        return;
+    for (QTreeWidgetItem *const item : std::as_const(m_scenarios))
+        setColor(item);
+}
+
+void CheckTree::setColor(QTreeWidgetItem *item) const
+{
+    constexpr double share = 0.5;
+    const QColor text = palette().text().color();
+    const QString verdict = verdictOf(item);
+    if (wentWrong(verdict))
+        item->setForeground(VerdictColumn, tinted(text, Qt::red, share));
+    else if (verdict == wordOf(Verdict::Pass))
+        item->setForeground(VerdictColumn, tinted(text, Qt::green, share));
+    else
+        item->setForeground(VerdictColumn, text);
+}
