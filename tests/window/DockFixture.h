@@ -1,0 +1,55 @@
+#pragma once
+
+#include "StartedEngine.h"
+
+#include <QtWidgets/QWidget>
+
+/// A dock that is shown, with an engine whose child runs.
+template <typename Dock>
+struct DockFixture : StartedEngine
+{
+    DockFixture() : dock(&engine)
+    {
+        dock.resize(dock.sizeHint());
+        dock.show();
+        dock.activateWindow();
+        isReady = QTest::qWaitForWindowActive(&dock, limit) && settle();
+    }
+
+    /// Plays the lines and waits until the dock has the state that follows; takeLines() has nothing of it.
+    bool begin(const QStringList &scenario)
+    {
+        // The answer to an empty line comes behind the state.
+        const bool isPlayed = isReady && play(scenario) && play({QString()});
+        lines.clear();
+        return isPlayed;
+    }
+
+    template <typename Widget = QWidget>
+    Widget *widget(const char *name) const
+    {
+        auto *found = dock.template findChild<Widget *>(QLatin1StringView(name));
+        if (!found)
+            qFatal("there is no %s", name);
+        return found;
+    }
+
+    /// With the pointer, in its middle.
+    void click(const char *name) { QTest::mouseClick(widget(name), Qt::LeftButton); }
+
+    /// Puts the text where another one is, with the keyboard.
+    void type(const char *name, const QString &text)
+    {
+        QWidget *field = widget(name);
+        field->setFocus();
+        QTest::keySequence(field, QKeySequence::SelectAll);
+        QTest::keyClick(field, Qt::Key_Delete);
+        QTest::keyClicks(field, text);
+    }
+
+    /// What was sent since the last call, when all of it has its answer.
+    QStringList takeLines() { return settle() ? std::exchange(lines, {}) : QStringList{QStringLiteral("-")}; }
+
+    Dock dock;
+    bool isReady = false;
+};
