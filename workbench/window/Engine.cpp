@@ -47,7 +47,11 @@ Engine::Engine(QObject *parent) : QObject(parent)
     CheckSystem::ProcessTree::prepare(m_process);
     connect(&m_process, &QProcess::started, this, [this] {
         m_tree.emplace().adopt(m_process);
-        Q_EMIT started();
+        // It may have been stopped before it ran.
+        if (m_isStopping)
+            endChild();
+        else
+            Q_EMIT started();
     });
     connect(&m_process, &QProcess::readyReadStandardOutput, this, &Engine::readOutput);
     connect(&m_process, &QProcess::readyReadStandardError, this,

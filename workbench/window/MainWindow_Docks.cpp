@@ -1,6 +1,7 @@
 #include "MainWindow.h"
 #include "RecentFiles.h"
 #include "ScenarioDock.h"
+#include "TimelineDock.h"
 
 #include <QtWidgets/QDockWidget>
 
@@ -25,6 +26,7 @@ void MainWindow::makeDocks()
 {
     setDockNestingEnabled(true);
     m_scenario = new ScenarioDock(&m_engine, &m_transcript);
+    addDock(new TimelineDock(&m_engine), u"timeline"_s, tr("Timeline"));
     addDock(m_scenario, u"scenario"_s, tr("Scenario"));
 }
 

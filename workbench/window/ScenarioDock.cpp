@@ -1,13 +1,13 @@
 #include "ScenarioDock.h"
 
 #include "EndText.h"
+#include "ReportFile.h"
 #include "ScenarioEditor.h"
 #include "ScenarioLibrary.h"
 #include "ScenarioText.h"
 #include "Transcript.h"
 
 #include <QtCore/QFileInfo>
-#include <QtCore/QSaveFile>
 #include <QtCore/QStringDecoder>
 #include <QtGui/QTextBlock>
 #include <QtWidgets/QFileDialog>
@@ -198,7 +198,7 @@ bool ScenarioDock::openFile(const QString &path)
         return false;
     }
     whenSaved([this, path, text] {
-        show(QFileInfo(path).fileName(), QFileInfo(path).absoluteFilePath(), *text);
+        showText(QFileInfo(path).fileName(), QFileInfo(path).absoluteFilePath(), *text);
         Q_EMIT fileUsed(m_path);
     });
     return true;
@@ -206,10 +206,10 @@ bool ScenarioDock::openFile(const QString &path)
 
 void ScenarioDock::openText(const QString &title, const QString &text)
 {
-    whenSaved([this, title, text] { show(title, {}, text); });
+    whenSaved([this, title, text] { showText(title, {}, text); });
 }
 
-void ScenarioDock::show(const QString &title, const QString &path, const QString &text)
+void ScenarioDock::showText(const QString &title, const QString &path, const QString &text)
 {
     m_title = title;
     m_path = path;
@@ -318,11 +318,10 @@ void ScenarioDock::saveAs(const std::function<void()> &then)
 
 void ScenarioDock::write(const QString &path, const std::function<void()> &then)
 {
-    QSaveFile file(path);
     const QStringList lines = m_editor->lines();
     const QByteArray text = lines.isEmpty() ? QByteArray() : lines.join(u'\n').toUtf8() + '\n';
-    if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size() || !file.commit()) {
-        say(tr("%1 cannot be written: %2").arg(path, file.errorString()));
+    if (const std::optional<QString> problem = writeReportFile(path, text)) {
+        say(*problem);
         return;
     }
     m_path = path;

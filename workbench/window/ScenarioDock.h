@@ -46,7 +46,7 @@ private:
     void makeWidgets();
     void connectPlayer();
     void followTranscript();
-    void show(const QString &title, const QString &path, const QString &text);
+    void showText(const QString &title, const QString &path, const QString &text);
     void say(const QString &message);
     void showPlay();
     void showTitle();

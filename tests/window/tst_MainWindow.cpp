@@ -1,0 +1,416 @@
+#include "CommandField.h"
+#include "MainWindow.h"
+#include "Waiting.h"
+
+#include <QtCore/QMimeData>
+#include <QtCore/QTemporaryDir>
+#include <QtGui/QAccessible>
+#include <QtGui/QDropEvent>
+#include <QtTest/QSignalSpy>
+#include <QtWidgets/QAbstractItemView>
+#include <QtWidgets/QCompleter>
+#include <QtWidgets/QDockWidget>
+#include <QtWidgets/QInputDialog>
+#include <QtWidgets/QLabel>
+#include <QtWidgets/QMenu>
+#include <QtWidgets/QMessageBox>
+#include <QtWidgets/QPlainTextEdit>
+#include <QtWidgets/QTableView>
+#include <QtWidgets/QToolBar>
+#include <QtWidgets/QToolButton>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+QString brokenLibrary(const QString &name)
+{
+    return QStringLiteral(KVX_BROKEN_LIBRARIES) + u'/' + name + u'/' +
+           QStringLiteral(KVX_LIBRARY).section(u'/', -1);
+}
+
+/// A window with a session, and what came of it.
+struct ShownWindow
+{
+    explicit ShownWindow(const QString &library = QStringLiteral(KVX_LIBRARY))
+        : window({QStringLiteral(KVX_COMMAND), library, {}})
+    {
+        QObject::connect(window.engine(), &Engine::sent, &window,
+                         [this](int /*number*/, const QString &line) { lines.append(line); });
+        window.show();
+        window.newSession();
+    }
+
+    bool settle()
+    {
+        const Engine *engine = window.engine();
+        return comes([engine] { return !engine->state().isEmpty() && !engine->isBusy(); });
+    }
+
+    template <typename Widget>
+    Widget *child(const char *name) const
+    {
+        return window.findChild<Widget *>(QLatin1StringView(name));
+    }
+
+    void trigger(const char *name) const { child<QAction>(name)->trigger(); }
+
+    void type(const QString &line) const
+    {
+        auto *field = child<CommandField>("commandField");
+        QTest::keyClicks(field, line);
+        QTest::keyClick(field, Qt::Key_Return);
+    }
+
+    bool hasNotice() const { return child<QToolBar>("noticeBar")->isVisible(); }
+    QString notice() const { return child<QLabel>("noticeText")->text(); }
+    QString status() const { return child<QLabel>("sessionStatus")->text(); }
+
+    void drop(const QString &file)
+    {
+        QMimeData data;
+        data.setUrls({QUrl::fromLocalFile(file)});
+        constexpr QPoint place(5, 5);
+        QDragEnterEvent enter(place, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(&window, &enter);
+        isDropTaken = enter.isAccepted();
+        if (!isDropTaken)
+            return;
+        QDropEvent event(place, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(&window, &event);
+    }
+
+    MainWindow window;
+    QStringList lines;
+    bool isDropTaken = false;
+};
+
+}  // namespace
+
+class tst_MainWindow : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void init();
+    void aSessionFromTheFirstLineToTheEnd();
+    void anEmptySession();
+    void formerLinesAreRecalled();
+    void namesAreCompleted();
+    void aCrashKeepsTheTimeline();
+    void aHangIsSaidAndStopped();
+    void aHangDoesNotDelayTheEnd();
+    void aLibraryThatCannotBeLoaded();
+    void kvxIsMissing();
+    void filesAreDropped();
+    void filesAreKept();
+    void theLayoutIsKeptAndReset();
+    void theWindowIsUsableWhenItIsSmall();
+    void theWrapperIsKept();
+    void changesDelayTheEnd();
+    void helpAndVersions();
+    void everyWidgetThatTakesTheKeyboardHasAName();
+
+private:
+    QTemporaryDir m_settings;
+};
+
+void tst_MainWindow::initTestCase()
+{
+    QVERIFY(m_settings.isValid());
+}
+
+// Each test begins as a user who has never seen the program.
+void tst_MainWindow::init()
+{
+    QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, m_settings.path());
+    QSettings(QSettings::IniFormat, QSettings::UserScope, u"kvx"_s, u"kvx-workbench"_s).clear();
+}
+
+void tst_MainWindow::aSessionFromTheFirstLineToTheEnd()
+{
+    ShownWindow shown;
+    QVERIFY(shown.settle());
+    const QStringList begin{u"help"_s, u"mouse 1"_s, u"start"_s};
+    QCOMPARE(shown.lines, begin);
+    QCOMPARE(shown.status(), u"Running"_s);
+    QVERIFY(!shown.hasNotice());
+    shown.type(u"setReportRate 250"_s);
+    QVERIFY(shown.settle());
+    QCOMPARE(shown.lines.last(), u"setReportRate 250"_s);
+    QVERIFY(comes([&] { return shown.child<QLabel>("lastAnswer")->text() == u"setReportRate 250: done"_s; }));
+    const QStringList transcript{u"mouse 1"_s, u"start"_s, u"setReportRate 250"_s};
+    QCOMPARE(shown.window.transcript()->lines(), transcript);
+
+    shown.trigger("stopSession");
+    QVERIFY(comes([&] { return shown.hasNotice(); }));
+    QVERIFY(shown.notice().startsWith(u"The session was stopped."_s));
+    QTest::mouseClick(shown.child<QToolButton>("startAgain"), Qt::LeftButton);
+    QVERIFY(comes([&] { return shown.window.engine()->isRunning(); }));
+    QVERIFY(shown.settle());
+    QVERIFY(!shown.hasNotice());
+    const QStringList fresh{u"mouse 1"_s, u"start"_s};
+    QCOMPARE(shown.window.transcript()->lines(), fresh);
+    shown.trigger("quit");
+    QVERIFY(!shown.window.isVisible());
+}
+
+void tst_MainWindow::anEmptySession()
+{
+    ShownWindow shown;
+    QVERIFY(shown.settle());
+    shown.trigger("newEmptySession");
+    QVERIFY(
+        comes([&] { return shown.window.engine()->sentCount() == 0 && shown.window.engine()->isRunning(); }));
+    QVERIFY(shown.settle());
+    QCOMPARE(shown.window.transcript()->lines(), QStringList());
+    QCOMPARE(shown.window.engine()->state().value("devices"_L1).toArray().size(), 0);
+}
+
+void tst_MainWindow::formerLinesAreRecalled()
+{
+    ShownWindow shown;
+    QVERIFY(shown.settle());
+    auto *field = shown.child<CommandField>("commandField");
+    shown.type(u"press 1"_s);
+    shown.type(u"release 1"_s);
+    QCOMPARE(field->text(), QString());
+    QTest::keyClicks(field, u"x 2"_s);
+    QTest::keyClick(field, Qt::Key_Up);
+    QCOMPARE(field->text(), u"release 1"_s);
+    QTest::keyClick(field, Qt::Key_Up);
+    QTest::keyClick(field, Qt::Key_Up);
+    QCOMPARE(field->text(), u"press 1"_s);
+    QTest::keyClick(field, Qt::Key_Down);
+    QTest::keyClick(field, Qt::Key_Down);
+    QCOMPARE(field->text(), u"x 2"_s);
+}
+
+void tst_MainWindow::namesAreCompleted()
+{
+    ShownWindow shown;
+    QVERIFY(shown.settle());
+    auto *field = shown.child<CommandField>("commandField");
+    field->setFocus();
+    QTest::keyClicks(field, u"setrep"_s);
+    QCompleter *completer = field->completer();
+    QCOMPARE(completer->completionCount(), 1);
+    QCOMPARE(completer->currentCompletion(), u"setReportRate"_s);
+    // What is chosen is completed, not sent.
+    const qsizetype sent = shown.lines.size();
+    QVERIFY(comes([&] { return completer->popup()->isVisible(); }));
+    QTest::keyClick(completer->popup(), Qt::Key_Down);
+    QTest::keyClick(completer->popup(), Qt::Key_Return);
+    QCOMPARE(field->text(), u"setReportRate"_s);
+    QCOMPARE(shown.lines.size(), sent);
+}
+
+void tst_MainWindow::aCrashKeepsTheTimeline()
+{
+    ShownWindow shown(brokenLibrary(u"crash-without-receiver"_s));
+    QVERIFY(shown.settle());
+    shown.type(u"device 2 none"_s);
+    QVERIFY(shown.settle());
+    const auto *dock = shown.child<QDockWidget>("timelineDock");
+    const auto *table = dock->findChild<QTableView *>();
+    QVERIFY(comes([&] { return table->model()->rowCount() > 0; }));
+    shown.type(u"query26 1 2 3"_s);
+    QVERIFY(comes([&] { return shown.hasNotice(); }));
+    QVERIFY2(shown.notice().contains(u"call [2] query26(1, 2, 3)"_s) ||
+                 shown.notice().contains(u"call query26(1, 2, 3)"_s),
+             qPrintable(shown.notice()));
+    QVERIFY(shown.notice().contains(u"crashed"_s));
+    QVERIFY(table->model()->rowCount() > 0);
+    QVERIFY(shown.status().contains(u"crashed"_s));
+    QTest::mouseClick(shown.child<QToolButton>("startAgain"), Qt::LeftButton);
+    QVERIFY(comes([&] { return shown.window.engine()->isRunning(); }));
+    QVERIFY(shown.settle());
+    QVERIFY(!shown.hasNotice());
+}
+
+void tst_MainWindow::aHangIsSaidAndStopped()
+{
+    ShownWindow shown(brokenLibrary(u"lock-taken-twice"_s));
+    shown.window.watch()->setPatience(std::chrono::milliseconds(1));
+    QVERIFY(comes([&] { return shown.hasNotice(); }));
+    QVERIFY(comes([&] { return shown.notice().contains(u"call start()"_s); }));
+    QVERIFY2(shown.notice().startsWith(u"The library does not answer."_s), qPrintable(shown.notice()));
+    QVERIFY(comes([&] { return shown.status().startsWith(u"Busy since "_s); }));
+    QVERIFY(comes([&] { return shown.status().endsWith(u"call start()"_s); }));
+    QTest::mouseClick(shown.child<QToolButton>("noticeStop"), Qt::LeftButton);
+    QVERIFY(comes([&] { return !shown.window.engine()->isRunning(); }));
+    QVERIFY(shown.notice().contains(u"stopped"_s));
+    QVERIFY(!shown.child<QToolButton>("noticeStop")->isVisible());
+}
+
+// The hanging child never ends by itself, so the test would not end either.
+void tst_MainWindow::aHangDoesNotDelayTheEnd()
+{
+    ShownWindow shown(brokenLibrary(u"lock-taken-twice"_s));
+    QVERIFY(comes([&] { return shown.window.engine()->lastCall() == u"call start()"_s; }));
+    QVERIFY(shown.window.close());
+    QVERIFY(comes([&] { return !shown.window.engine()->isRunning(); }));
+}
+
+void tst_MainWindow::aLibraryThatCannotBeLoaded()
+{
+    const QTemporaryDir folder;
+    const QString library = folder.filePath(u"wrong.so"_s);
+    QVERIFY(QFile::copy(QStringLiteral(KVX_EXAMPLES) + u"/01-dpi-slots.kvx"_s, library));
+    ShownWindow shown(library);
+    QVERIFY(comes([&] { return shown.hasNotice(); }));
+    QVERIFY2(shown.notice().startsWith(u"The library cannot be loaded: "_s), qPrintable(shown.notice()));
+    QVERIFY(shown.notice().contains(u"wrong.so"_s));
+    QVERIFY(shown.window.openFile(QStringLiteral(KVX_LIBRARY)));
+    QVERIFY(comes([&] { return shown.window.engine()->isRunning(); }));
+    QVERIFY(shown.settle());
+    QVERIFY(!shown.hasNotice());
+}
+
+void tst_MainWindow::kvxIsMissing()
+{
+    MainWindow window({u"/nowhere/kvx"_s, {}, {}});
+    window.show();
+    window.newSession();
+    const auto *bar = window.findChild<QToolBar *>("noticeBar"_L1);
+    QVERIFY(comes([&] { return bar->isVisible(); }));
+    QVERIFY(window.findChild<QLabel *>("noticeText"_L1)->text().startsWith(u"kvx cannot be started: "_s));
+}
+
+void tst_MainWindow::filesAreDropped()
+{
+    ShownWindow shown;
+    QVERIFY(shown.settle());
+    const QString scenario = QStringLiteral(KVX_EXAMPLES) + u"/01-dpi-slots.kvx"_s;
+    shown.drop(scenario);
+    QVERIFY(shown.isDropTaken);
+    const auto *editor = shown.child<QPlainTextEdit>("scenarioEditor");
+    QVERIFY(editor->toPlainText().startsWith(u"# Five DPI slots"_s));
+    QVERIFY(editor->isVisible());
+
+    const QString library = brokenLibrary(u"report-rate-flag-without-signal"_s);
+    shown.drop(library);
+    QVERIFY(shown.isDropTaken);
+    QCOMPARE(shown.window.engine()->setup().library, library);
+    QVERIFY(shown.window.windowTitle().startsWith(QFileInfo(library).fileName()));
+    QVERIFY(
+        comes([&] { return shown.window.engine()->sentCount() >= 2 && !shown.window.engine()->isBusy(); }));
+
+    shown.drop(QStringLiteral(KVX_EXAMPLES) + u"/host/main.cpp"_s);
+    QVERIFY(!shown.isDropTaken);
+}
+
+void tst_MainWindow::filesAreKept()
+{
+    const QString scenario = QStringLiteral(KVX_EXAMPLES) + u"/01-dpi-slots.kvx"_s;
+    {
+        ShownWindow shown;
+        QVERIFY(shown.window.openFile(scenario));
+        QVERIFY(shown.window.openFile(QStringLiteral(KVX_LIBRARY)));
+        QVERIFY(shown.window.openFile(scenario));
+        QVERIFY(shown.window.close());
+    }
+    const ShownWindow shown;
+    const QList<QAction *> files = shown.child<QMenu>("recentFiles")->actions();
+    QCOMPARE(files.size(), 2);
+    QVERIFY(files.first()->text().endsWith(u"01-dpi-slots.kvx"_s));
+    files.first()->trigger();
+    QVERIFY(shown.child<QPlainTextEdit>("scenarioEditor")->toPlainText().startsWith(u"# Five DPI slots"_s));
+}
+
+void tst_MainWindow::theLayoutIsKeptAndReset()
+{
+    {
+        const ShownWindow shown;
+        shown.child<QDockWidget>("timelineDock")->hide();
+        const_cast<MainWindow &>(shown.window)
+            .addDockWidget(Qt::LeftDockWidgetArea, shown.child<QDockWidget>("scenarioDock"));
+        QVERIFY(const_cast<MainWindow &>(shown.window).close());
+    }
+    const ShownWindow shown;
+    const auto *timeline = shown.child<QDockWidget>("timelineDock");
+    const auto *scenario = shown.child<QDockWidget>("scenarioDock");
+    QVERIFY(timeline->isHidden());
+    QCOMPARE(shown.window.dockWidgetArea(const_cast<QDockWidget *>(scenario)), Qt::LeftDockWidgetArea);
+    shown.trigger("resetLayout");
+    QVERIFY(!timeline->isHidden());
+    QCOMPARE(shown.window.dockWidgetArea(const_cast<QDockWidget *>(scenario)), Qt::RightDockWidgetArea);
+}
+
+void tst_MainWindow::theWindowIsUsableWhenItIsSmall()
+{
+    ShownWindow shown;
+    constexpr QSize small(1024, 700);
+    shown.window.resize(small);
+    QVERIFY(shown.settle());
+    QVERIFY2(shown.window.minimumSizeHint().width() <= small.width() &&
+                 shown.window.minimumSizeHint().height() <= small.height(),
+             qPrintable(u"%1 x %2"_s.arg(shown.window.minimumSizeHint().width())
+                            .arg(shown.window.minimumSizeHint().height())));
+    QCOMPARE(shown.window.size(), small);
+}
+
+void tst_MainWindow::theWrapperIsKept()
+{
+    {
+        ShownWindow shown(u"plain"_s);
+        QVERIFY(comes([&] { return shown.hasNotice(); }));
+        shown.trigger("runUnder");
+        auto *question = shown.child<QInputDialog>("wrapperQuestion");
+        QVERIFY(question);
+        question->setTextValue(QStringLiteral("\"" KVX_FAKE "\" first"));
+        question->accept();
+        QVERIFY(comes([&] { return !shown.window.engine()->state().isEmpty(); }));
+        const QStringList words{QStringLiteral(KVX_FAKE), u"first"_s};
+        QCOMPARE(shown.window.engine()->setup().wrapper, words);
+        QVERIFY(shown.window.windowTitle().contains(u"under fake_kvx"_s));
+    }
+    const ShownWindow shown;
+    QCOMPARE(shown.window.windowTitle().contains(u"under fake_kvx"_s), true);
+}
+
+void tst_MainWindow::changesDelayTheEnd()
+{
+    ShownWindow shown;
+    QTest::keyClicks(shown.child<QPlainTextEdit>("scenarioEditor"), u"mouse 1"_s);
+    QVERIFY(!shown.window.close());
+    auto *question = shown.child<QMessageBox>("unsavedQuestion");
+    QVERIFY(question);
+    QTest::mouseClick(question->button(QMessageBox::Discard), Qt::LeftButton);
+    QVERIFY(!shown.window.isVisible());
+}
+
+void tst_MainWindow::helpAndVersions()
+{
+    ShownWindow shown;
+    QVERIFY(shown.settle());
+    shown.trigger("showCommands");
+    QVERIFY(shown.child<QPlainTextEdit>("textWindowText")->toPlainText().contains(u"setReportRate HZ"_s));
+    shown.trigger("showAbout");
+    const auto *box = shown.child<QMessageBox>("aboutBox");
+    QVERIFY(box->informativeText().contains(QLatin1StringView(qVersion())));
+    QVERIFY(box->informativeText().contains(QStringLiteral(KVX_VERSION)));
+    QVERIFY(comes([&] { return box->informativeText().contains(u"kvx "_s + QStringLiteral(KVX_VERSION)); }));
+}
+
+// A screen reader says the name, the text or the title.
+void tst_MainWindow::everyWidgetThatTakesTheKeyboardHasAName()
+{
+    ShownWindow shown;
+    QVERIFY(shown.settle());
+    QStringList nameless;
+    const QList<QWidget *> widgets = shown.window.findChildren<QWidget *>();
+    for (QWidget *widget : widgets) {
+        const bool isInner = widget->objectName().startsWith(u"qt_"_s) || !widget->isVisibleTo(&shown.window);
+        QAccessibleInterface *reader = QAccessible::queryAccessibleInterface(widget);
+        if (!isInner && (widget->focusPolicy() & Qt::TabFocus) != 0 && reader &&
+            reader->text(QAccessible::Name).isEmpty())
+            nameless.append(QLatin1StringView(widget->metaObject()->className()) + u' ' +
+                            widget->objectName());
+    }
+    QVERIFY2(nameless.isEmpty(), qPrintable(nameless.join(u", "_s)));
+}
+
+QTEST_MAIN(tst_MainWindow)
+#include "tst_MainWindow.moc"
