@@ -1,7 +1,7 @@
 #include "CheckDetails.h"
 
 #include "Difference.h"
-#include "ReportFile.h"
+#include "VisibleText.h"
 
 #include <QtCore/QEvent>
 #include <QtCore/QJsonArray>
