@@ -51,11 +51,12 @@ private Q_SLOTS:
     void nothingToDraw();
     void tooManyEntries();
     void bandsShowTheSame();
+    void textsAreFoundByTheirPlace();
     void palettesDifferInColoursOnly();
     void aRunIsDrawn();
     void jsonIsPrintedToo();
     void aRunThatFailsIsDrawn();
-    void aRunWithoutEntriesIsDrawn();
+    void anEmptyScenarioIsDrawn();
     void unusableFiles_data();
     void unusableFiles();
     void nothingIsWrittenWithoutALibrary();
@@ -277,6 +278,20 @@ void tst_KvxDiagram::bandsShowTheSame()
     QCOMPARE(numbers, whole.numbers);
 }
 
+void tst_KvxDiagram::textsAreFoundByTheirPlace()
+{
+    SequenceDiagram diagram;
+    diagram.add(signal(u"signal x()"_s));
+    diagram.add({2, 0, 1, {}, 1, u"log"_s, u"debug y"_s});
+    const int height = readSequence(diagram.svg(SequencePalette::light())).size.height();
+    QStringList texts;
+    for (int y = -1; y <= height; ++y)
+        texts.append(diagram.textAt(y));
+    texts.removeDuplicates();
+    QCOMPARE(texts, QStringList({QString(), u"signal x()"_s, u"debug y"_s}));
+    QCOMPARE(SequenceDiagram().textAt(0), QString());
+}
+
 void tst_KvxDiagram::palettesDifferInColoursOnly()
 {
     SequenceDiagram diagram;
@@ -329,7 +344,7 @@ void tst_KvxDiagram::aRunThatFailsIsDrawn()
     QVERIFY(drawn.picture.titles.contains(u"call createLogicalDevice()"_s));
 }
 
-void tst_KvxDiagram::aRunWithoutEntriesIsDrawn()
+void tst_KvxDiagram::anEmptyScenarioIsDrawn()
 {
     // The library is initialized before the first line, and that is on the timeline.
     const Drawn drawn = draw({});

@@ -9,6 +9,8 @@
 #include <QtCore/QXmlStreamReader>
 #include <QtGui/QClipboard>
 #include <QtGui/QGuiApplication>
+#include <QtGui/QHelpEvent>
+#include <QtGui/QTextDocumentFragment>
 #include <QtGui/QWheelEvent>
 #include <QtTest/QSignalSpy>
 #include <QtWidgets/QFileDialog>
@@ -16,6 +18,9 @@
 #include <QtWidgets/QLineEdit>
 #include <QtWidgets/QScrollBar>
 #include <QtWidgets/QToolButton>
+#include <QtWidgets/QToolTip>
+
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
@@ -59,7 +64,8 @@ QByteArray bytesOf(const QString &file)
 int colourCount(const QImage &image)
 {
     QSet<QRgb> colours;
-    for (int y = 0; y < image.height(); ++y) {
+    constexpr int mostLines = 300;
+    for (int y = 0; y < std::min(image.height(), mostLines); ++y) {
         for (int x = 0; x < image.width(); ++x)
             colours.insert(image.pixel(x, y));
     }
@@ -92,7 +98,8 @@ struct Shown
         QVERIFY(name);
         name->setText(file);
         QTest::keyClick(name, Qt::Key_Return);
-        QVERIFY(QTest::qWaitFor([&] { return message->isVisible(); }, StartedEngine::limit));
+        QVERIFY(QTest::qWaitFor([&] { return !dock.findChild<QFileDialog *>(); }, StartedEngine::limit));
+        QVERIFY(message->isVisible());
     }
 
     Engine engine;
@@ -118,6 +125,7 @@ private Q_SLOTS:
     void theWheelZoomsAtThePointer();
     void theWheelAloneScrolls();
     void namesStayInSight();
+    void aToolTipHasTheFullText();
     void darkAndLight();
     void exportsSvg();
     void exportsPng();
@@ -259,6 +267,25 @@ void tst_SequenceDock::namesStayInSight()
     QVERIFY(!heads->isVisible());
 }
 
+void tst_SequenceDock::aToolTipHasTheFullText()
+{
+    const QString text = u"<b>&"_s + QString(200, u'x') + u"</b>"_s;
+    Shown shown;
+    shown.dock.showEntries({entry(u"signal"_s, u"signal first()"_s), entry(u"log"_s, text)});
+    shown.click(u"zoomIn"_s);
+    const auto tipAt = [&](int y) {
+        const QPoint place(100, static_cast<int>(y * shown.view->zoom()));
+        QHelpEvent event(QEvent::ToolTip, place, shown.picture->mapToGlobal(place));
+        QCoreApplication::sendEvent(shown.picture, &event);
+        return QTextDocumentFragment::fromHtml(QToolTip::text()).toPlainText();
+    };
+    // The heads are above 52; an arrow takes 34 pixels, a note 28.
+    QCOMPARE(tipAt(53), u"signal first()"_s);
+    QCOMPARE(tipAt(85), u"signal first()"_s);
+    QCOMPARE(tipAt(88), text);
+    QCOMPARE(tipAt(112), text);
+}
+
 void tst_SequenceDock::darkAndLight()
 {
     Shown shown;
@@ -288,11 +315,13 @@ void tst_SequenceDock::exportsSvg()
     const QString file = folder.filePath(u"a name.svg"_s);
     shown.exportTo(file);
     QCOMPARE(shown.message->text(), u"Saved as "_s + file);
-    QCOMPARE(titlesOf(bytesOf(file)).last(), u"report reportRateConfirmed(500)"_s);
+    QCOMPARE(titlesOf(bytesOf(file)).constLast(), u"report reportRateConfirmed(500)"_s);
     // The background is the light one, whatever the window's.
     QVERIFY(bytesOf(file).contains("fill=\"#ffffff\""));
     shown.dock.showEntries(manyEntries());
     QVERIFY(!shown.message->isVisible());
+    shown.exportTo(folder.filePath(u"without suffix"_s));
+    QCOMPARE(bytesOf(folder.filePath(u"without suffix.svg"_s)), bytesOf(file));
 }
 
 void tst_SequenceDock::exportsPng()
@@ -337,9 +366,10 @@ void tst_SequenceDock::copiesAPicture()
     shown.dock.showEntries(manyEntries());
     shown.click(u"copySequence"_s);
     const QMimeData *data = QGuiApplication::clipboard()->mimeData();
+    QCOMPARE(shown.message->text(), u"Copied as a picture"_s);
     QVERIFY(data->hasImage());
     QCOMPARE(data->imageData().value<QImage>().size(), shown.picture->size() * 2);
-    QCOMPARE(titlesOf(data->data(u"image/svg+xml"_s)).last(), u"report reportRateConfirmed(500)"_s);
+    QCOMPARE(titlesOf(data->data(u"image/svg+xml"_s)).constLast(), u"report reportRateConfirmed(500)"_s);
 }
 
 void tst_SequenceDock::everythingHasAName()

@@ -3,6 +3,7 @@
 #include "SequenceDrawing.h"
 
 #include <algorithm>
+#include <iterator>
 
 using namespace Qt::StringLiterals;
 
@@ -34,16 +35,21 @@ QString SequenceDiagram::remark() const
     return {};
 }
 
+SequenceLayout SequenceDiagram::layout() const
+{
+    return {sequenceRows(m_entries), !remark().isEmpty()};
+}
+
 QByteArray SequenceDiagram::svg(const SequencePalette &palette) const
 {
-    const SequenceLayout layout(sequenceRows(m_entries), !remark().isEmpty());
+    const SequenceLayout layout = this->layout();
     return SequenceDrawing(layout, palette, remark()).svg(0, layout.size.height());
 }
 
 QList<SequenceBand> SequenceDiagram::bands(const SequencePalette &palette) const
 {
     constexpr int mostHeight = 240;  // pixels
-    const SequenceLayout layout(sequenceRows(m_entries), !remark().isEmpty());
+    const SequenceLayout layout = this->layout();
     QList<SequenceBand> bands;
     for (int top = 0; top < layout.size.height(); top += mostHeight) {
         const int height = std::min(mostHeight, layout.size.height() - top);
@@ -51,4 +57,11 @@ QList<SequenceBand> SequenceDiagram::bands(const SequencePalette &palette) const
                       SequenceDrawing(layout, palette, remark()).svg(top, height)});
     }
     return bands;
+}
+
+QString SequenceDiagram::textAt(int y) const
+{
+    const QList<int> tops = layout().tops;
+    const qsizetype row = std::distance(tops.begin(), std::upper_bound(tops.begin(), tops.end(), y)) - 1;
+    return row < 0 || row >= m_entries.size() ? QString() : m_entries.at(row).text;
 }

@@ -7,6 +7,8 @@
 
 #include <optional>
 
+struct SequenceLayout;
+
 /// One line of a timeline, as kvx prints it.
 struct SequenceEntry
 {
@@ -64,8 +66,12 @@ public:
     /// The same in parts, from top to bottom: a reader of SVG takes long for all of a long picture.
     QList<SequenceBand> bands(const SequencePalette &palette) const;
 
+    /// The full text of the entry that is drawn at this height; empty where there is none.
+    QString textAt(int y) const;
+
 private:
     QString remark() const;
+    SequenceLayout layout() const;
 
     QList<SequenceEntry> m_entries;  // at most mostEntries
     qsizetype m_count = 0;           // of all that were added

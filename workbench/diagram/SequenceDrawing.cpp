@@ -13,7 +13,6 @@ using Layout = SequenceLayout;
 
 constexpr int numberRight = 56;
 constexpr int timeRight = 136;
-constexpr int noteHeight = 28;
 constexpr int arrowHead = 9;
 
 constexpr QLatin1StringView threadDashes{"9 5"};
@@ -137,10 +136,10 @@ void SequenceDrawing::writeArrow(const SequenceRow &row, int y)
 
 void SequenceDrawing::writeNote(const SequenceEntry &entry, int y)
 {
-    const int baseline = y + noteHeight / 2 + Layout::fontSize / 3;
+    const int baseline = y + Layout::noteHeight / 2 + Layout::fontSize / 3;
     const int width = m_layout.size.width() - Layout::notesLeft - Layout::edge;
     writeMargin(entry, baseline);
-    writeRectangle(Layout::notesLeft, y + 2, width, noteHeight - 4,
+    writeRectangle(Layout::notesLeft, y + 2, width, Layout::noteHeight - 4,
                    entry.kind == "verdict"_L1 ? m_palette.verdict : m_palette.note, m_palette.lifeline);
     writeText("label", shortened(entry.text, (width - Layout::edge) / Layout::columnWidth),
               Layout::notesLeft + Layout::edge / 2, baseline, "start", m_palette.text);

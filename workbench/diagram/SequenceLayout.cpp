@@ -12,7 +12,6 @@ constexpr int smallestNotesWidth = 480;
 constexpr int smallestGap = 130;
 constexpr int labelRoom = 36;  // between a label and the lifelines on both sides
 constexpr int arrowHeight = 34;
-constexpr int noteHeight = 28;
 
 // The gaps between the lifelines, wide enough for their heads.
 QList<int> gapsForHeads(const QList<Lifeline> &lifelines)
@@ -71,7 +70,7 @@ void widen(QList<int> &gaps, const Span &span)
 int heightOf(const SequenceRow &row)
 {
     if (!row.arrow)
-        return noteHeight;
+        return SequenceLayout::noteHeight;
     return row.arrow->answer.isEmpty() ? arrowHeight : arrowHeight + SequenceLayout::answerHeight;
 }
 

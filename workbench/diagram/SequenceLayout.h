@@ -15,6 +15,7 @@ struct SequenceLayout
     static constexpr int edge = 16;
     static constexpr int notesLeft = 152;
     static constexpr int headHeight = 28;
+    static constexpr int noteHeight = 28;
     static constexpr int answerHeight = 22;
 
     static int widthOf(const QString &text);

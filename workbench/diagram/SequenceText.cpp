@@ -47,7 +47,7 @@ QString shortened(const QString &text, int mostColumns)
 {
     // A letter may have any number of marks.
     constexpr qsizetype mostUnitsPerColumn = 8;
-    const QString beginning = visibleText(text.left(mostColumns * mostUnitsPerColumn)).simplified();
+    QString beginning = visibleText(text.left(mostColumns * mostUnitsPerColumn)).simplified();
     const bool isWhole = text.size() <= mostColumns * mostUnitsPerColumn;
     if (isWhole && measured(beginning, mostColumns).first == beginning.size())
         return beginning;

@@ -8,15 +8,20 @@
 #include <QtGui/QAction>
 #include <QtGui/QClipboard>
 #include <QtGui/QGuiApplication>
+#include <QtGui/QTextDocument>
 #include <QtWidgets/QFileDialog>
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QStackedWidget>
 #include <QtWidgets/QToolBar>
+#include <QtWidgets/QToolTip>
 #include <QtWidgets/QVBoxLayout>
 
 using namespace Qt::StringLiterals;
 
 namespace {
+
+constexpr int emptyMargin = 16;        // pixels
+constexpr int mostToolTipText = 2000;  // characters
 
 SequenceEntry sequenceEntry(const Entry &entry)
 {
@@ -32,6 +37,7 @@ QLabel *emptyText(QWidget *parent)
                    parent);
     label->setObjectName(u"sequenceEmpty"_s);
     label->setAlignment(Qt::AlignCenter);
+    label->setMargin(emptyMargin);
     label->setWordWrap(true);
     return label;
 }
@@ -50,6 +56,7 @@ SequenceDock::SequenceDock(Engine * /*engine*/, QWidget *parent)
     m_message->setTextFormat(Qt::PlainText);
     m_message->setWordWrap(true);
     m_message->hide();
+    connect(m_view, &SequenceView::toolTipWanted, this, &SequenceDock::showToolTip);
     auto *bar = new QToolBar(this);
     addActions(bar);
     m_pages->addWidget(emptyText(this));
@@ -129,9 +136,7 @@ void SequenceDock::chooseFile()
 void SequenceDock::exportTo(const QString &file)
 {
     const std::optional<QString> reason = writeSequence(exportedSvg(), file);
-    m_message->setText(reason ? tr("%1 cannot be written: %2").arg(file, *reason)
-                              : tr("Saved as %1").arg(file));
-    m_message->show();
+    say(reason ? tr("%1 cannot be written: %2").arg(file, *reason) : tr("Saved as %1").arg(file));
 }
 
 void SequenceDock::copy()
@@ -141,4 +146,18 @@ void SequenceDock::copy()
     mime->setImageData(sequenceImage(svg));
     mime->setData(u"image/svg+xml"_s, svg);
     QGuiApplication::clipboard()->setMimeData(mime);
+    say(tr("Copied as a picture"));
+}
+
+void SequenceDock::say(const QString &message)
+{
+    m_message->setText(message);
+    m_message->show();
+}
+
+void SequenceDock::showToolTip(int y, const QPoint &place)
+{
+    // Rich text, so that no text can be taken for it, and long lines are broken.
+    const QString text = m_diagram.textAt(y).left(mostToolTipText);
+    QToolTip::showText(place, text.isEmpty() ? QString() : Qt::convertFromPlainText(text), this);
 }

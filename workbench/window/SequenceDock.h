@@ -31,6 +31,9 @@ private:
     void chooseFile();
     void exportTo(const QString &file);
     void copy();
+    void say(const QString &message);
+    /// y: in the picture; place: on the screen.
+    void showToolTip(int y, const QPoint &place);
     /// For others' eyes: always light.
     QByteArray exportedSvg() const { return m_diagram.svg(SequencePalette::light()); }
 

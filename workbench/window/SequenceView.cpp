@@ -1,5 +1,6 @@
 #include "SequenceView.h"
 
+#include <QtGui/QHelpEvent>
 #include <QtGui/QKeyEvent>
 #include <QtGui/QPainter>
 #include <QtGui/QPaintEvent>
@@ -110,6 +111,11 @@ bool SequenceView::eventFilter(QObject *object, QEvent *event)
             paintHeads();
         else
             paintPicture(static_cast<QPaintEvent *>(event)->rect());
+        return true;
+    }
+    if (event->type() == QEvent::ToolTip && object == widget()) {
+        const auto *help = static_cast<QHelpEvent *>(event);
+        Q_EMIT toolTipWanted(static_cast<int>(help->pos().y() / m_zoom), help->globalPos());
         return true;
     }
     return QScrollArea::eventFilter(object, event);

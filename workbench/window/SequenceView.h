@@ -27,6 +27,10 @@ public Q_SLOTS:
     /// As wide as the view, at most in its own size.
     void fitWidth();
 
+Q_SIGNALS:
+    /// The pointer rests at this height of the picture, in its own size, and at this place on the screen.
+    void toolTipWanted(int y, const QPoint &place);
+
 protected:
     bool eventFilter(QObject *object, QEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
