@@ -62,6 +62,12 @@ class ImportLibrary(ToolTest):
         for function in ("listed(std::Text *)", "alias()"):
             self.assertIn("undefined symbol", self.link_calls(function))
 
+    def test_as_many_functions_as_qt_has(self):
+        names = [f"function{number}()" for number in range(12_000)]
+        self.assertEqual(self.link("names", "".join(f"__declspec(dllexport) void {name} {{}}\n" for name in names)), "")
+        self.assert_ends(self.run_tool("names.dll", "."), 0)
+        self.assertEqual(self.link_calls(*names), "")
+
     def test_failure_is_one_line(self):
         self.write("odd.txt", "one two three\n")
         self.assertEqual(self.link("silent", "int unseen;"), "")

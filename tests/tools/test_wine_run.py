@@ -112,6 +112,10 @@ class Programs(WineRunTest):
         )
         self.assert_ends(process, f"{start}|+relay\nZ:{base}\\Qt's bin;Z:{base}\\relative")
 
+    def test_variables_of_qt(self):
+        program = self.program('printf "%s" "$WINEQT_QPA_PLATFORM"')
+        self.assert_ends(self.wine_run(program, QT_QPA_PLATFORM="offscreen"), "offscreen")
+
 
 class Prefix(WineRunTest):
     """Two calls at once, and what a killed one leaves, are the same for all that is built once: test_build_once."""

@@ -1,10 +1,18 @@
 # Qt 6 as Visual Studio built it: DLLs from the wheel, headers and tools of the same version from Debian's packages.
-# Has what this project uses of Qt's own package: Qt6::Core, Qt6::Test, and moc and rcc, which run on the build machine.
+# Has what this project uses of Qt's own package: the libraries below, and moc and rcc, which run on the build machine.
 file(STRINGS ${KVX_WINDOWS_LIBRARIES}/include/QtCore/qconfig.h Qt6_VERSION REGEX "^#define QT_VERSION_STR ")
 string(REGEX REPLACE ".*\"(([0-9]+)[.]([0-9]+)[.].*)\"" "\\1;\\2;\\3" Qt6_VERSION "${Qt6_VERSION}")
 list(POP_BACK Qt6_VERSION Qt6_VERSION_MINOR)
 list(POP_BACK Qt6_VERSION Qt6_VERSION_MAJOR)
-foreach(component IN ITEMS Core ${Qt6_FIND_COMPONENTS})
+set(needs_Svg Gui)
+set(needs_Test Core)
+set(needs_Widgets Gui)
+set(needs_Gui Core)
+set(components Core)
+foreach(component IN LISTS Qt6_FIND_COMPONENTS)
+    list(APPEND components ${needs_${component}} ${component})
+endforeach()
+foreach(component IN LISTS components)
     set(Qt6${component}_FOUND ON)
     set(Qt6${component}_VERSION ${Qt6_VERSION})
     set(Qt6${component}_VERSION_MAJOR ${Qt6_VERSION_MAJOR})
@@ -12,25 +20,26 @@ foreach(component IN ITEMS Core ${Qt6_FIND_COMPONENTS})
     if(TARGET Qt6::${component})
         continue()
     endif()
-    set(dll ${KVX_WINDOWS_LIBRARIES}/qt-${Qt6_VERSION}/Qt6${component}.dll)
+    set(dll ${KVX_WINDOWS_LIBRARIES}/qt-${Qt6_VERSION}/bin/Qt6${component}.dll)
     set(importLibrary ${KVX_WINDOWS_LIBRARIES}/lib/Qt6${component}.lib)
     if(NOT EXISTS ${dll} OR NOT EXISTS ${importLibrary})
         set(Qt6${component}_FOUND OFF)
-        set(Qt6_FOUND OFF)
+        if(Qt6_FIND_REQUIRED_${component})
+            set(Qt6_FOUND OFF)
+        endif()
         set(Qt6_NOT_FOUND_MESSAGE "${KVX_WINDOWS_LIBRARIES} has no Qt6${component}.dll of Qt ${Qt6_VERSION}")
         continue()
     endif()
     add_library(Qt6::${component} SHARED IMPORTED)
     string(TOUPPER ${component} macro)
+    list(TRANSFORM needs_${component} PREPEND Qt6:: OUTPUT_VARIABLE needed)
     set_target_properties(Qt6::${component} PROPERTIES
         IMPORTED_LOCATION ${dll}
         IMPORTED_IMPLIB ${importLibrary}
         INTERFACE_INCLUDE_DIRECTORIES
             "${KVX_WINDOWS_LIBRARIES}/include;${KVX_WINDOWS_LIBRARIES}/include/Qt${component}"
-        INTERFACE_COMPILE_DEFINITIONS "QT_${macro}_LIB;$<$<NOT:$<CONFIG:Debug>>:QT_NO_DEBUG>")
-    if(NOT component STREQUAL "Core")
-        set_target_properties(Qt6::${component} PROPERTIES INTERFACE_LINK_LIBRARIES Qt6::Core)
-    endif()
+        INTERFACE_COMPILE_DEFINITIONS "QT_${macro}_LIB;$<$<NOT:$<CONFIG:Debug>>:QT_NO_DEBUG>"
+        INTERFACE_LINK_LIBRARIES "${needed}")
 endforeach()
 foreach(tool IN ITEMS moc rcc)
     if(NOT TARGET Qt6::${tool})

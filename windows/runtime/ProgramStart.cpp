@@ -27,13 +27,10 @@ void endProgram()
     runExitFunctions();
 }
 
-}  // namespace
-
-// Windows calls it to run the program.
-extern "C" int mainCRTStartup()
+[[noreturn]] void runProgram(_crt_app_type type)
 {
     SetUnhandledExceptionFilter(onUncaught);
-    _set_app_type(_crt_console_app);
+    _set_app_type(type);
     const bool isReady = _configure_narrow_argv(_crt_argv_unexpanded_arguments) == 0 &&
                          _initialize_narrow_environment() == 0 && _crt_atexit(endProgram) == 0 &&
                          runInitializers();
@@ -41,4 +38,18 @@ extern "C" int mainCRTStartup()
         exit(cannotStart);
     initializeThread();
     exit(main(*__p___argc(), *__p___argv(), _get_initial_narrow_environment()));
+}
+
+}  // namespace
+
+// Windows calls the first to run a program of the console, the second for one with windows.
+
+extern "C" void mainCRTStartup()
+{
+    runProgram(_crt_console_app);
+}
+
+extern "C" void WinMainCRTStartup()
+{
+    runProgram(_crt_gui_app);
 }
