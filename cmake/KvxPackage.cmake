@@ -1,11 +1,19 @@
-# The contents of the packages: library and kvx, the interfaces and the simulator as a CMake package, the scenarios of
-# the contract and the examples. For Windows a second package also has Qt Core, for machines without Qt.
+# The contents of the packages: library, kvx and its window, the interfaces and the simulator as a CMake package, the
+# scenarios of the contract and the examples. For Windows a second package also has Qt, for machines without it.
 include(CMakePackageConfigHelpers)
 
 set(packageFolder lib/cmake/KvxInterfaces)
 install(TARGETS rv418_plugin workbench_cli
     RUNTIME DESTINATION bin
     LIBRARY DESTINATION bin)
+if(KVX_BUILD_WORKBENCH)
+    install(TARGETS workbench_window RUNTIME DESTINATION bin)
+endif()
+if(KVX_BUILD_WORKBENCH AND CMAKE_SYSTEM_NAME STREQUAL "Linux")
+    set(window ${PROJECT_SOURCE_DIR}/workbench/window)
+    install(FILES ${window}/kvx-workbench.desktop DESTINATION share/applications)
+    install(FILES ${window}/kvx-workbench.svg DESTINATION share/icons/hicolor/scalable/apps)
+endif()
 install(TARGETS kvx_interfaces EXPORT KvxInterfaces
     FILE_SET HEADERS DESTINATION include/kvx)
 install(EXPORT KvxInterfaces NAMESPACE Kvx:: DESTINATION ${packageFolder} FILE KvxInterfacesTargets.cmake)
@@ -57,17 +65,26 @@ if(WIN32)
 else()
     set(system linux)
     set(archiveSuffix .tar.gz)
-    set(qtNote "Qt 6.8 or newer must be installed (Debian: libqt6core6t64), for kvx also libedit (libedit2).")
+    set(qtNote "Qt 6.8 or newer must be installed (Debian: libqt6core6t64, for the window libqt6widgets6 and libqt6svg6), \
+for kvx also libedit (libedit2).")
     set(kvxCommand bin/kvx)
+    set(menuNote "- `share/applications/`, `share/icons/`: the window's entry in the menu. Copy `bin/` and `share/` to \
+`~/.local/` to see it there.\n")
 endif()
 kvx_write_package_readme(${packageFiles}/README.md)
 install(FILES ${packageFiles}/README.md DESTINATION .)
 if(WIN32 AND CMAKE_CROSSCOMPILING)
-    set(qtNote "Qt's Core is in bin/; ${runtime} must be installed.")
+    set(qtNote "Qt is in bin/; ${runtime} must be installed.")
     kvx_write_package_readme(${packageFiles}/with-qt/README.md)
     # Qt's license refers to the text of the other one.
+    set(qtFolder ${KVX_WINDOWS_LIBRARIES}/qt-${Qt6Core_VERSION})
     set(qtFiles $<TARGET_FILE:Qt6::Core>)
-    set(qtLicenses ${KVX_WINDOWS_LIBRARIES}/qt-${Qt6Core_VERSION}/LICENSE /usr/share/common-licenses/GPL-3)
+    if(KVX_BUILD_WORKBENCH)
+        # Qt looks for the folders of plugins beside the program.
+        file(GLOB qtPlugins ${qtFolder}/plugins/*)
+        list(APPEND qtFiles $<TARGET_FILE:Qt6::Gui> $<TARGET_FILE:Qt6::Svg> $<TARGET_FILE:Qt6::Widgets> ${qtPlugins})
+    endif()
+    set(qtLicenses ${qtFolder}/LICENSE /usr/share/common-licenses/GPL-3)
 endif()
 
 # CPack's own archives have the files in the order of the file system, and their owners: other bytes on each machine.

@@ -1,10 +1,10 @@
 """Packs a build, unpacks the package elsewhere and runs what is in it.
 
 The arguments: --cmake CMAKE --cpack CPACK --ctest CTEST --build FOLDER --name NAME
-               [--runner PROGRAM --runtime FOLDER --qt FOLDER] -- CONFIGURE_OPTION...
+               [--window yes] [--runner PROGRAM --runtime FOLDER --qt FOLDER] -- CONFIGURE_OPTION...
 
-The build is in FOLDER and its package is called NAME. For Windows with the program that runs its programs, Microsoft's
-C++ runtime and Qt. The options configure a project as the build was.
+The build is in FOLDER and its package is called NAME; --window says that it has the window. For Windows with the program
+that runs its programs, Microsoft's C++ runtime and Qt. The options configure a project as the build was.
 """
 
 import argparse
@@ -23,7 +23,7 @@ def arguments():
     parser = argparse.ArgumentParser()
     for name in ("cmake", "cpack", "ctest", "build", "name"):
         parser.add_argument(f"--{name}", required=True)
-    for name in ("runner", "runtime", "qt"):
+    for name in ("window", "runner", "runtime", "qt"):
         parser.add_argument(f"--{name}", default="")
     parser.add_argument("options", nargs="+")
     return parser.parse_args()
