@@ -11,6 +11,7 @@ NO_PRESET = f"no preset is called '{{}}' (there are: {PRESETS})"
 HINT = "; to filter, name the preset first: ./dev test release '{}'"
 NATIVE = "no preset is called '{}' (there are: release, dev, asan (native))"
 NO_SECONDS = "'{}' is no number of seconds; write a whole one from 1 to 999999"
+NO_DISPLAY = "no display: neither DISPLAY nor WAYLAND_DISPLAY is set; call this in a desktop session, or over ssh -X"
 CLANG = "clang's tools in the version that the sources are checked with"
 
 REFUSALS = {
@@ -31,6 +32,8 @@ REFUSALS = {
     "fuzz 1 2": "fuzz takes one number of SECONDS at most",
     "fuzz readers 1 2": "fuzz takes one number of SECONDS at most",
     "exec": "exec needs a COMMAND",
+    "workbench": NO_DISPLAY,
+    "--native workbench a.kvx": NO_DISPLAY,
     "lint spelling": "no check is called 'spelling' (there are: format tidy clazy shell python)",
     "--native fuzz readers": "fuzz readers needs the toolbox, which has clang with libFuzzer",
     "--native coverage": "coverage needs the toolbox, which has gcovr and the compiler whose counts it reads",
@@ -101,6 +104,10 @@ DRY_RUNS = {
     "build asan": configure_and_build("asan"),
     "--native build dev": configure_and_build("native-dev"),
     "run --plugin 'a b.so'": [*configure_and_build("release"), "build/release/kvx session --plugin 'a b.so'"],
+    "workbench 'a b.kvx'": [
+        *configure_and_build("release", "--target workbench_window"),
+        "build/release/kvx-workbench 'a b.kvx'",
+    ],
     "test dev": [
         *configure_and_build("dev"),
         "cmake -E rm -rf build/dev/test-results",
@@ -167,7 +174,7 @@ class DryRun(SandboxTest):
         }
         for line, commands in DRY_RUNS.items():
             with self.subTest(line):
-                process = self.dev("--dry-run", *shlex.split(line))
+                process = self.dev("--dry-run", *shlex.split(line), DISPLAY=":0")
                 expected = "".join(f"$ {command}\n" for command in commands)
                 for word, place in places.items():
                     expected = expected.replace(word, place)
@@ -194,6 +201,19 @@ class Commands(SandboxTest):
         process = self.dev("run", "--json")
         self.assertEqual((process.out, process.returncode), ("played: session --json\n", 0))
         self.assertIn("noise", process.err)
+
+    def test_workbench_opens_on_the_users_display(self):
+        window = 'printf "%s " "$DISPLAY$WAYLAND_DISPLAY" "$@"\nexit 3\n'
+        for preset, native in ("release", []), ("native-release", ["--native"]):
+            self.sandbox.script(f"build/{preset}/kvx-workbench", window)
+            for display in {"DISPLAY": ":9"}, {"WAYLAND_DISPLAY": "wayland-9"}:
+                with self.subTest(preset=preset, display=display):
+                    process = self.dev(*native, "workbench", "a b.kvx", **display)
+                    self.assertEqual((process.out, process.returncode), (f"{display.popitem()[1]} a b.kvx ", 3))
+                    repeat = shlex.join(["./dev", *native, "workbench", "a b.kvx"])
+                    self.assertEqual(process.err.splitlines()[-1].partition("just this: ")[2], repeat)
+        entered = [call.partition(" -- ")[2] for call in self.sandbox.called("bwrap") if " DISPLAY :9 " in call]
+        self.assertEqual(entered, ["build/release/kvx-workbench a b.kvx"])
 
     def test_inside_the_toolbox_commands_run_directly(self):
         self.sandbox.toolbox_mark.mkdir()

@@ -65,9 +65,7 @@ class Making(SandboxTest):
         self.assertEqual(self.left(), [])
 
 
-class Registries(SandboxTest):
-    """How the machine reaches package registries holds in the toolbox."""
-
+class EnteringTest(SandboxTest):
     def setUp(self):
         super().setUp()
         self.toolbox = self.sandbox.base / "a toolbox"
@@ -75,14 +73,65 @@ class Registries(SandboxTest):
             (self.toolbox / folder).mkdir(parents=True)
         self.sandbox.fake("bwrap", 'printf "%s\\n" "$@"\n')
 
-    def enter(self, **changes):
+    def enter(self, *options, **changes):
         """The variables inside, and by its place each file and folder from outside, after the option that binds it."""
-        process = self.sandbox.run_script("tools/toolbox-enter", str(self.toolbox), "true", **changes)
+        process = self.sandbox.run_script("tools/toolbox-enter", *options, str(self.toolbox), "true", **changes)
         self.assertEqual((process.err, process.returncode), ("", 0))
         words = process.out.splitlines()
         triples = list(zip(words, words[1:], words[2:]))
-        binds = {inside: (option, outside) for option, outside, inside in triples if option.startswith("--ro-bind")}
+        binds = {inside: (option, outside) for option, outside, inside in triples if "bind" in option}
         return {name: value for option, name, value in triples if option == "--setenv"}, binds
+
+
+class Display(EnteringTest):
+    """What a program that opens windows has of the user's session, and no other command has."""
+
+    def setUp(self):
+        super().setUp()
+        base = self.sandbox.base
+        self.runtime = base / "run"
+        self.runtime.mkdir()
+        (base / "authority").touch()
+        self.session = {
+            "DISPLAY": ":9",
+            "XAUTHORITY": str(base / "authority"),
+            "WAYLAND_DISPLAY": "wayland-9",
+            "XDG_RUNTIME_DIR": str(self.runtime),
+            "XDG_SESSION_TYPE": "wayland",
+            "DBUS_SESSION_BUS_ADDRESS": f"unix:path={self.runtime}/bus",
+            "QT_QPA_PLATFORM": "xcb",
+        }
+
+    def test_is_the_users(self):
+        variables, binds = self.enter("--display", **self.session, PYTHONPATH="/odd", QT_PLUGIN_PATH="/odd")
+        home = str(self.sandbox.base)
+        self.assertEqual(variables, variables | self.session | {"HOME": home})
+        self.assertEqual({"PYTHONPATH", "QT_PLUGIN_PATH"} & set(variables), set())
+        for folder in (home, str(self.runtime)):
+            self.assertEqual(binds[folder], ("--bind", folder))
+        self.assertEqual(binds[self.session["XAUTHORITY"]], ("--ro-bind", self.session["XAUTHORITY"]))
+        # What is bound later is seen: the toolboxes stay as they are.
+        places = list(binds)
+        toolboxes = str(self.sandbox.cache / "toolbox")
+        self.assertEqual(binds[toolboxes], ("--ro-bind", toolboxes))
+        self.assertLess(places.index(home), places.index(toolboxes))
+
+    def test_other_commands_have_none(self):
+        variables, binds = self.enter(**self.session)
+        self.assertEqual(set(self.session) & set(variables), set())
+        self.assertEqual({str(self.sandbox.base), *self.session.values()} & set(binds), set())
+        self.assertEqual(variables["HOME"], str(self.sandbox.cache / "home"))
+
+    def test_parts_that_are_missing(self):
+        for changes in ({"HOME": None}, {"HOME": "/"}, {"XAUTHORITY": "/none", "XDG_RUNTIME_DIR": "/none"}):
+            with self.subTest(changes):
+                variables, binds = self.enter("--display", DISPLAY=":9", **changes)
+                self.assertEqual(variables["DISPLAY"], ":9")
+                self.assertEqual({"", "/", "/none"} & set(binds), set())
+
+
+class Registries(EnteringTest):
+    """How the machine reaches package registries holds in the toolbox."""
 
     def test_variables_of_pip_and_proxies_pass(self):
         passed = {name: f"value of {name}" for name in ("PIP_INDEX_URL", "PIP_CERT", "PIP_FIND_LINKS")}
