@@ -4,19 +4,9 @@
 
 using namespace Qt::StringLiterals;
 
-namespace {
-
-// Large ids are texts already.
-QString textOf(const QJsonValue &id)
-{
-    return id.toVariant().toString();
-}
-
-}  // namespace
-
 QString DeviceState::idOf(const QJsonObject &device)
 {
-    return textOf(device.value("id"_L1));
+    return device.value("id"_L1).toString();
 }
 
 QString DeviceState::currentId(const QJsonObject &state)
@@ -36,5 +26,5 @@ QJsonObject DeviceState::device(const QJsonObject &state, const QString &id)
 
 QJsonObject DeviceState::currentDevice(const QJsonObject &state)
 {
-    return device(state, textOf(state.value("current"_L1)));
+    return device(state, state.value("current"_L1).toString());
 }
