@@ -8,12 +8,14 @@
 template <typename Dock>
 struct DockFixture : StartedEngine
 {
-    DockFixture() : dock(&engine)
+    DockFixture() : dock(&engine), isReady(show()) {}
+
+    bool show()
     {
         dock.resize(dock.sizeHint());
         dock.show();
         dock.activateWindow();
-        isReady = QTest::qWaitForWindowActive(&dock, limit) && settle();
+        return QTest::qWaitForWindowActive(&dock, limit) && settle();
     }
 
     /// Plays the lines and waits until the dock has the state that follows; takeLines() has nothing of it.
@@ -51,5 +53,5 @@ struct DockFixture : StartedEngine
     QStringList takeLines() { return settle() ? std::exchange(lines, {}) : QStringList{QStringLiteral("-")}; }
 
     Dock dock;
-    bool isReady = false;
+    bool isReady;
 };

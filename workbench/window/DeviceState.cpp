@@ -17,9 +17,10 @@ QString DeviceState::currentId(const QJsonObject &state)
 QJsonObject DeviceState::device(const QJsonObject &state, const QString &id)
 {
     const QJsonArray devices = state.value("devices"_L1).toArray();
-    for (const QJsonValue &device : devices) {
-        if (idOf(device.toObject()) == id)
-            return device.toObject();
+    for (const auto value : devices) {
+        const QJsonObject device = value.toObject();
+        if (idOf(device) == id)
+            return device;
     }
     return {};
 }

@@ -174,7 +174,7 @@ void MiceDock::showDevices(const QJsonObject &state)
             delete m_list->takeTopLevelItem(row);
     }
     const QJsonArray devices = state.value("devices"_L1).toArray();
-    for (const QJsonValue &value : devices) {
+    for (const auto value : devices) {
         const QJsonObject device = value.toObject();
         const QString id = DeviceState::idOf(device);
         QTreeWidgetItem *item = itemOf(*m_list, id);

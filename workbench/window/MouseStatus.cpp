@@ -13,7 +13,7 @@ QSet<int> numbersOf(const QJsonValue &value)
 {
     QSet<int> numbers;
     const QJsonArray items = value.toArray();
-    for (const QJsonValue &item : items)
+    for (const auto item : items)
         numbers.insert(item.toInt());
     return numbers;
 }

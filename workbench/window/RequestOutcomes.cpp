@@ -53,11 +53,12 @@ QSet<QString> pendingOf(const QJsonObject &state)
 {
     QSet<QString> pending;
     const QJsonArray devices = state.value("devices"_L1).toArray();
-    for (const QJsonValue &device : devices) {
-        const QJsonArray properties = device["pending"_L1].toArray();
+    for (const auto value : devices) {
+        const QJsonObject device = value.toObject();
+        const QJsonArray properties = device.value("pending"_L1).toArray();
         for (const Request &request : requests) {
             if (properties.contains(QString(request.property)))
-                pending.insert(keyOf(DeviceState::idOf(device.toObject()), request.command));
+                pending.insert(keyOf(DeviceState::idOf(device), request.command));
         }
     }
     return pending;

@@ -40,7 +40,7 @@ QStringList ratesOf(const QJsonObject &device)
 {
     QStringList rates;
     const QJsonArray values = device["mouse"_L1]["reportRates"_L1].toArray();
-    for (const QJsonValue &value : values) {
+    for (const auto value : values) {
         // A 0 ends the list.
         if (value.toInt() != 0)
             rates.append(QString::number(value.toInt()));
