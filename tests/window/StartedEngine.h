@@ -4,6 +4,13 @@
 
 #include <QtTest/QTest>
 
+/// The library with the fault of this name, see tests/broken.
+inline QString brokenLibrary(const QString &name)
+{
+    return QStringLiteral(KVX_BROKEN_LIBRARIES "/") + name + u'/' +
+           QStringLiteral(KVX_LIBRARY).section(u'/', -1);
+}
+
 /// An engine with a child that hosts the built library, and what came of it.
 struct StartedEngine
 {

@@ -1,4 +1,5 @@
 #include "CheckDock.h"
+#include "StartedEngine.h"
 
 #include <QtCore/QFile>
 #include <QtCore/QTemporaryDir>
@@ -28,12 +29,6 @@ constexpr int limit = 120000;  // ms; a failure, never a measure
 bool waitFor(const std::function<bool()> &condition)
 {
     return QTest::qWaitFor(condition, limit);
-}
-
-QString brokenLibrary(const QString &name)
-{
-    return QStringLiteral(KVX_BROKEN_LIBRARIES) + u'/' + name + u'/' +
-           QStringLiteral(KVX_LIBRARY).section(u'/', -1);
 }
 
 /// A dock on the screen, and what it shows.

@@ -1,7 +1,7 @@
+#include "Eventually.h"
 #include "ScenarioDock.h"
 #include "ScenarioEditor.h"
 #include "Transcript.h"
-#include "Waiting.h"
 
 #include <QtCore/QDir>
 #include <QtCore/QMimeData>
@@ -53,12 +53,6 @@ struct ShownDock
     Transcript transcript;
     ScenarioDock dock;
 };
-
-QString brokenLibrary(const QString &name)
-{
-    return QStringLiteral(KVX_BROKEN_LIBRARIES) + u'/' + name + u'/' +
-           QStringLiteral(KVX_LIBRARY).section(u'/', -1);
-}
 
 QByteArray contentOf(const QString &path)
 {
@@ -127,7 +121,7 @@ void tst_ScenarioDock::aScenarioIsPlayedFromAFreshLibrary()
     shown.click("runScenarioButton");
     QVERIFY(!shown.isIdle());
     QVERIFY(shown.editor()->isReadOnly());
-    QVERIFY(comes([&] { return shown.isIdle(); }));
+    KVX_EVENTUALLY(shown.isIdle());
     const QStringList lines{u"# one"_s, u"mouse 1"_s, u"start"_s, u""_s, u"expect reportRate 500"_s};
     QCOMPARE(shown.started.lines, lines);
     QCOMPARE(shown.editor()->problemLine(), -1);
@@ -154,7 +148,7 @@ void tst_ScenarioDock::eachExampleGoesAsItWants()
     QVERIFY(shown.started.settle());
     QVERIFY(shown.dock.openFile(file));
     shown.click("runScenarioButton");
-    QVERIFY(comes([&] { return shown.isIdle(); }));
+    KVX_EVENTUALLY(shown.isIdle());
     QVERIFY2(shown.editor()->problemLine() == -1, qPrintable(shown.dock.message()));
     QCOMPARE(shown.started.lines.size(), shown.editor()->lines().size());
 }
@@ -164,7 +158,7 @@ void tst_ScenarioDock::aDifferenceIsMarkedAtItsLine()
     ShownDock shown;
     shown.dock.openText(u"own"_s, u"mouse 1\nstart\n\nexpect reportRate 125\nstop\n"_s);
     shown.click("runScenarioButton");
-    QVERIFY(comes([&] { return shown.isIdle(); }));
+    KVX_EVENTUALLY(shown.isIdle());
     QCOMPARE(shown.editor()->problemLine(), 3);
     const QString message = shown.dock.message();
     QVERIFY2(message.startsWith(u"Line 4: difference"_s), qPrintable(message));
@@ -179,7 +173,7 @@ void tst_ScenarioDock::aLineThatCannotBeUsedEndsThePlay()
     ShownDock shown;
     shown.dock.openText(u"own"_s, u"mouse 1\nstrat\nstop"_s);
     shown.click("runScenarioButton");
-    QVERIFY(comes([&] { return shown.isIdle(); }));
+    KVX_EVENTUALLY(shown.isIdle());
     QCOMPARE(shown.editor()->problemLine(), 1);
     QVERIFY2(shown.dock.message().startsWith(u"Line 2: unusable: "_s), qPrintable(shown.dock.message()));
 }
@@ -189,7 +183,7 @@ void tst_ScenarioDock::linesThatWereNotComparedAreADifference()
     ShownDock shown;
     shown.dock.openText(u"own"_s, u"mouse 1\n= call initialize(true, true, true)\n"_s);
     shown.click("runScenarioButton");
-    QVERIFY(comes([&] { return shown.isIdle(); }));
+    KVX_EVENTUALLY(shown.isIdle());
     QCOMPARE(shown.editor()->problemLine(), 1);
     QVERIFY2(shown.dock.message().startsWith(u"Line 2: difference"_s), qPrintable(shown.dock.message()));
 }
@@ -200,7 +194,7 @@ void tst_ScenarioDock::stepsGoFromCommandToCommand()
     shown.dock.openText(u"own"_s, u"# head\nmouse 1\n\n# next\nstart\nstop\n"_s);
     const auto step = [&shown](int line) {
         shown.click("stepScenarioButton");
-        return comes([&] { return shown.isIdle() && shown.editor()->currentLine() == line; });
+        return QTest::qWaitFor([&] { return shown.isIdle() && shown.editor()->currentLine() == line; });
     };
     QVERIFY(step(2));
     QCOMPARE(shown.started.lines.last(), u"mouse 1"_s);
@@ -208,7 +202,7 @@ void tst_ScenarioDock::stepsGoFromCommandToCommand()
     QCOMPARE(shown.started.lines.last(), u"start"_s);
     QVERIFY(shown.editor()->isReadOnly());
     shown.click("runScenarioButton");
-    QVERIFY(comes([&] { return shown.editor()->currentLine() == -1; }));
+    KVX_EVENTUALLY(shown.editor()->currentLine() == -1);
     QCOMPARE(shown.started.lines.last(), u"stop"_s);
     QVERIFY(!shown.editor()->isReadOnly());
 }
@@ -222,11 +216,11 @@ void tst_ScenarioDock::aPauseEndsBehindTheLine()
             shown.click("pauseScenarioButton");
     });
     shown.click("runScenarioButton");
-    QVERIFY(comes([&] { return shown.isIdle() && shown.editor()->currentLine() == 2; }));
+    KVX_EVENTUALLY(shown.isIdle() && shown.editor()->currentLine() == 2);
     QCOMPARE(shown.started.lines.last(), u"start"_s);
     QVERIFY(shown.started.engine.isRunning());
     shown.click("stopScenarioButton");
-    QVERIFY(comes([&] { return !shown.started.engine.isRunning(); }));
+    KVX_EVENTUALLY(!shown.started.engine.isRunning());
     QCOMPARE(shown.editor()->currentLine(), -1);
     QCOMPARE(shown.editor()->problemLine(), -1);
 }
@@ -236,7 +230,7 @@ void tst_ScenarioDock::quitEndsThePlay()
     ShownDock shown;
     shown.dock.openText(u"own"_s, u"mouse 1\nquit\nstart\n"_s);
     shown.click("runScenarioButton");
-    QVERIFY(comes([&] { return shown.isIdle(); }));
+    KVX_EVENTUALLY(shown.isIdle());
     QCOMPARE(shown.editor()->problemLine(), -1);
     QCOMPARE(shown.started.lines.last(), u"quit"_s);
 }
@@ -246,10 +240,10 @@ void tst_ScenarioDock::stopEndsAHang()
     ShownDock shown(brokenLibrary(u"lock-taken-twice"_s));
     shown.dock.openText(u"own"_s, u"device 1 none\nstart\nstop\n"_s);
     shown.click("runScenarioButton");
-    QVERIFY(comes([&] { return shown.started.engine.lastCall() == u"call start()"_s; }));
+    KVX_EVENTUALLY(shown.started.engine.lastCall() == u"call start()"_s);
     QCOMPARE(shown.editor()->currentLine(), 1);
     shown.click("stopScenarioButton");
-    QVERIFY(comes([&] { return !shown.started.engine.isRunning(); }));
+    KVX_EVENTUALLY(!shown.started.engine.isRunning());
     QVERIFY(shown.isIdle());
 }
 
@@ -258,7 +252,7 @@ void tst_ScenarioDock::aCrashIsMarkedAtItsLine()
     ShownDock shown(brokenLibrary(u"crash-without-receiver"_s));
     shown.dock.openText(u"own"_s, u"device 1 none\nquery26 1 2 3\nstart\n"_s);
     shown.click("runScenarioButton");
-    QVERIFY(comes([&] { return shown.isIdle(); }));
+    KVX_EVENTUALLY(shown.isIdle());
     QCOMPARE(shown.editor()->problemLine(), 1);
     const QString message = shown.dock.message();
     QVERIFY2(message.startsWith(u"Line 2: "_s) && message.contains(u"call query26(1, 2, 3)"_s),
@@ -302,7 +296,7 @@ void tst_ScenarioDock::aNewTextIsSavedUnderAName()
     const QString path = folder.filePath(u"new.kvx"_s);
     dialog->selectFile(path);
     static_cast<QDialog *>(dialog)->accept();
-    QVERIFY(comes([&] { return shown.dock.path() == path; }));
+    KVX_EVENTUALLY(shown.dock.path() == path);
     QCOMPARE(contentOf(path), QByteArray("mouse 1\n"));
 }
 
@@ -331,7 +325,7 @@ void tst_ScenarioDock::changesAreAskedFor()
     shown.dock.openText(u"other"_s, u"other"_s);
     answer(QMessageBox::Cancel);
     QCOMPARE(shown.editor()->toPlainText(), u"mine"_s);
-    QVERIFY(comes([&] { return !shown.child<QMessageBox>("unsavedQuestion"); }));
+    KVX_EVENTUALLY(!shown.child<QMessageBox>("unsavedQuestion"));
     shown.dock.openText(u"other"_s, u"other"_s);
     answer(QMessageBox::Discard);
     QCOMPARE(shown.editor()->toPlainText(), u"other"_s);
@@ -386,7 +380,7 @@ void tst_ScenarioDock::theContractIsInTheMenu()
                                         [&name](const QAction *action) { return action->text() == name; });
         return found == actions.cend() ? nullptr : (*found)->menu();
     };
-    QVERIFY(comes([&] { return folder(u"report-rate"_s) != nullptr; }));
+    KVX_EVENTUALLY(folder(u"report-rate"_s) != nullptr);
     const QMenu *scenarios = folder(u"report-rate"_s);
     const QList<QAction *> actions = scenarios->actions();
     const auto refused = std::find_if(actions.cbegin(), actions.cend(),
@@ -394,7 +388,7 @@ void tst_ScenarioDock::theContractIsInTheMenu()
     QVERIFY(refused != actions.cend());
     QVERIFY(!(*refused)->toolTip().isEmpty());
     (*refused)->trigger();
-    QVERIFY(comes([&] { return !shown.editor()->toPlainText().isEmpty(); }));
+    KVX_EVENTUALLY(!shown.editor()->toPlainText().isEmpty());
     QCOMPARE(shown.editor()->toPlainText().toUtf8().trimmed(),
              contentOf(QStringLiteral(KVX_CONTRACT) + u"/report-rate/refused.kvx"_s).trimmed());
 }

@@ -496,6 +496,11 @@ void tst_TimelineDock::theNewestLineIsFollowed()
     QVERIFY(shown.add(manyEntries(100, 101)));
     QCOMPARE(bar->value(), bar->maximum());
     QCOMPARE(shown.table->rowAt(shown.table->viewport()->height() - 1), 199);
+    // Nor does a lower table lose it.
+    QTest::keyClick(shown.table, Qt::Key_F, Qt::ControlModifier);
+    shown.dock.resize(900, 200);
+    QVERIFY(shown.add(manyEntries(100, 201)));
+    QCOMPARE(bar->value(), bar->maximum());
 }
 
 void tst_TimelineDock::aTableThatIsScrolledUpStaysThere()

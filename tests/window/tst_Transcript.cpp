@@ -1,6 +1,6 @@
+#include "Eventually.h"
 #include "ScenarioText.h"
 #include "Transcript.h"
-#include "Waiting.h"
 
 #include <QtCore/QProcess>
 #include <QtCore/QTemporaryDir>
@@ -84,7 +84,7 @@ void tst_Transcript::aRestartBeginsAnotherOne()
     QVERIFY(started.play({u"mouse 1"_s}));
     QSignalSpy cleared(&transcript, &Transcript::cleared);
     started.engine.restart();
-    QVERIFY(comes([&] { return cleared.size() == 1; }));
+    KVX_EVENTUALLY(cleared.size() == 1);
     QCOMPARE(transcript.text(), QString());
     started.ends.clear();
     QVERIFY(started.play({u"mouse 2"_s}));

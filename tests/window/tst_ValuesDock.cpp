@@ -58,12 +58,6 @@ struct ShownDock
     QLabel *summary = dock.findChild<QLabel *>(u"valuesSummary"_s);
 };
 
-QString brokenLibrary(const QString &name)
-{
-    return QStringLiteral(KVX_BROKEN_LIBRARIES) + u'/' + name + u'/' +
-           QFileInfo(QStringLiteral(KVX_LIBRARY)).fileName();
-}
-
 }  // namespace
 
 class tst_ValuesDock : public QObject

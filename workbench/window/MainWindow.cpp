@@ -8,7 +8,6 @@
 #include <QtCore/QMimeData>
 #include <QtGui/QCloseEvent>
 #include <QtGui/QIcon>
-#include <QtWidgets/QDockWidget>
 #include <QtWidgets/QLabel>
 
 using namespace Qt::StringLiterals;
@@ -123,9 +122,7 @@ bool MainWindow::openFile(const QString &path)
         openLibrary(path);
         return true;
     }
-    QDockWidget *scenario = dock("scenario");
-    scenario->show();
-    scenario->raise();
+    showDock("scenario");
     return m_scenario->openFile(path);
 }
 

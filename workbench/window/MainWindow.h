@@ -7,12 +7,16 @@
 #include <QtCore/QSettings>
 #include <QtWidgets/QMainWindow>
 
+class CheckDock;
 class CommandField;
+class LibraryDock;
 class NoticeBar;
 class QDockWidget;
 class QLabel;
 class RecentFiles;
 class ScenarioDock;
+class SequenceDock;
+class TimelineDock;
 
 /// The window: it puts the docks together and owns the engine. What it remembers is in the settings of the user.
 class MainWindow : public QMainWindow
@@ -47,6 +51,7 @@ protected:
     void closeEvent(QCloseEvent *event) override;
     void dragEnterEvent(QDragEnterEvent *event) override;
     void dropEvent(QDropEvent *event) override;
+    void showEvent(QShowEvent *event) override;
 
 private:
     void openLibrary(const QString &file);
@@ -61,9 +66,10 @@ private:
     void makeDocks();
     void connectDocks();
     void placeDocks();
-    void resetLayout();
+    void shareRoom(bool isNarrow);
     void restoreLayout();
     QDockWidget *dock(const char *name) const;
+    void showDock(const char *name);
 
     void makeBars();
     void makeMenus();
@@ -81,7 +87,11 @@ private:
     Transcript m_transcript;
     SessionWatch m_watch;
     QList<QDockWidget *> m_docks;
+    CheckDock *m_check = nullptr;
+    LibraryDock *m_library = nullptr;
     ScenarioDock *m_scenario = nullptr;
+    SequenceDock *m_sequence = nullptr;
+    TimelineDock *m_timeline = nullptr;
     NoticeBar *m_notice = nullptr;
     CommandField *m_command = nullptr;
     RecentFiles *m_recent = nullptr;
@@ -89,6 +99,7 @@ private:
     QLabel *m_answer = nullptr;
     QString m_help;        // what "help" printed
     int m_helpNumber = 0;  // number of the line "help" that was sent
+    bool m_isUsualLayout = false;
     bool m_isFirstState = false;
     bool m_startsMouse = false;
 };

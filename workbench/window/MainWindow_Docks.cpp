@@ -1,9 +1,22 @@
+#include "CheckDock.h"
+#include "FaultsDock.h"
+#include "LibraryDock.h"
 #include "MainWindow.h"
+#include "MiceDock.h"
+#include "MouseDock.h"
+#include "NoticeBar.h"
 #include "RecentFiles.h"
+#include "RequestsDock.h"
 #include "ScenarioDock.h"
+#include "SequenceDock.h"
 #include "TimelineDock.h"
+#include "ValuesDock.h"
 
 #include <QtWidgets/QDockWidget>
+#include <QtWidgets/QScrollArea>
+
+#include <algorithm>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -11,7 +24,13 @@ QDockWidget *MainWindow::addDock(QWidget *content, const QString &name, const QS
 {
     auto *widget = new QDockWidget(title, this);
     widget->setObjectName(name + "Dock"_L1);
-    widget->setWidget(content);
+    // So that the window may be small.
+    auto *area = new QScrollArea;
+    area->setFrameShape(QFrame::NoFrame);
+    area->setFocusPolicy(Qt::NoFocus);
+    area->setWidgetResizable(true);
+    area->setWidget(content);
+    widget->setWidget(area);
     addDockWidget(Qt::RightDockWidgetArea, widget);
     m_docks.append(widget);
     return widget;
@@ -26,25 +45,86 @@ void MainWindow::makeDocks()
 {
     setDockNestingEnabled(true);
     m_scenario = new ScenarioDock(&m_engine, &m_transcript);
-    addDock(new TimelineDock(&m_engine), u"timeline"_s, tr("Timeline"));
+    m_timeline = new TimelineDock(&m_engine);
+    m_sequence = new SequenceDock(&m_engine);
+    m_check = new CheckDock(&m_engine);
+    m_library = new LibraryDock(&m_engine);
+    addDock(new MiceDock(&m_engine), u"mice"_s, tr("Mice"));
+    addDock(new MouseDock(&m_engine), u"mouse"_s, tr("Mouse"));
+    addDock(new RequestsDock(&m_engine), u"requests"_s, tr("Requests"));
+    addDock(new FaultsDock(&m_engine), u"faults"_s, tr("Faults"));
+    addDock(new ValuesDock(&m_engine), u"values"_s, tr("Values"));
     addDock(m_scenario, u"scenario"_s, tr("Scenario"));
+    addDock(m_sequence, u"sequence"_s, tr("Sequence"));
+    addDock(m_check, u"check"_s, tr("Check"));
+    addDock(m_library, u"library"_s, tr("Library"));
+    addDock(m_timeline, u"timeline"_s, tr("Timeline"));
 }
 
 void MainWindow::connectDocks()
 {
+    connect(m_timeline, &TimelineDock::selectionChanged, m_sequence, &SequenceDock::showEntries);
+    connect(m_check, &CheckDock::scenarioWanted, this, [this](const QString &title, const QString &text) {
+        showDock("scenario");
+        m_scenario->openText(title, text);
+    });
+    connect(m_library, &LibraryDock::libraryWanted, this, &MainWindow::openLibrary);
     connect(m_scenario, &ScenarioDock::fileUsed, this, [this](const QString &path) { m_recent->add(path); });
 }
 
-// On the left who there is, on the right what they do; the timeline below.
-void MainWindow::placeDocks() {}
+void MainWindow::showDock(const char *name)
+{
+    QDockWidget *widget = dock(name);
+    widget->show();
+    widget->raise();
+}
 
-void MainWindow::resetLayout()
+// On the left the mice, on the right what is asked of them and what comes of it, below it the timeline. What
+// is seldom used at the same time shares a place; in a narrow window more of it.
+void MainWindow::placeDocks()
 {
     for (QDockWidget *widget : std::as_const(m_docks)) {
         widget->setFloating(false);
-        widget->show();
+        removeDockWidget(widget);
     }
-    placeDocks();
+    constexpr int narrow = 1250;
+    const bool isNarrow = width() < narrow;
+    addDockWidget(Qt::LeftDockWidgetArea, dock("mouse"));
+    if (isNarrow)
+        tabifyDockWidget(dock("mouse"), dock("mice"));
+    else
+        splitDockWidget(dock("mouse"), dock("mice"), Qt::Vertical);
+    addDockWidget(Qt::RightDockWidgetArea, dock("requests"));
+    splitDockWidget(dock("requests"), dock("timeline"), Qt::Vertical);
+    if (!isNarrow)
+        splitDockWidget(dock("requests"), dock("values"), Qt::Horizontal);
+    tabifyDockWidget(dock("requests"), dock("faults"));
+    if (isNarrow)
+        tabifyDockWidget(dock("faults"), dock("values"));
+    for (const char *name : {"scenario", "sequence", "check", "library"})
+        tabifyDockWidget(dock(isNarrow ? "requests" : "values"), dock(name));
+    for (QDockWidget *widget : std::as_const(m_docks))
+        widget->show();
+    for (const char *name : {"mouse", "values", "requests"})
+        dock(name)->raise();
+    // Before they are shown the docks take no sizes.
+    if (isVisible())
+        shareRoom(isNarrow);
+}
+
+void MainWindow::shareRoom(bool isNarrow)
+{
+    constexpr int mouseWidth = 470;
+    constexpr int requestsWidth = 330;
+    constexpr int miceHeight = 320;
+    constexpr int timelineHeight = 320;
+    const int restWidth = std::max(width() - mouseWidth, 1);
+    resizeDocks({dock("mouse"), dock("requests")}, {mouseWidth, restWidth}, Qt::Horizontal);
+    resizeDocks({dock("requests"), dock("timeline")}, {height() - timelineHeight, timelineHeight}, Qt::Vertical);
+    if (isNarrow)
+        return;
+    resizeDocks({dock("requests"), dock("values")}, {requestsWidth, restWidth - requestsWidth}, Qt::Horizontal);
+    resizeDocks({dock("mouse"), dock("mice")}, {height() - miceHeight, miceHeight}, Qt::Vertical);
 }
 
 void MainWindow::restoreLayout()
@@ -53,5 +133,14 @@ void MainWindow::restoreLayout()
     if (!restoreGeometry(m_settings.value("geometry"_L1).toByteArray()))
         resize(usualSize);
     placeDocks();
-    restoreState(m_settings.value("layout"_L1).toByteArray(), layoutVersion);
+    m_isUsualLayout = !restoreState(m_settings.value("layout"_L1).toByteArray(), layoutVersion);
+    // A notice is of the moment.
+    m_notice->hide();
+}
+
+void MainWindow::showEvent(QShowEvent *event)
+{
+    QMainWindow::showEvent(event);
+    if (std::exchange(m_isUsualLayout, false))
+        placeDocks();
 }

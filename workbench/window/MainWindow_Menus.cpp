@@ -109,7 +109,7 @@ void MainWindow::makeViewMenu()
     for (const QDockWidget *widget : std::as_const(m_docks))
         menu->addAction(widget->toggleViewAction());
     menu->addSeparator();
-    menu->addAction(tr("&Reset the Layout"), this, &MainWindow::resetLayout)->setObjectName("resetLayout"_L1);
+    menu->addAction(tr("&Reset the Layout"), this, &MainWindow::placeDocks)->setObjectName("resetLayout"_L1);
 }
 
 void MainWindow::makeHelpMenu()

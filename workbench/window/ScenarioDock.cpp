@@ -91,6 +91,7 @@ void ScenarioDock::makeWidgets()
     m_transcriptView->setUndoRedoEnabled(false);
     m_tabs = new QTabWidget(this);
     m_tabs->setObjectName("scenarioTabs"_L1);
+    m_tabs->setAccessibleName(tr("Transcript and scenario"));
     m_tabs->setDocumentMode(true);
     m_tabs->addTab(m_transcriptView, tr("Transcript"));
     m_tabs->addTab(m_editor, {});

@@ -30,11 +30,18 @@ void addNote(QMenu &menu, const QString &note)
     menu.addAction(note)->setEnabled(false);
 }
 
-// kvx prints lines about the scenario before its own; the last of them is "system".
-QString scenarioOf(const QString &explanation)
+QJsonArray scenariosOf(const QString &json)
 {
-    const qsizetype last = explanation.indexOf("\nsystem "_L1);
-    return last < 0 ? explanation : explanation.mid(explanation.indexOf(u'\n', last + 1) + 1);
+    return QJsonDocument::fromJson(json.toUtf8()).object().value("scenarios"_L1).toArray();
+}
+
+QString textOf(const QJsonValue &scenario)
+{
+    QString text;
+    const QJsonArray lines = scenario["lines"_L1].toArray();
+    for (const QJsonValue &line : lines)
+        text += line.toString() + u'\n';
+    return text;
 }
 
 }  // namespace
@@ -81,8 +88,7 @@ void ScenarioLibrary::askForContract()
 void ScenarioLibrary::fillContract(const QString &list)
 {
     m_contract.clear();
-    const QJsonArray scenarios =
-        QJsonDocument::fromJson(list.toUtf8()).object().value("scenarios"_L1).toArray();
+    const QJsonArray scenarios = scenariosOf(list);
     QHash<QString, QMenu *> folders;
     for (const QJsonValue &scenario : scenarios) {
         const QString name = scenario["name"_L1].toString();
@@ -103,10 +109,10 @@ void ScenarioLibrary::fillContract(const QString &list)
 
 void ScenarioLibrary::askForScenario(const QString &name)
 {
-    askKvx(m_engine->setup(), {u"check"_s, u"--explain"_s, name}, this,
+    askKvx(m_engine->setup(), {u"check"_s, u"--explain"_s, name, u"--json"_s}, this,
            [this, name](const QString &output, const QString &sentence) {
                if (sentence.isEmpty())
-                   Q_EMIT textWanted(name, scenarioOf(output));
+                   Q_EMIT textWanted(name, textOf(scenariosOf(output).first()));
                else
                    Q_EMIT problem(sentence);
            });

@@ -169,7 +169,14 @@ void TimelineDock::addTable()
     m_table->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
     m_table->horizontalHeader()->setStretchLastSection(true);
     m_table->horizontalHeader()->setHighlightSections(false);
-    m_table->horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+    QScrollBar *bar = m_table->verticalScrollBar();
+    connect(bar, &QScrollBar::valueChanged, this,
+            [this, bar](int value) { m_follows = value == bar->maximum(); });
+    // Another height of the table does not end it.
+    connect(bar, &QScrollBar::rangeChanged, this, [this, bar](int /*minimum*/, int maximum) {
+        if (m_follows)
+            bar->setValue(maximum);
+    });
     connect(m_table->selectionModel(), &QItemSelectionModel::selectionChanged, this, [this] {
         QList<Entry> entries;
         const QList<int> rows = selectedRows();
@@ -208,15 +215,13 @@ void TimelineDock::addEntries(const QList<Entry> &entries)
 
 void TimelineDock::showWaiting()
 {
-    const QScrollBar *bar = m_table->verticalScrollBar();
-    const bool follows = bar->value() == bar->maximum();
     for (const Entry &entry : std::as_const(m_waiting)) {
         noteKind(entry.kind);
         if (entry.device)
             noteDevice(*entry.device);
     }
     m_model->append(std::exchange(m_waiting, {}));
-    if (follows)
+    if (m_follows)
         m_table->scrollToBottom();
     showCount();
 }

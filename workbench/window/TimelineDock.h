@@ -72,6 +72,7 @@ private:
     FindBar *m_findBar;
     QLabel *m_count;
 
+    bool m_follows = true;   // the table shows the newest line
     QTimer m_pace;           // runs while entries wait and there is no pause
     QList<Entry> m_waiting;  // not in the model yet
     QSet<QString> m_knownKinds;

@@ -54,6 +54,11 @@ QString cell(const Entry &entry, int column)
     }
 }
 
+int alignment(int column)
+{
+    return int((column <= TimelineModel::Thread ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignVCenter);
+}
+
 // Helps the eye only: the kind is there as a word. Bright on a dark palette, dark on a bright one.
 QVariant kindColor(const QString &kind)
 {
@@ -86,6 +91,8 @@ int TimelineModel::columnCount(const QModelIndex &parent) const
 
 QVariant TimelineModel::headerData(int section, Qt::Orientation orientation, int role) const
 {
+    if (role == Qt::TextAlignmentRole)
+        return alignment(section);
     if (orientation != Qt::Horizontal || role != Qt::DisplayRole)
         return {};
     switch (section) {
@@ -117,7 +124,7 @@ QVariant TimelineModel::data(const QModelIndex &index, int role) const
     case Qt::ForegroundRole:
         return index.column() == Kind ? kindColor(shown.kind) : QVariant();
     case Qt::TextAlignmentRole:
-        return int((index.column() <= Thread ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignVCenter);
+        return alignment(index.column());
     default:
         return {};
     }
