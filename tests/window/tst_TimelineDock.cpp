@@ -538,9 +538,9 @@ void tst_TimelineDock::theLengthOfTheTimelineCostsNothing()
 {
     QList<int> painted;
     for (const int count : {1'000, 100'000}) {
+        CountingDelegate delegate;
         Shown shown(manyEntries(count));
         QVERIFY(shown.isReady);
-        CountingDelegate delegate;
         shown.table->setItemDelegate(&delegate);
         QCoreApplication::processEvents();
         shown.table->scrollToTop();
@@ -550,11 +550,10 @@ void tst_TimelineDock::theLengthOfTheTimelineCostsNothing()
             shown.table->verticalScrollBar()->triggerAction(QScrollBar::SliderPageStepAdd);
             shown.table->viewport()->repaint();
         }
+        painted.append(delegate.painted);
+        QVERIFY(painted.last() > 0);
         QVERIFY(shown.add(manyEntries(10)));
         QCOMPARE(delegate.measured, 0);
-        QVERIFY(delegate.painted > 0);
-        painted.append(delegate.painted);
-        shown.table->setItemDelegate(nullptr);
     }
     QCOMPARE(painted.last(), painted.first());
 }
@@ -600,6 +599,7 @@ void tst_TimelineDock::theKeyboardReachesAll()
         QVERIFY2(!widget->accessibleName().isEmpty(), qPrintable(widget->objectName()));
         QTest::keyClick(widget, Qt::Key_Tab);
     }
+    QCOMPARE(QApplication::focusWidget()->objectName(), reached.first());
     QCOMPARE(reached,
              (QStringList{u"timelineKinds"_s, u"timelineDevices"_s, u"timelineText"_s, u"timelinePause"_s,
                           u"timelineClear"_s, u"timelineExport"_s, u"timelineTable"_s}));

@@ -18,7 +18,7 @@ struct Entry
     int thread = 1;
     std::optional<quint64> device;
     int receiver = 1;
-    /// call, receiver, report, signal, log, hostService, verdict.
+    /// call, receiver, report, signal, log, host, verdict.
     QString kind;
     /// Of an operation or signal; of a log line its severity.
     QString name;
