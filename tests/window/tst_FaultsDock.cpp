@@ -64,8 +64,8 @@ void tst_FaultsDock::thereIsARowForEachOperation()
     });
     QVERIFY(shown.started.play({u"mouse 1"_s}));
     QVERIFY(operations.size() > 10);
-    for (const QJsonValue &operation : std::as_const(operations)) {
-        const QString name = operation[u"name"_s].toString();
+    for (const auto operation : std::as_const(operations)) {
+        const QString name = operation.toObject().value(u"name"_s).toString();
         QVERIFY2(shown.set(name), qUtf8Printable(name));
         QVERIFY(!shown.effect(name)->accessibleName().isEmpty());
     }

@@ -13,12 +13,15 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-const QString builtLibrary = QStringLiteral(KVX_LIBRARY);
+QString builtLibrary()
+{
+    return QStringLiteral(KVX_LIBRARY);
+}
 
 /// The dock with a child, and its parts by name; as the main window does, it starts a child with the wanted library.
 struct ShownDock
 {
-    explicit ShownDock(const QString &library = builtLibrary) : started(library)
+    explicit ShownDock(const QString &library = builtLibrary()) : started(library)
     {
         QObject::connect(&dock, &LibraryDock::libraryWanted, &dock, [this](const QString &file) {
             started.engine.setSetup({QStringLiteral(KVX_COMMAND), file, {}});
@@ -48,18 +51,18 @@ struct ShownDock
 /// A folder with a library of its own, which can be built again.
 struct Folder
 {
-    Folder() { QFile::copy(builtLibrary, library); }
+    Folder() { QFile::copy(builtLibrary(), library); }
 
     /// As a linker does: another file takes its place. On Windows a loaded one can only be renamed.
     bool takeAway() { return QFile::rename(library, folder.filePath(u"old%1"_s.arg(++builds))); }
     bool build()
     {
         const QString fresh = folder.filePath(u"fresh"_s);
-        return QFile::copy(builtLibrary, fresh) && takeAway() && QFile::rename(fresh, library);
+        return QFile::copy(builtLibrary(), fresh) && takeAway() && QFile::rename(fresh, library);
     }
 
     QTemporaryDir folder;
-    QString library = folder.filePath(QFileInfo(builtLibrary).fileName());
+    QString library = folder.filePath(QFileInfo(builtLibrary()).fileName());
     int builds = 0;
 };
 
@@ -97,10 +100,10 @@ void tst_LibraryDock::theLoadedLibraryIsInspected()
 {
     ShownDock shown;
     KVX_EVENTUALLY(shown.verdict().endsWith(u"is a device plugin."_s));
-    QVERIFY2(shown.report().contains(QFileInfo(builtLibrary).canonicalFilePath()),
+    QVERIFY2(shown.report().contains(QFileInfo(builtLibrary()).canonicalFilePath()),
              qUtf8Printable(shown.report()));
     QVERIFY(shown.report().contains(u"metadata header"_s));
-    QCOMPARE(QDir::fromNativeSeparators(shown.path->text()), builtLibrary);
+    QCOMPARE(QDir::fromNativeSeparators(shown.path->text()), builtLibrary());
     QVERIFY(shown.started.settle());
     KVX_EVENTUALLY_EQUAL(shown.residence(), u"The library is in the process."_s);
     QCOMPARE(shown.change(), QString());
@@ -139,10 +142,10 @@ void tst_LibraryDock::aLibraryIsOpenedByItsPath()
     KVX_EVENTUALLY(shown.report().contains(QFileInfo(folder.library).canonicalFilePath()));
 
     KVX_EVENTUALLY(!shown.started.engine.state().isEmpty());
-    shown.typePath(builtLibrary);
+    shown.typePath(builtLibrary());
     QTest::mouseClick(shown.button(u"libraryOpen"_s), Qt::LeftButton);
     QCOMPARE(shown.wanted.size(), 2);
-    KVX_EVENTUALLY(shown.report().contains(QFileInfo(builtLibrary).canonicalFilePath()));
+    KVX_EVENTUALLY(shown.report().contains(QFileInfo(builtLibrary()).canonicalFilePath()));
 }
 
 void tst_LibraryDock::aLibraryIsOpenedByTheDialog()
@@ -199,7 +202,7 @@ void tst_LibraryDock::aRebuiltLibraryIsReloadedWhenItIsWhole()
 
     QVERIFY(folder.takeAway());
     KVX_EVENTUALLY_EQUAL(shown.change(), u"The file is gone; waiting for another."_s);
-    const QByteArray bytes = contentsOf(builtLibrary);
+    const QByteArray bytes = contentsOf(builtLibrary());
     QVERIFY(append(folder.library, bytes.first(bytes.size() / 2)));
     KVX_EVENTUALLY_EQUAL(shown.change(), u"The file has changed and is not whole yet."_s);
     QVERIFY(shown.wanted.isEmpty());
@@ -238,7 +241,7 @@ void tst_LibraryDock::whatFailsIsReported()
     // A library on Windows has no mark with which it stays.
     if constexpr (!ThisSystem::isWindows) {
         ShownDock staying(QStringLiteral(KVX_BROKEN_LIBRARIES "/library-that-stays-loaded/") +
-                          QFileInfo(builtLibrary).fileName());
+                          QFileInfo(builtLibrary()).fileName());
         QVERIFY(staying.started.settle());
         KVX_EVENTUALLY(staying.button(u"libraryUnload"_s)->isEnabled());
         QTest::mouseClick(staying.button(u"libraryUnload"_s), Qt::LeftButton);
@@ -251,7 +254,7 @@ void tst_LibraryDock::theWrapperRunsTheInspection()
     ShownDock shown;
     QVERIFY(shown.started.settle());
     KVX_EVENTUALLY(shown.verdict().endsWith(u"is a device plugin."_s));
-    shown.started.engine.setSetup({QStringLiteral(KVX_COMMAND), builtLibrary, {u"/no/such/wrapper"_s}});
+    shown.started.engine.setSetup({QStringLiteral(KVX_COMMAND), builtLibrary(), {u"/no/such/wrapper"_s}});
     QTest::mouseClick(shown.button(u"libraryInspect"_s), Qt::LeftButton);
     KVX_EVENTUALLY(shown.verdict().endsWith(u"was not inspected."_s));
     QVERIFY2(shown.report().startsWith(u"kvx cannot be started: "_s), qUtf8Printable(shown.report()));

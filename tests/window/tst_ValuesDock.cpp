@@ -132,7 +132,7 @@ void tst_ValuesDock::aSignalWithAnotherValueIsMarked()
     KVX_EVENTUALLY_EQUAL(shown.summary->text(), u"Device 1: values that no signal announced: 1"_s);
 
     QVERIFY(shown.play({u"setReportRate 250"_s}));
-    KVX_EVENTUALLY_EQUAL(shown.marked(), QStringList());
+    KVX_EVENTUALLY(shown.marked().isEmpty());
 }
 
 void tst_ValuesDock::aMissingSignalIsMarked_data()
@@ -183,7 +183,7 @@ void tst_ValuesDock::aSoundSessionHasNoMark()
                               u"stop"_s};
     for (const QString &line : session) {
         QVERIFY(shown.play({line}));
-        KVX_EVENTUALLY_EQUAL(shown.marked(), QStringList());
+        KVX_EVENTUALLY(shown.marked().isEmpty());
     }
 }
 
@@ -194,7 +194,7 @@ void tst_ValuesDock::aSecondStartBeginsAgain()
     KVX_EVENTUALLY_EQUAL(shown.marked(), QStringList{u"reportRate"_s});
     // It also appends the report rates without a signal.
     QVERIFY(shown.play({u"start"_s}));
-    KVX_EVENTUALLY_EQUAL(shown.marked(), QStringList());
+    KVX_EVENTUALLY(shown.marked().isEmpty());
 }
 
 void tst_ValuesDock::aChangeFlashes()

@@ -63,7 +63,8 @@ void FaultsDock::showState(const QJsonObject &state)
     const QString current = state.value("current"_L1).toVariant().toString();
     QMap<QString, QStringList> inForce;
     const QJsonArray faults = state.value("faults"_L1).toArray();
-    for (const QJsonValue &fault : faults) {
+    for (const auto item : faults) {
+        const QJsonObject fault = item.toObject();
         const QString operation = fault["operation"_L1].toString();
         const QString text = fault["text"_L1].toString().mid(operation.size()).trimmed();
         const QString device = fault["device"_L1].toVariant().toString();
@@ -85,7 +86,8 @@ void FaultsDock::addRows(const QJsonArray &operations)
         return;
     for (const Kind &kind : kinds) {
         addHeading(tr(kind.title));
-        for (const QJsonValue &operation : operations) {
+        for (const auto item : operations) {
+            const QJsonObject operation = item.toObject();
             if (operation["kind"_L1].toString() == QLatin1StringView(kind.word))
                 addRow(operation["name"_L1].toString());
         }

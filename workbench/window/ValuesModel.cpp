@@ -77,7 +77,8 @@ void ValuesModel::setState(const QJsonObject &state)
         m_flashing = {};
     QSet<QString> present;
     const QJsonArray devices = state.value("devices"_L1).toArray();
-    for (const QJsonValue &device : devices) {
+    for (const auto item : devices) {
+        const QJsonObject device = item.toObject();
         const QString id = device["id"_L1].toVariant().toString();
         present.insert(id);
         setValues(id, device["values"_L1].toObject());
