@@ -17,6 +17,7 @@
 #include <QtWidgets/QBoxLayout>
 #include <QtWidgets/QComboBox>
 #include <QtWidgets/QFileDialog>
+#include <QtWidgets/QGridLayout>
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QLineEdit>
 #include <QtWidgets/QProgressBar>
@@ -31,6 +32,10 @@ namespace {
 // Of the filter; the verdicts follow.
 constexpr int allRow = 0;
 constexpr int notPassedRow = 1;
+
+// Of the tree and of the details.
+constexpr int treeShare = 2;
+constexpr int detailsShare = 3;
 
 template <typename Widget>
 Widget *named(Widget *widget, const QString &objectName, const QString &accessibleName)
@@ -80,8 +85,8 @@ CheckDock::CheckDock(Engine *engine, QWidget *parent) : QWidget(parent), m_engin
 QWidget *CheckDock::makeWishes()
 {
     constexpr int mostJobs = 256;
-    auto *const row = new QWidget;
-    auto *const layout = new QHBoxLayout(row);
+    auto *const wishes = new QWidget;
+    auto *const layout = new QGridLayout(wishes);
     layout->setContentsMargins({});
     m_level = named(new QComboBox, u"checkLevel"_s, tr("Level"));
     m_level->addItems(levelNames());
@@ -99,26 +104,27 @@ QWidget *CheckDock::makeWishes()
     m_jobs->setToolTip(m_jobs->accessibleName());
     m_start = named(new QPushButton(tr("&Run")), u"checkStart"_s, tr("Run the check"));
     m_cancel = named(new QPushButton, u"checkCancel"_s, tr("Cancel the check"));
-    const auto addLabelled = [&](const QString &text, QWidget *widget, int stretch) {
+    const auto add = [&](const QString &text, QWidget *widget, int row, int column, int span) {
         auto *const label = new QLabel(text);
         label->setBuddy(widget);
-        layout->addWidget(label);
-        layout->addWidget(widget, stretch);
+        layout->addWidget(label, row, column);
+        layout->addWidget(widget, row, column + 1, 1, span);
     };
-    addLabelled(tr("&Level"), m_level, 0);
-    addLabelled(tr("S&cenarios"), m_names, 1);
-    addLabelled(tr("&Jobs"), m_jobs, 0);
-    layout->addWidget(m_start);
-    layout->addWidget(m_cancel);
+    constexpr int columns = 6;
+    add(tr("S&cenarios"), m_names, 0, 0, columns);
+    add(tr("&Level"), m_level, 1, 0, 1);
+    add(tr("&Jobs"), m_jobs, 1, 2, 1);
+    layout->setColumnStretch(4, 1);
+    layout->addWidget(m_start, 1, 5);
+    layout->addWidget(m_cancel, 1, columns);
     connect(m_names, &QLineEdit::returnPressed, this, &CheckDock::start);
     connect(m_start, &QPushButton::clicked, this, &CheckDock::start);
     connect(m_cancel, &QPushButton::clicked, this, &CheckDock::cancel);
-    return row;
+    return wishes;
 }
 
 QWidget *CheckDock::makeResults()
 {
-    constexpr int stretchOfDetails = 2;
     auto *const left = new QWidget;
     auto *const layout = new QVBoxLayout(left);
     layout->setContentsMargins({});
@@ -128,15 +134,15 @@ QWidget *CheckDock::makeResults()
     layout->addWidget(m_filter);
     layout->addWidget(m_tree);
     m_details = named(new CheckDetails, u"checkDetails"_s, tr("What the check found"));
-    auto *const splitter = new QSplitter;
-    splitter->addWidget(left);
-    splitter->addWidget(m_details);
-    splitter->setStretchFactor(0, 1);
-    splitter->setStretchFactor(1, stretchOfDetails);
-    splitter->setChildrenCollapsible(false);
+    m_results = new QSplitter;
+    m_results->addWidget(left);
+    m_results->addWidget(m_details);
+    m_results->setStretchFactor(0, treeShare);
+    m_results->setStretchFactor(1, detailsShare);
+    m_results->setChildrenCollapsible(false);
     connect(m_tree, &CheckTree::currentScenarioChanged, this, &CheckDock::noteCurrent);
     connect(m_tree, &CheckTree::scenarioActivated, this, &CheckDock::askForScenario);
-    return splitter;
+    return m_results;
 }
 
 QWidget *CheckDock::makeActions()
@@ -162,6 +168,20 @@ QWidget *CheckDock::makeActions()
     connect(m_saveReport, &QPushButton::clicked, this, &CheckDock::askForReportFile);
     connect(m_openReport, &QPushButton::clicked, this, &CheckDock::openReport);
     return row;
+}
+
+// The lines of a difference need width; a narrow dock has them below the tree.
+void CheckDock::resizeEvent(QResizeEvent *event)
+{
+    QWidget::resizeEvent(event);
+    constexpr int enough = 90;  // characters
+    const bool isNarrow = width() < enough * fontMetrics().averageCharWidth();
+    const Qt::Orientation orientation = isNarrow ? Qt::Vertical : Qt::Horizontal;
+    if (m_results->orientation() == orientation)
+        return;
+    m_results->setOrientation(orientation);
+    const int size = isNarrow ? m_results->height() : width();
+    m_results->setSizes({size * treeShare, size * detailsShare});
 }
 
 void CheckDock::fillFilter()

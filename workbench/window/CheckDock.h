@@ -12,6 +12,7 @@ class QLineEdit;
 class QProgressBar;
 class QPushButton;
 class QSpinBox;
+class QSplitter;
 
 /// Checks the engine's library with "kvx check" and shows what came of it.
 class CheckDock : public QWidget
@@ -24,6 +25,9 @@ public:
 Q_SIGNALS:
     /// Somebody wants to see the scenario, to run or to edit it.
     void scenarioWanted(const QString &title, const QString &text);
+
+protected:
+    void resizeEvent(QResizeEvent *event) override;
 
 private:
     QWidget *makeWishes();
@@ -57,6 +61,7 @@ private:
     QPushButton *m_cancel = nullptr;
     QProgressBar *m_progress = nullptr;
     QLabel *m_outcome = nullptr;
+    QSplitter *m_results = nullptr;
     QComboBox *m_filter = nullptr;
     CheckTree *m_tree = nullptr;
     CheckDetails *m_details = nullptr;

@@ -46,8 +46,10 @@ CheckTree::CheckTree(QWidget *parent) : QTreeWidget(parent)
     setUniformRowHeights(true);
     sortByColumn(NameColumn, Qt::AscendingOrder);
     setSortingEnabled(true);
-    header()->setStretchLastSection(true);
-    header()->setSectionResizeMode(NameColumn, QHeaderView::ResizeToContents);
+    // A narrow tree shortens the names rather than hide the verdicts.
+    header()->setStretchLastSection(false);
+    header()->setSectionResizeMode(NameColumn, QHeaderView::Stretch);
+    header()->setSectionResizeMode(VerdictColumn, QHeaderView::ResizeToContents);
     connect(this, &QTreeWidget::currentItemChanged, this, &CheckTree::currentScenarioChanged);
     connect(this, &QTreeWidget::itemActivated, this, [this](const QTreeWidgetItem *item) {
         if (item->parent())
@@ -81,7 +83,8 @@ void CheckTree::setReport(const QJsonObject &report)
         if (!m_scenarios.contains(name))
             addVerdict(name, scenario.value("verdict"_L1).toString());
         m_scenarios.value(name)->setData(NameColumn, scenarioRole, scenario);
-        m_scenarios.value(name)->setToolTip(NameColumn, scenario.value("title"_L1).toString());
+        m_scenarios.value(name)->setToolTip(NameColumn,
+                                            name + u": "_s + scenario.value("title"_L1).toString());
     }
     Q_EMIT currentScenarioChanged();
 }
@@ -102,6 +105,7 @@ void CheckTree::show(QTreeWidgetItem *item)
     QTreeWidgetItem *const feature = item->parent();
     const bool isInFolder = name.startsWith(feature->text(NameColumn) + u'/');
     item->setText(NameColumn, isInFolder ? name.section(u'/', 1) : name);
+    item->setToolTip(NameColumn, name);
     item->setText(VerdictColumn, verdictOf(item));
     setColor(item);
     item->setHidden(!isShown(verdictOf(item)));
