@@ -1,5 +1,7 @@
+#include "CheckDock.h"
 #include "CommandField.h"
 #include "Eventually.h"
+#include "LibraryDock.h"
 #include "MainWindow.h"
 
 #include <QtCore/QMimeData>
@@ -102,6 +104,7 @@ private Q_SLOTS:
     void filesAreKept();
     void theLayoutIsKeptAndReset();
     void theWindowIsUsableWhenItIsSmall();
+    void theDocksAreConnected();
     void theWrapperIsKept();
     void changesDelayTheEnd();
     void helpAndVersions();
@@ -343,6 +346,30 @@ void tst_MainWindow::theWindowIsUsableWhenItIsSmall()
              qPrintable(u"%1 x %2"_s.arg(shown.window.minimumSizeHint().width())
                             .arg(shown.window.minimumSizeHint().height())));
     QCOMPARE(shown.window.size(), small);
+}
+
+void tst_MainWindow::theDocksAreConnected()
+{
+    ShownWindow shown;
+    QVERIFY(shown.settle());
+    auto *check = shown.window.findChild<CheckDock *>();
+    Q_EMIT check->scenarioWanted(u"own"_s, u"mouse 1"_s);
+    const auto *editor = shown.child<QPlainTextEdit>("scenarioEditor");
+    QCOMPARE(editor->toPlainText(), u"mouse 1"_s);
+    QVERIFY(editor->isVisible());
+
+    const QWidget *sequence = shown.child<QDockWidget>("sequenceDock");
+    shown.child<QDockWidget>("sequenceDock")->raise();
+    KVX_EVENTUALLY(!sequence->visibleRegion().isEmpty());
+    const QImage empty = shown.child<QDockWidget>("sequenceDock")->grab().toImage();
+    auto *table = shown.child<QDockWidget>("timelineDock")->findChild<QTableView *>();
+    KVX_EVENTUALLY(table->model()->rowCount() > 0);
+    table->selectAll();
+    KVX_EVENTUALLY(shown.child<QDockWidget>("sequenceDock")->grab().toImage() != empty);
+
+    const QString library = brokenLibrary(u"report-rate-flag-without-signal"_s);
+    Q_EMIT shown.window.findChild<LibraryDock *>()->libraryWanted(library);
+    QCOMPARE(shown.window.engine()->setup().library, library);
 }
 
 void tst_MainWindow::theWrapperIsKept()

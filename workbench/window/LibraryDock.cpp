@@ -132,14 +132,14 @@ void LibraryDock::inspect(const QString &file)
     m_inspection.start(m_engine->setup(), file.trimmed());
 }
 
-void LibraryDock::showInspection(const QString &file, std::optional<int> exitCode, const QString &text)
+void LibraryDock::showInspection(const QString &file, int exitCode, const QString &text)
 {
     const bool isWhole = exitCode == 0;
     if (isWhole)
         m_verdict->setText(tr("%1 is a device plugin.").arg(QFileInfo(file).fileName()));
-    else if (exitCode)
+    else if (exitCode != LibraryInspection::noExitCode)
         m_verdict->setText(
-            tr("⚠ %1 cannot be used (exit code %2).").arg(QFileInfo(file).fileName()).arg(*exitCode));
+            tr("⚠ %1 cannot be used (exit code %2).").arg(QFileInfo(file).fileName()).arg(exitCode));
     else
         m_verdict->setText(tr("⚠ %1 was not inspected.").arg(QFileInfo(file).fileName()));
     m_report->setPlainText(text);

@@ -29,7 +29,7 @@ private:
     void chooseFile();
     void open();
     void inspect(const QString &file);
-    void showInspection(const QString &file, std::optional<int> exitCode, const QString &text);
+    void showInspection(const QString &file, int exitCode, const QString &text);
     void noteStart();
     void noteFile();
     /// The changed file's inspection.

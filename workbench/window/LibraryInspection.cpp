@@ -15,13 +15,13 @@ LibraryInspection::LibraryInspection(QObject *parent) : QObject(parent)
         const QByteArray output = m_process.readAllStandardOutput();
         const QByteArray text = exitCode == 0 ? output : m_process.readAllStandardError();
         if (status == QProcess::CrashExit)
-            takeEnd({}, tr("kvx inspect crashed: %1").arg(CheckSystem::crashName(exitCode)));
+            takeEnd(noExitCode, tr("kvx inspect crashed: %1").arg(CheckSystem::crashName(exitCode)));
         else
             takeEnd(exitCode, QString::fromUtf8(text).trimmed());
     });
     connect(&m_process, &QProcess::errorOccurred, this, [this](QProcess::ProcessError error) {
         if (error == QProcess::FailedToStart)
-            takeEnd({}, tr("kvx cannot be started: %1").arg(m_process.errorString()));
+            takeEnd(noExitCode, tr("kvx cannot be started: %1").arg(m_process.errorString()));
     });
 }
 
@@ -59,7 +59,7 @@ void LibraryInspection::startChild()
     m_process.start(program, words);
 }
 
-void LibraryInspection::takeEnd(std::optional<int> exitCode, const QString &text)
+void LibraryInspection::takeEnd(int exitCode, const QString &text)
 {
     m_tree.reset();
     if (std::exchange(m_startsAgain, false))

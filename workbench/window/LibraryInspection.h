@@ -8,6 +8,8 @@ class LibraryInspection : public QObject
     Q_OBJECT
 
 public:
+    static constexpr int noExitCode = -1;
+
     explicit LibraryInspection(QObject *parent = nullptr);
     ~LibraryInspection() override;
     Q_DISABLE_COPY_MOVE(LibraryInspection)
@@ -16,13 +18,13 @@ public:
     void start(const Engine::Setup &setup, const QString &file);
 
 Q_SIGNALS:
-    /// exitCode: 0 for a whole plugin; unset when kvx did not run to its end. text: what it printed, or the reason.
-    void finished(const QString &file, std::optional<int> exitCode, const QString &text);
+    /// exitCode: 0 for a whole plugin; noExitCode when kvx did not run to its end. text: what it printed, or the reason.
+    void finished(const QString &file, int exitCode, const QString &text);
 
 private:
     void endChild();
     void startChild();
-    void takeEnd(std::optional<int> exitCode, const QString &text);
+    void takeEnd(int exitCode, const QString &text);
 
     QProcess m_process;
     std::optional<CheckSystem::ProcessTree> m_tree;  // of the process while it runs

@@ -98,10 +98,9 @@ void MainWindow::placeDocks()
     splitDockWidget(dock("requests"), dock("timeline"), Qt::Vertical);
     if (!isNarrow)
         splitDockWidget(dock("requests"), dock("values"), Qt::Horizontal);
-    tabifyDockWidget(dock("requests"), dock("faults"));
     if (isNarrow)
-        tabifyDockWidget(dock("faults"), dock("values"));
-    for (const char *name : {"scenario", "sequence", "check", "library"})
+        tabifyDockWidget(dock("requests"), dock("values"));
+    for (const char *name : {"faults", "scenario", "sequence", "check", "library"})
         tabifyDockWidget(dock(isNarrow ? "requests" : "values"), dock(name));
     for (QDockWidget *widget : std::as_const(m_docks))
         widget->show();
@@ -120,10 +119,12 @@ void MainWindow::shareRoom(bool isNarrow)
     constexpr int timelineHeight = 320;
     const int restWidth = std::max(width() - mouseWidth, 1);
     resizeDocks({dock("mouse"), dock("requests")}, {mouseWidth, restWidth}, Qt::Horizontal);
-    resizeDocks({dock("requests"), dock("timeline")}, {height() - timelineHeight, timelineHeight}, Qt::Vertical);
+    resizeDocks({dock("requests"), dock("timeline")}, {height() - timelineHeight, timelineHeight},
+                Qt::Vertical);
     if (isNarrow)
         return;
-    resizeDocks({dock("requests"), dock("values")}, {requestsWidth, restWidth - requestsWidth}, Qt::Horizontal);
+    resizeDocks({dock("requests"), dock("values")}, {requestsWidth, restWidth - requestsWidth},
+                Qt::Horizontal);
     resizeDocks({dock("mouse"), dock("mice")}, {height() - miceHeight, miceHeight}, Qt::Vertical);
 }
 

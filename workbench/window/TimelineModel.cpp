@@ -76,8 +76,7 @@ QVariant kindColor(const QString &kind)
 
 }  // namespace
 
-TimelineModel::TimelineModel(QObject *parent, qsizetype limit) : QAbstractTableModel(parent), m_limit(limit)
-{}
+TimelineModel::TimelineModel(QObject *parent, qsizetype limit) : OwnModel(parent), m_limit(limit) {}
 
 int TimelineModel::rowCount(const QModelIndex &parent) const
 {

@@ -1,12 +1,13 @@
 #pragma once
 
+#include "OwnModel.h"
 #include "TimelineFilter.h"
 
 #include <QtCore/QAbstractTableModel>
 
 /// The timeline as a table: a row for each entry that the filter lets through. It filters itself, because a proxy model
 /// removes the rows that a filter hides range by range: with 100,000 lines that takes seconds.
-class TimelineModel : public QAbstractTableModel
+class TimelineModel : public OwnModel<QAbstractTableModel>
 {
     Q_OBJECT
 

@@ -33,7 +33,7 @@ QColor flashColor()
 
 }  // namespace
 
-ValuesModel::ValuesModel(QObject *parent) : QAbstractTableModel(parent)
+ValuesModel::ValuesModel(QObject *parent) : OwnModel(parent)
 {
     m_flashEnd.setSingleShot(true);
     m_flashEnd.setInterval(flashTime);

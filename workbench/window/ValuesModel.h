@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Entry.h"
+#include "OwnModel.h"
 
 #include <QtCore/QAbstractTableModel>
 #include <QtCore/QDeadlineTimer>
@@ -13,7 +14,7 @@
 
 /// The getters of the current device, one a row, each beside the value that its signal carried last. A getter that a host
 /// would have to read again to know its value has a mark: its last signal carried another one, or it changed without one.
-class ValuesModel : public QAbstractTableModel
+class ValuesModel : public OwnModel<QAbstractTableModel>
 {
     Q_OBJECT
 
@@ -70,12 +71,12 @@ private:
 };
 
 /// Rows that contain a text, and of those all or only the marked ones.
-class ValuesFilter : public QSortFilterProxyModel
+class ValuesFilter : public OwnModel<QSortFilterProxyModel>
 {
     Q_OBJECT
 
 public:
-    using QSortFilterProxyModel::QSortFilterProxyModel;
+    using OwnModel::OwnModel;
 
     void setText(const QString &text);
     void setOnlyMarked(bool isOnlyMarked);

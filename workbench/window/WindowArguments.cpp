@@ -93,7 +93,7 @@ std::optional<WindowAnswer> readArguments(const QStringList &words, const QStrin
     try {
         app.parse(reversed);
     } catch (const CLI::CallForHelp &) {
-        return WindowAnswer{0, QString::fromStdString(app.help())};
+        return WindowAnswer{0, QString::fromUtf8(app.help().c_str())};
     } catch (const CLI::CallForVersion &version) {
         return WindowAnswer{0, QString::fromUtf8(version.what()) + u'\n'};
     } catch (const CLI::ParseError &error) {
@@ -102,16 +102,16 @@ std::optional<WindowAnswer> readArguments(const QStringList &words, const QStrin
 
     QString problem;
     if (!plugin.empty()) {
-        arguments.setup.library = QFileInfo(QString::fromStdString(plugin)).absoluteFilePath();
+        arguments.setup.library = QFileInfo(QString::fromUtf8(plugin.c_str())).absoluteFilePath();
         problem = problemOf(arguments.setup.library);
     }
     for (const std::string &file : files) {
         if (problem.isEmpty())
-            problem = takeFile(QString::fromStdString(file), arguments);
+            problem = takeFile(QString::fromUtf8(file.c_str()), arguments);
     }
     if (problem.isEmpty())
-        problem = takeKvx(QString::fromStdString(kvx), folder, arguments);
-    arguments.setup.wrapper = QProcess::splitCommand(QString::fromStdString(wrapper));
+        problem = takeKvx(QString::fromUtf8(kvx.c_str()), folder, arguments);
+    arguments.setup.wrapper = QProcess::splitCommand(QString::fromUtf8(wrapper.c_str()));
     if (!problem.isEmpty())
         return WindowAnswer{unusable, problem};
     return std::nullopt;
