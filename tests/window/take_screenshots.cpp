@@ -5,7 +5,6 @@
 #include <QtCore/QDir>
 #include <QtCore/QSettings>
 #include <QtCore/QTemporaryDir>
-#include <QtGui/QAction>
 #include <QtTest/QTest>
 #include <QtWidgets/QAbstractItemView>
 #include <QtWidgets/QApplication>
@@ -16,6 +15,7 @@
 #include <QtWidgets/QScrollArea>
 #include <QtWidgets/QScrollBar>
 #include <QtWidgets/QSpinBox>
+#include <QtWidgets/QToolButton>
 
 #include <cstdio>
 #include <cstdlib>
@@ -183,7 +183,7 @@ void takeSequence(const QDir &folder)
     shown.closeMice();
     raise(shown.window.findChild<SequenceDock *>());
     QTest::qWait(0);
-    find<QAction>(shown.window, u"fitWidth"_s)->trigger();
+    find<QToolButton>(shown.window, u"fitWidth"_s)->click();
     save(shown.window, folder.filePath(u"workbench-sequence.png"_s));
 }
 
