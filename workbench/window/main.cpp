@@ -49,8 +49,8 @@ void endAtFatalMessage(QtMsgType type, const QMessageLogContext & /*context*/, c
         warnings.append(message.simplified());
         return;
     }
-    printError(QCoreApplication::translate("main", "no window can be shown: %1")
-                   .arg(warnings.isEmpty() ? message.simplified() : warnings.first()));
+    const QStringList reasons = warnings.mid(0, 1) + QStringList{message.simplified()};
+    printError(QCoreApplication::translate("main", "no window can be shown: %1").arg(reasons.join(u". "_s)));
     std::_Exit(unusable);
 }
 
