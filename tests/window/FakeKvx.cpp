@@ -33,7 +33,7 @@ std::string answer(int number)
 
 void printBegin(const std::string &mode)
 {
-    constexpr std::size_t hugeSize = 20U * 1024U * 1024U;
+    constexpr std::size_t hugeSize = std::size_t{20} * 1024U * 1024U;
     if (mode == "garbage")
         print(begin + std::string("\0\x01\xff\xfe{]\n{\"state\":\nnull\n[]\n42\n\n", 25) + state);
     else if (mode == "wrong-types")

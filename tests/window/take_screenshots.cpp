@@ -117,7 +117,7 @@ struct ShownWindow
         settle();
     }
 
-    void type(const QString &name, const QString &text)
+    void type(const QString &name, const QString &text) const
     {
         auto *const line = find<QLineEdit>(window, name);
         line->setFocus();
@@ -137,7 +137,7 @@ struct ShownWindow
     }
 
     /// Leaves their place to the others.
-    void closeMice()
+    void closeMice() const
     {
         find<QDockWidget>(window, u"miceDock"_s)->close();
         find<QDockWidget>(window, u"mouseDock"_s)->close();

@@ -318,20 +318,19 @@ void tst_MainWindow::filesAreKept()
 void tst_MainWindow::theLayoutIsKeptAndReset()
 {
     {
-        const ShownWindow shown;
+        ShownWindow shown;
         shown.child<QDockWidget>("timelineDock")->hide();
-        const_cast<MainWindow &>(shown.window)
-            .addDockWidget(Qt::LeftDockWidgetArea, shown.child<QDockWidget>("scenarioDock"));
-        QVERIFY(const_cast<MainWindow &>(shown.window).close());
+        shown.window.addDockWidget(Qt::LeftDockWidgetArea, shown.child<QDockWidget>("scenarioDock"));
+        QVERIFY(shown.window.close());
     }
-    const ShownWindow shown;
+    ShownWindow shown;
     const auto *timeline = shown.child<QDockWidget>("timelineDock");
-    const auto *scenario = shown.child<QDockWidget>("scenarioDock");
+    auto *scenario = shown.child<QDockWidget>("scenarioDock");
     QVERIFY(timeline->isHidden());
-    QCOMPARE(shown.window.dockWidgetArea(const_cast<QDockWidget *>(scenario)), Qt::LeftDockWidgetArea);
+    QCOMPARE(shown.window.dockWidgetArea(scenario), Qt::LeftDockWidgetArea);
     shown.trigger("resetLayout");
     QVERIFY(!timeline->isHidden());
-    QCOMPARE(shown.window.dockWidgetArea(const_cast<QDockWidget *>(scenario)), Qt::RightDockWidgetArea);
+    QCOMPARE(shown.window.dockWidgetArea(scenario), Qt::RightDockWidgetArea);
 }
 
 void tst_MainWindow::theWindowIsUsableWhenItIsSmall()

@@ -92,10 +92,9 @@ private Q_SLOTS:
 
 void tst_ScenarioDock::theTranscriptGrows()
 {
-    const ShownDock shown;
+    ShownDock shown;
     auto *view = shown.child<ScenarioEditor>("transcriptView");
-    QVERIFY(
-        const_cast<StartedEngine &>(shown.started).play({u"mouse 1"_s, u"start"_s, u"foo"_s, u"press 1"_s}));
+    QVERIFY(shown.started.play({u"mouse 1"_s, u"start"_s, u"foo"_s, u"press 1"_s}));
     QCOMPARE(view->toPlainText(), shown.transcript.lines().join(u'\n'));
     QVERIFY(view->toPlainText().contains(u"# unusable: foo"_s));
     QVERIFY(view->isReadOnly());
@@ -268,8 +267,8 @@ void tst_ScenarioDock::aFileIsOpenedChangedAndSaved()
     file.write("mouse 1\r\nset ppid \xC3\xA4\n");
     file.close();
 
-    const ShownDock shown;
-    auto &dock = const_cast<ScenarioDock &>(shown.dock);
+    ShownDock shown;
+    ScenarioDock &dock = shown.dock;
     QSignalSpy used(&dock, &ScenarioDock::fileUsed);
     QVERIFY(dock.openFile(path));
     QCOMPARE(shown.editor()->toPlainText(), u"mouse 1\nset ppid \u00e4\n"_s);
@@ -339,8 +338,8 @@ void tst_ScenarioDock::theHeadMakesItACheck()
     QVERIFY(file.open(QIODevice::WriteOnly));
     file.write("mouse 1\nstart\nexpect reportRate 500\n");
     file.close();
-    const ShownDock shown;
-    QVERIFY(const_cast<ScenarioDock &>(shown.dock).openFile(path));
+    ShownDock shown;
+    QVERIFY(shown.dock.openFile(path));
     shown.click("insertHeadButton");
     shown.click("insertHeadButton");
     QCOMPARE(shown.editor()->toPlainText().count(u"# title:"_s), 1);

@@ -71,8 +71,11 @@ struct Shown
         dock.resize(900, 400);
         dock.show();
         dock.activateWindow();
-        isReady = QTest::qWaitForWindowActive(&dock, StartedEngine::limit) && add(entries);
+        isActive = QTest::qWaitForWindowActive(&dock, StartedEngine::limit);
+        isFilled = add(entries);
     }
+
+    bool isReady() const { return isActive && isFilled; }
 
     /// Waits until the table has them.
     bool add(const QList<Entry> &entries)
@@ -90,14 +93,14 @@ struct Shown
 
     void choose(const QString &menuName, const QString &action)
     {
-        QMenu *menu = child<QMenu>(menuName);
+        auto *menu = child<QMenu>(menuName);
         menu->popup({});
         menu->setActiveAction(menu->findChild<QAction *>(action));
         QTest::keyClick(menu, Qt::Key_Return);
     }
 
     /// Of what the table shows.
-    QStringList column(TimelineModel::Column column)
+    QStringList column(TimelineModel::Column column) const
     {
         QStringList cells;
         for (int row = 0; row < table->model()->rowCount(); ++row)
@@ -105,11 +108,11 @@ struct Shown
         return cells;
     }
 
-    QStringList sequences() { return column(TimelineModel::Sequence); }
+    QStringList sequences() const { return column(TimelineModel::Sequence); }
     QString count() { return child<QLabel>(u"timelineCount"_s)->text(); }
     TimelineModel &model() { return *dock.findChild<TimelineModel *>(); }
 
-    QPoint placeOf(int row) { return table->visualRect(table->model()->index(row, 0)).center(); }
+    QPoint placeOf(int row) const { return table->visualRect(table->model()->index(row, 0)).center(); }
     void click(int row, Qt::KeyboardModifiers modifiers = {})
     {
         QTest::mouseClick(table->viewport(), Qt::LeftButton, modifiers, placeOf(row));
@@ -117,7 +120,8 @@ struct Shown
 
     Engine engine;
     TimelineDock dock{&engine};
-    bool isReady = false;
+    bool isActive = false;
+    bool isFilled = false;
     QTableView *table = dock.findChild<QTableView *>(u"timelineTable"_s);
 };
 
@@ -203,7 +207,7 @@ void tst_TimelineDock::eachColumnOfAnEntry()
     entry.time = 1'234'567'008;
     entry.thread = 3;
     Shown shown({entry});
-    QVERIFY(shown.isReady);
+    QVERIFY(shown.isReady());
     QStringList cells;
     for (int column = 0; column < TimelineModel::ColumnCount; ++column)
         cells += shown.column(TimelineModel::Column(column));
@@ -230,7 +234,7 @@ void tst_TimelineDock::oddTexts()
     QFETCH(const QString, text);
     QFETCH(const QString, shown);
     Shown window({entryOf(1, u"log"_s, text)});
-    QVERIFY(window.isReady);
+    QVERIFY(window.isReady());
     QCOMPARE(window.column(TimelineModel::Text), QStringList{shown});
     QVERIFY(TimelineModel::line(window.model().entry(0)).endsWith(shown));
 }
@@ -240,7 +244,7 @@ void tst_TimelineDock::aVeryLongText()
     const QString pair = u"\U0001F5B1"_s;
     const QString text = u"<b>"_s + pair.repeated(500'000);
     Shown shown({entryOf(1, u"log"_s, text)});
-    QVERIFY(shown.isReady);
+    QVERIFY(shown.isReady());
     const QString cell = shown.column(TimelineModel::Text).first();
     QCOMPARE(cell, u"<b>"_s + pair.repeated(498) + u'\u2026');
     const QModelIndex index = shown.table->model()->index(0, TimelineModel::Text);
@@ -251,7 +255,7 @@ void tst_TimelineDock::aVeryLongText()
 void tst_TimelineDock::filterByKind()
 {
     Shown shown(someEntries());
-    QVERIFY(shown.isReady);
+    QVERIFY(shown.isReady());
     shown.choose(u"timelineKindMenu"_s, u"signal"_s);
     QCOMPARE(shown.sequences(), (QStringList{u"1"_s, u"2"_s, u"3"_s}));
     QCOMPARE(shown.count(), u"Lines: 3 of 5"_s);
@@ -268,7 +272,7 @@ void tst_TimelineDock::filterByKind()
 void tst_TimelineDock::filterByDevice()
 {
     Shown shown(someEntries());
-    QVERIFY(shown.isReady);
+    QVERIFY(shown.isReady());
     auto *devices = shown.child<QComboBox>(u"timelineDevices"_s);
     devices->setFocus();
     QTest::keyClick(devices, Qt::Key_Down);
@@ -287,7 +291,7 @@ void tst_TimelineDock::filterByDevice()
 void tst_TimelineDock::filterByText()
 {
     Shown shown(someEntries());
-    QVERIFY(shown.isReady);
+    QVERIFY(shown.isReady());
     QTest::keyClicks(shown.child<QLineEdit>(u"timelineText"_s), u"SETreport"_s);
     QCOMPARE(shown.sequences(), (QStringList{u"1"_s, u"2"_s}));
 }
@@ -295,7 +299,7 @@ void tst_TimelineDock::filterByText()
 void tst_TimelineDock::theFilterHoldsForLinesThatCome()
 {
     Shown shown;
-    QVERIFY(shown.isReady);
+    QVERIFY(shown.isReady());
     const QAbstractItemModelTester tester(shown.table->model());
     QTest::keyClicks(shown.child<QLineEdit>(u"timelineText"_s), u"500"_s);
     QVERIFY(shown.add(someEntries()));
@@ -308,7 +312,7 @@ void tst_TimelineDock::theFilterHoldsForLinesThatCome()
 void tst_TimelineDock::theSelectionSurvivesTheFilter()
 {
     Shown shown(someEntries());
-    QVERIFY(shown.isReady);
+    QVERIFY(shown.isReady());
     shown.click(1);
     shown.click(4, Qt::ControlModifier);
     QList<Entry> selected;
@@ -327,7 +331,7 @@ void tst_TimelineDock::theSelectionSurvivesTheFilter()
 void tst_TimelineDock::theSelectionIsSignalled()
 {
     Shown shown(someEntries());
-    QVERIFY(shown.isReady);
+    QVERIFY(shown.isReady());
     QList<quint64> selected;
     connect(&shown.dock, &TimelineDock::selectionChanged, &shown.dock,
             [&selected](const QList<Entry> &entries) {
@@ -347,7 +351,7 @@ void tst_TimelineDock::theSelectionIsSignalled()
 void tst_TimelineDock::findWraps()
 {
     Shown shown(someEntries());
-    QVERIFY(shown.isReady);
+    QVERIFY(shown.isReady());
     shown.click(1);
     QTest::keyClick(shown.table, Qt::Key_F, Qt::ControlModifier);
     auto *find = shown.child<QLineEdit>(u"findText"_s);
@@ -372,7 +376,7 @@ void tst_TimelineDock::findWraps()
 void tst_TimelineDock::findBackwards()
 {
     Shown shown(someEntries());
-    QVERIFY(shown.isReady);
+    QVERIFY(shown.isReady());
     shown.click(3);
     QTest::keyClick(shown.table, Qt::Key_F, Qt::ControlModifier);
     auto *find = shown.child<QLineEdit>(u"findText"_s);
@@ -390,7 +394,7 @@ void tst_TimelineDock::findBackwards()
 void tst_TimelineDock::findWhatIsNotThere()
 {
     Shown shown(someEntries());
-    QVERIFY(shown.isReady);
+    QVERIFY(shown.isReady());
     shown.click(2);
     QTest::keyClick(shown.table, Qt::Key_F, Qt::ControlModifier);
     QTest::keyClicks(shown.child<QLineEdit>(u"findText"_s), u"zero"_s);
@@ -401,7 +405,7 @@ void tst_TimelineDock::findWhatIsNotThere()
 void tst_TimelineDock::aPauseKeepsLinesWaiting()
 {
     Shown shown(someEntries().first(1));
-    QVERIFY(shown.isReady);
+    QVERIFY(shown.isReady());
     auto *pause = shown.child<QToolButton>(u"timelinePause"_s);
     // What came just before the pause waits as well.
     shown.dock.addEntries(someEntries().mid(1, 1));
@@ -418,7 +422,7 @@ void tst_TimelineDock::aPauseKeepsLinesWaiting()
 void tst_TimelineDock::copyTheSelectedLines()
 {
     Shown shown(someEntries());
-    QVERIFY(shown.isReady);
+    QVERIFY(shown.isReady());
     shown.click(4);
     shown.click(2, Qt::ControlModifier);
     QTest::keyClick(shown.table, Qt::Key_C, Qt::ControlModifier);
@@ -433,7 +437,7 @@ void tst_TimelineDock::exportAsText()
 {
     const QTemporaryDir folder;
     Shown shown(someEntries());
-    QVERIFY(shown.isReady);
+    QVERIFY(shown.isReady());
     QTest::keyClicks(shown.child<QLineEdit>(u"timelineText"_s), u"setReportRate"_s);
     shown.dock.findChild<QAction *>(u"timelineExportText"_s)->trigger();
     auto *dialog = shown.child<QFileDialog>(u"timelineExportDialog"_s);
@@ -448,7 +452,7 @@ void tst_TimelineDock::exportAsJsonLines()
 {
     const QTemporaryDir folder;
     Shown shown(someEntries());
-    QVERIFY(shown.isReady);
+    QVERIFY(shown.isReady());
     shown.choose(u"timelineKindMenu"_s, u"signal"_s);
     shown.dock.findChild<QAction *>(u"timelineExportJson"_s)->trigger();
     auto *dialog = shown.child<QFileDialog>(u"timelineExportDialog"_s);
@@ -465,7 +469,7 @@ void tst_TimelineDock::exportToAFolderThatIsNotThere()
     const QTemporaryDir folder;
     const QString file = folder.filePath(u"missing/lines.txt"_s);
     Shown shown(someEntries());
-    QVERIFY(shown.isReady);
+    QVERIFY(shown.isReady());
     shown.dock.findChild<QAction *>(u"timelineExportText"_s)->trigger();
     auto *dialog = shown.child<QFileDialog>(u"timelineExportDialog"_s);
     Q_EMIT dialog->fileSelected(file);
@@ -478,7 +482,7 @@ void tst_TimelineDock::exportToAFolderThatIsNotThere()
 void tst_TimelineDock::clearAlsoDropsWhatWaits()
 {
     Shown shown(someEntries());
-    QVERIFY(shown.isReady);
+    QVERIFY(shown.isReady());
     QTest::mouseClick(shown.child<QToolButton>(u"timelinePause"_s), Qt::LeftButton);
     shown.dock.addEntries(someEntries());
     QTest::mouseClick(shown.child<QToolButton>(u"timelineClear"_s), Qt::LeftButton);
@@ -490,7 +494,7 @@ void tst_TimelineDock::clearAlsoDropsWhatWaits()
 void tst_TimelineDock::theNewestLineIsFollowed()
 {
     Shown shown(manyEntries(100));
-    QVERIFY(shown.isReady);
+    QVERIFY(shown.isReady());
     const QScrollBar *bar = shown.table->verticalScrollBar();
     QVERIFY(comes([&] { return bar->maximum() > 0 && bar->value() == bar->maximum(); }));
     QVERIFY(shown.add(manyEntries(100, 101)));
@@ -506,7 +510,7 @@ void tst_TimelineDock::theNewestLineIsFollowed()
 void tst_TimelineDock::aTableThatIsScrolledUpStaysThere()
 {
     Shown shown(manyEntries(100));
-    QVERIFY(shown.isReady);
+    QVERIFY(shown.isReady());
     QScrollBar *bar = shown.table->verticalScrollBar();
     QVERIFY(comes([&] { return bar->maximum() > 0; }));
     shown.click(99);
@@ -524,7 +528,7 @@ void tst_TimelineDock::aTableThatIsScrolledUpStaysThere()
 void tst_TimelineDock::aBurstIsOneInsertion()
 {
     Shown shown;
-    QVERIFY(shown.isReady);
+    QVERIFY(shown.isReady());
     const QSignalSpy insertions(shown.table->model(), &QAbstractItemModel::rowsInserted);
     const QList<Entry> entries = manyEntries(10'000);
     for (const Entry &entry : entries)
@@ -540,7 +544,7 @@ void tst_TimelineDock::theLengthOfTheTimelineCostsNothing()
     for (const int count : {1'000, 100'000}) {
         CountingDelegate delegate;
         Shown shown(manyEntries(count));
-        QVERIFY(shown.isReady);
+        QVERIFY(shown.isReady());
         shown.table->setItemDelegate(&delegate);
         QCoreApplication::processEvents();
         shown.table->scrollToTop();
@@ -590,7 +594,7 @@ void tst_TimelineDock::theOldestLinesAreDropped()
 void tst_TimelineDock::theKeyboardReachesAll()
 {
     Shown shown(someEntries());
-    QVERIFY(shown.isReady);
+    QVERIFY(shown.isReady());
     shown.child<QToolButton>(u"timelineKinds"_s)->setFocus();
     QStringList reached;
     for (QWidget *widget = QApplication::focusWidget(); !reached.contains(widget->objectName());
@@ -619,7 +623,7 @@ void tst_TimelineDock::kindsAreReadableOnEachPalette()
             model.append({entryOf(1, kind, {})});
         for (int row = 0; row < model.rowCount(); ++row) {
             const QModelIndex index = model.index(row, TimelineModel::Kind);
-            const QColor color = index.data(Qt::ForegroundRole).value<QColor>();
+            const auto color = index.data(Qt::ForegroundRole).value<QColor>();
             QVERIFY2(contrast(color, base) >= 4.5, qPrintable(index.data().toString()));
         }
     }
