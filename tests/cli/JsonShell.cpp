@@ -76,6 +76,9 @@ ShellLines JsonShell::readTo(const std::function<bool(const QJsonObject &)> &isW
                 return lines;
         }
         const QByteArray line = m_process.readLine();
+        // Wine's debugger, when kvx has crashed.
+        if (line.startsWith("WineDbg attached to pid "))
+            continue;
         const QJsonObject object = QJsonDocument::fromJson(line).object();
         if (object.isEmpty())
             qFatal("kvx has printed \"%s\", which is no object", line.constData());

@@ -30,7 +30,7 @@ struct StandardInput::Shared
     void readAll();
     void add(const QByteArray &line);
     void end();
-    void wake();
+    void wake() const;
 };
 
 namespace {
@@ -55,7 +55,7 @@ int readBytes(Bytes &bytes)
 }  // namespace
 
 // With the mutex held.
-void StandardInput::Shared::wake()
+void StandardInput::Shared::wake() const
 {
     if (waiting)
         QMetaObject::invokeMethod(waiting, &QEventLoop::quit, Qt::QueuedConnection);

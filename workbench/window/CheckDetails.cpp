@@ -1,6 +1,7 @@
 #include "CheckDetails.h"
 
 #include "Difference.h"
+#include "JsonStrings.h"
 #include "VisibleText.h"
 
 #include <QtCore/QEvent>
@@ -9,15 +10,6 @@
 using namespace Qt::StringLiterals;
 
 namespace {
-
-QStringList linesOf(const QJsonValue &value)
-{
-    QStringList lines;
-    const QJsonArray items = value.toArray();
-    for (const QJsonValue &item : items)
-        lines.append(item.toString());
-    return lines;
-}
 
 QString escaped(const QString &text)
 {
@@ -42,7 +34,8 @@ QString differenceOf(const QJsonObject &scenario, const QColor &base)
     const QString missing = tinted(base, Qt::red, share).name();
     const QString surplus = tinted(base, Qt::green, share).name();
     QStringList marked;
-    const QStringList lines = difference(linesOf(scenario["expected"_L1]), linesOf(scenario["actual"_L1]));
+    const QStringList lines =
+        difference(stringsOf(scenario["expected"_L1]), stringsOf(scenario["actual"_L1]));
     for (const QString &line : lines) {
         const QChar mark = line.size() > markColumn ? line.at(markColumn) : u' ';
         marked.append(mark == u' ' || line.startsWith("   ..."_L1)
@@ -89,7 +82,7 @@ void CheckDetails::render()
     }
     const auto text = [this](QLatin1StringView key) { return escaped(m_scenario[key].toString()); };
     const auto lines = [this](QLatin1StringView key) {
-        return escaped(linesOf(m_scenario[key]).join(u'\n'));
+        return escaped(stringsOf(m_scenario[key]).join(u'\n'));
     };
     const int line = m_scenario["line"_L1].toInt();
     const QString place = line > 0 ? tr("line %1: ").arg(line) : QString();

@@ -3,6 +3,7 @@
 #include "CheckDetails.h"
 #include "CheckReport.h"
 #include "CheckTree.h"
+#include "JsonStrings.h"
 #include "KvxAnswer.h"
 #include "ReportFile.h"
 
@@ -49,11 +50,7 @@ Widget *named(Widget *widget, const QString &objectName, const QString &accessib
 QString scenarioText(const QByteArray &json)
 {
     const QJsonArray scenarios = QJsonDocument::fromJson(json).object().value("scenarios"_L1).toArray();
-    QStringList text;
-    const QJsonArray lines = scenarios.at(0).toObject().value("lines"_L1).toArray();
-    for (const QJsonValue &line : lines)
-        text.append(line.toString());
-    return text.join(u'\n');
+    return stringsOf(scenarios.at(0).toObject().value("lines"_L1)).join(u'\n');
 }
 
 }  // namespace
@@ -267,9 +264,7 @@ void CheckDock::noteEnd(const QJsonObject &report, const QString &problem)
     QStringList parts{m_hasReport ? report.value("outcome"_L1).toString() : problem};
     if (const QString counts = m_tree->countText(); !counts.isEmpty())
         parts.append(counts);
-    const QJsonArray problems = report.value("problems"_L1).toArray();
-    for (const QJsonValue &text : problems)
-        parts.append(text.toString());
+    parts += stringsOf(report.value("problems"_L1));
     if (m_tree->scenarioCount() < planned)
         parts.append(tr("incomplete: %1 of %2 scenarios ran").arg(m_tree->scenarioCount()).arg(planned));
     m_outcome->setText(u"%1: %2"_s.arg(QFileInfo(m_setup.library).fileName(), parts.join(u"; "_s)));

@@ -114,7 +114,7 @@ QString CheckRun::problem()
 {
     if (m_isCancelled)
         return tr("The check was ended before it wrote its report.");
-    const QString errors = QString::fromUtf8(m_process.readAllStandardError()).trimmed();
+    QString errors = QString::fromUtf8(m_process.readAllStandardError()).trimmed();
     if (!errors.isEmpty())
         return errors;
     return tr("The check ended without a report, with exit code %1.").arg(m_process.exitCode());

@@ -77,7 +77,7 @@ void CheckTree::addVerdict(const QString &scenario, const QString &verdict)
 void CheckTree::setReport(const QJsonObject &report)
 {
     const QJsonArray scenarios = report.value("scenarios"_L1).toArray();
-    for (const QJsonValue &value : scenarios) {
+    for (const auto &value : scenarios) {
         const QJsonObject scenario = value.toObject();
         const QString name = scenario.value("name"_L1).toString();
         if (!m_scenarios.contains(name))

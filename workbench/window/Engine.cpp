@@ -1,5 +1,7 @@
 #include "Engine.h"
 
+#include "JsonStrings.h"
+
 #include <QtCore/QJsonDocument>
 
 #include <algorithm>
@@ -10,18 +12,9 @@ using namespace Qt::StringLiterals;
 namespace {
 
 // Of the child's standard error, what is worth showing.
-constexpr qsizetype longestErrorOutput = 64 * 1024;  // bytes
+constexpr qsizetype longestErrorOutput = 65'536;  // bytes
 // No line of the child's is longer; what is cannot be kept until it ends.
-constexpr qsizetype longestLine = 16 * 1024 * 1024;  // bytes
-
-QStringList stringsOf(const QJsonValue &value)
-{
-    QStringList strings;
-    const QJsonArray items = value.toArray();
-    for (const QJsonValue &item : items)
-        strings.append(item.toString());
-    return strings;
-}
+constexpr qsizetype longestLine = 16'777'216;  // bytes
 
 Entry entryOf(const QJsonObject &object, const QByteArray &line)
 {
