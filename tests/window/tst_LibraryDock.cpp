@@ -2,6 +2,7 @@
 #include "LibraryDock.h"
 #include "ThisSystem.h"
 
+#include <QtCore/QDateTime>
 #include <QtCore/QDir>
 #include <QtCore/QTemporaryDir>
 #include <QtTest/QSignalSpy>
@@ -49,6 +50,14 @@ struct ShownDock
 };
 
 /// A folder with a library of its own, which can be built again.
+// A copy has the time of the original on Windows.
+bool setTimeToNow(const QString &file)
+{
+    QFile open(file);
+    return open.open(QIODevice::Append) &&
+           open.setFileTime(QDateTime::currentDateTime(), QFileDevice::FileModificationTime);
+}
+
 struct Folder
 {
     Folder() { QFile::copy(builtLibrary(), library); }
@@ -58,7 +67,8 @@ struct Folder
     bool build()
     {
         const QString fresh = folder.filePath(u"fresh"_s);
-        return QFile::copy(builtLibrary(), fresh) && takeAway() && QFile::rename(fresh, library);
+        return QFile::copy(builtLibrary(), fresh) && setTimeToNow(fresh) && takeAway() &&
+               QFile::rename(fresh, library);
     }
 
     QTemporaryDir folder;
