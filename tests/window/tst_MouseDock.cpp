@@ -8,6 +8,8 @@
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QProgressBar>
 
+#include <cstdlib>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -23,11 +25,20 @@ struct Fixture : DockFixture<MouseDock>
     QString status() const { return widget<QLabel>("mouseStatus")->text(); }
     QString ctrl() const { return widget<QLabel>("mouseCtrl")->text(); }
     QImage picture() const { return widget("mouseView")->grab().toImage(); }
-    QImage picture(const QString &name) const
+    /// Its average: a text that changes may move the drawing by a part of a pixel.
+    QColor look(const QString &name) const
     {
-        return widget("mouseView")->grab(button(name)->geometry()).toImage();
+        const QImage picture = widget("mouseView")->grab(button(name)->geometry()).toImage();
+        return picture.scaled(1, 1, Qt::IgnoreAspectRatio, Qt::SmoothTransformation).pixelColor(0, 0);
     }
 };
+
+bool isAlike(const QColor &one, const QColor &other)
+{
+    constexpr int most = 6;
+    return std::abs(one.red() - other.red()) <= most && std::abs(one.green() - other.green()) <= most &&
+           std::abs(one.blue() - other.blue()) <= most;
+}
 
 struct Button
 {
@@ -90,13 +101,13 @@ void tst_MouseDock::clickPressesAndReleases()
     // What the pointer meets in the middle of the button is the button.
     const auto *view = mouse.widget("mouseView");
     QCOMPARE(view->childAt(mouse.button(button)->geometry().center()), mouse.button(button));
-    const QImage before = mouse.picture(button);
+    const QColor before = mouse.look(button);
     QTest::mousePress(mouse.button(button), Qt::LeftButton);
     QCOMPARE(mouse.takeLines(), QStringList{u"press "_s + button});
-    QVERIFY(mouse.picture(button) != before);
+    QVERIFY(!isAlike(mouse.look(button), before));
     QTest::mouseRelease(mouse.button(button), Qt::LeftButton);
     QCOMPARE(mouse.takeLines(), QStringList{u"release "_s + button});
-    KVX_EVENTUALLY_EQUAL(mouse.picture(button), before);
+    KVX_EVENTUALLY(isAlike(mouse.look(button), before));
 }
 
 void tst_MouseDock::keyPressesAndReleases()
@@ -107,13 +118,13 @@ void tst_MouseDock::keyPressesAndReleases()
     QVERIFY(mouse.isReady);
     QWidget *view = mouse.widget("mouseView");
     view->setFocus();
-    const QImage before = mouse.picture(button);
+    const QColor before = mouse.look(button);
     QTest::keyPress(view, key);
     QCOMPARE(mouse.takeLines(), QStringList{u"press "_s + button});
-    QVERIFY(mouse.picture(button) != before);
+    QVERIFY(!isAlike(mouse.look(button), before));
     QTest::keyRelease(view, key);
     QCOMPARE(mouse.takeLines(), QStringList{u"release "_s + button});
-    KVX_EVENTUALLY_EQUAL(mouse.picture(button), before);
+    KVX_EVENTUALLY(isAlike(mouse.look(button), before));
 }
 
 void tst_MouseDock::repeatedKeyIsOnePress()
@@ -225,15 +236,15 @@ void tst_MouseDock::heldAndDivertedButtonsAreShown()
     Fixture mouse;
     QVERIFY(mouse.isReady);
     KVX_EVENTUALLY(mouse.status().endsWith(u"held: none; diverted to the host: none"_s));
-    const QImage before = mouse.picture(u"2"_s);
+    const QColor before = mouse.look(u"2"_s);
     QVERIFY(mouse.play({u"disbaleButtonsOrKeys 5 2"_s}));
     KVX_EVENTUALLY(mouse.status().endsWith(u"held: none; diverted to the host: 2, 5"_s));
-    QVERIFY(mouse.picture(u"2"_s) != before);
+    QVERIFY(!isAlike(mouse.look(u"2"_s), before));
     // Pressed by a line of somebody else's.
-    const QImage released = mouse.picture(u"3"_s);
+    const QColor released = mouse.look(u"3"_s);
     QVERIFY(mouse.play({u"press 3"_s, u"press smart"_s}));
     KVX_EVENTUALLY(mouse.status().contains(u"held: 3, smart pointer;"_s));
-    QVERIFY(mouse.picture(u"3"_s) != released);
+    QVERIFY(!isAlike(mouse.look(u"3"_s), released));
     QCOMPARE(mouse.widget("mouseView")->accessibleDescription(), mouse.status());
 }
 
