@@ -1,9 +1,7 @@
 #include "KvxAnswer.h"
 
-#include <utility>
-
 void askKvx(const Engine::Setup &setup, const QStringList &arguments, QObject *receiver,
-            std::function<void(const QString &output, const QString &problem)> answer)
+            const std::function<void(const QString &output, const QString &problem)> &answer)
 {
     auto *process = new QProcess(receiver);
     QObject::connect(process, &QProcess::errorOccurred, receiver, [process, answer](QProcess::ProcessError) {

@@ -1,5 +1,6 @@
 #include "ScenarioLibrary.h"
 
+#include "JsonStrings.h"
 #include "KvxAnswer.h"
 
 #include <QtCore/QDir>
@@ -37,11 +38,8 @@ QJsonArray scenariosOf(const QString &json)
 
 QString textOf(const QJsonValue &scenario)
 {
-    QString text;
-    const QJsonArray lines = scenario["lines"_L1].toArray();
-    for (const QJsonValue &line : lines)
-        text += line.toString() + u'\n';
-    return text;
+    const QString text = stringsOf(scenario["lines"_L1]).join(u'\n');
+    return text.isEmpty() ? text : text + u'\n';
 }
 
 }  // namespace
@@ -90,7 +88,7 @@ void ScenarioLibrary::fillContract(const QString &list)
     m_contract.clear();
     const QJsonArray scenarios = scenariosOf(list);
     QHash<QString, QMenu *> folders;
-    for (const QJsonValue &scenario : scenarios) {
+    for (const auto &scenario : scenarios) {
         const QString name = scenario["name"_L1].toString();
         const QString folder = name.section(u'/', 0, -2);
         QMenu *menu = folders.value(folder);
