@@ -188,6 +188,8 @@ void tst_MainWindow::namesAreCompleted()
 {
     ShownWindow shown;
     QVERIFY(shown.settle());
+    shown.window.activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(&shown.window, StartedEngine::limit));
     auto *field = shown.child<CommandField>("commandField");
     field->setFocus();
     QTest::keyClicks(field, u"setrep"_s);
