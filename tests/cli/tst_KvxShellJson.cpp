@@ -13,7 +13,10 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-const QStringList started{u"mouse 1"_s, u"start"_s};
+QStringList started()
+{
+    return {u"mouse 1"_s, u"start"_s};
+}
 
 QString textOfFile(const QString &path)
 {
@@ -59,7 +62,7 @@ QJsonObject stateAfter(const QStringList &lines)
 
 QJsonObject deviceAfter(const QStringList &lines)
 {
-    return stateAfter(lines)["devices"_L1][0].toObject();
+    return stateAfter(lines).value("devices"_L1)[0].toObject();
 }
 
 // The bytes that a sender of whole lines would not send.
@@ -146,7 +149,7 @@ void tst_KvxShellJson::documentationHasARealRun()
 void tst_KvxShellJson::everythingComesInItsOrder()
 {
     const QStringList calls{u"createLogicalDevice"_s, u"start"_s, u"setReportRate"_s};
-    const ShellRun run = runShell(started + QStringList{u"setReportRate 250"_s, u"quit"_s});
+    const ShellRun run = runShell(started() + QStringList{u"setReportRate 250"_s, u"quit"_s});
     QCOMPARE(run.exitCode, 0);
     QCOMPARE(run.lines.first(), QJsonObject({{u"schemaVersion"_s, 1}}));
     QStringList waitingForTheirEntry;
@@ -230,20 +233,20 @@ void tst_KvxShellJson::answers_data()
     row("done", {u"  mouse 1   # the first"_s}, u"mouse 1"_s, u"done"_s);
     row("empty", {QString(), QString()}, QString(), u"done"_s);
     row("comment", {u"# only this"_s}, QString(), u"done"_s);
-    row("difference", started + QStringList{u"expect reportRate 125"_s}, u"expect reportRate 125"_s,
+    row("difference", started() + QStringList{u"expect reportRate 125"_s}, u"expect reportRate 125"_s,
         u"difference"_s, u"reportRate: expected \"125\", seen \"500\""_s, u"\"125\""_s, u"\"500\""_s);
-    row("lines-differ", started + QStringList{u"call iid"_s, u"= call iid()"_s}, u"= call iid()"_s,
+    row("lines-differ", started() + QStringList{u"call iid"_s, u"= call iid()"_s}, u"= call iid()"_s,
         u"difference"_s, u"line 1 of the last command: expected call iid(), seen "_s + iid, u"call iid()"_s,
         iid);
     row("unknown", {u"frobnicate"_s}, u"frobnicate"_s, u"unusable"_s,
         u"\"frobnicate\" is no command; see help"_s);
     row("open-quote", {u"mouse \"1"_s}, u"mouse \"1"_s, u"unusable"_s, u"a quote is left open"_s);
-    row("refused", started + QStringList{u"fault setReportRate refuse"_s, u"setReportRate 125"_s},
+    row("refused", started() + QStringList{u"fault setReportRate refuse"_s, u"setReportRate 125"_s},
         u"setReportRate 125"_s, u"refused"_s, u"the request is refused"_s);
-    row("pending", started + QStringList{u"fault setReportRate drop"_s, u"setReportRate 125"_s},
+    row("pending", started() + QStringList{u"fault setReportRate drop"_s, u"setReportRate 125"_s},
         u"setReportRate 125"_s, u"pending"_s, u"the request is pending"_s);
     row("end", {u"quit"_s}, u"quit"_s, u"end"_s);
-    row("printed", started + QStringList{u"fault setDpiSlotValues delay 7 always"_s, u"faults"_s},
+    row("printed", started() + QStringList{u"fault setDpiSlotValues delay 7 always"_s, u"faults"_s},
         u"faults"_s, u"done"_s, QString(), QString(), QString(), u"setDpiSlotValues delay always"_s);
     row("letters", {u"frobnicate \"ä€😀\u0007\""_s}, u"frobnicate \"ä€😀\u0007\""_s, u"unusable"_s,
         u"\"frobnicate\" is no command; see help"_s);
@@ -262,14 +265,14 @@ void tst_KvxShellJson::answers()
 
 void tst_KvxShellJson::uncomparedLinesStopTheNextCommand()
 {
-    const ShellRun run = runShell(started + QStringList{u"stop"_s, u"= call stop()"_s,
-                                                        u"set batteryLevel 9"_s, u"set batteryLevel 10"_s});
+    const ShellRun run = runShell(started() + QStringList{u"stop"_s, u"= call stop()"_s,
+                                                          u"set batteryLevel 9"_s, u"set batteryLevel 10"_s});
     QCOMPARE(textsOf("result"_L1, linesWith("answer"_L1, run.lines)),
              QStringList({u"done"_s, u"done"_s, u"done"_s, u"done"_s, u"difference"_s, u"done"_s}));
     const ShellLines states = linesWith("state"_L1, run.lines);
     for (const QJsonObject &state : states)
         QVERIFY(state["state"_L1]["devices"_L1][0]["mouse"_L1]["batteryLevel"_L1].toInt() != 9);
-    QCOMPARE(lastState(run.lines)["devices"_L1][0]["mouse"_L1]["batteryLevel"_L1].toInt(), 10);
+    QCOMPARE(lastState(run.lines).value("devices"_L1)[0]["mouse"_L1]["batteryLevel"_L1].toInt(), 10);
 }
 
 void tst_KvxShellJson::hostileLinesChangeNothing_data()
@@ -312,7 +315,7 @@ void tst_KvxShellJson::hostileLinesChangeNothing()
     QCOMPARE(answer["command"_L1].toString(), command);
     QCOMPARE(answer["message"_L1].toString(), message);
     QCOMPARE(answer["result"_L1].toString(), message.isEmpty() ? u"done"_s : u"unusable"_s);
-    QCOMPARE(texts(answerTo(3, run.lines)["printed"_L1]), QStringList({u"RV418"_s}));
+    QCOMPARE(texts(answerTo(3, run.lines).value("printed"_L1)), QStringList({u"RV418"_s}));
     // One of the loaded library and one of the mouse.
     QCOMPARE(linesWith("state"_L1, run.lines).size(), 2);
 }
@@ -358,7 +361,7 @@ void tst_KvxShellJson::libraryCannotBeLoaded()
 {
     QFETCH(const QString, library);
     QFETCH(const QString, says);
-    const ShellRun run = runShell(started, library);
+    const ShellRun run = runShell(started(), library);
     QCOMPARE(run.exitCode, 2);
     QCOMPARE(run.lines.first(), QJsonObject({{u"schemaVersion"_s, 1}}));
     QCOMPARE(linesWith("state"_L1, run.lines), ShellLines());
@@ -384,14 +387,15 @@ void tst_KvxShellJson::entriesComeBetweenCommands()
     QFETCH(const QString, command);
     QFETCH(const QString, entry);
     JsonShell shell;
-    for (const QString &line : started + QStringList{command})
+    const QStringList sent = started() + QStringList{command};
+    for (const QString &line : sent)
         shell.send(line);
     const ShellLines lines =
         shell.readTo([&](const QJsonObject &line) { return line["text"_L1].toString() == entry; });
     QCOMPARE(lines.last()["text"_L1].toString(), entry);
     // The shell waits for commands.
     shell.send(u"show modelCode"_s);
-    QCOMPARE(texts(shell.readToAnswer(4).last()["printed"_L1]), QStringList({u"RV418"_s}));
+    QCOMPARE(texts(shell.readToAnswer(4).constLast().value("printed"_L1)), QStringList({u"RV418"_s}));
     shell.finish();
     QCOMPARE(shell.exitCode(), 0);
 }
@@ -399,11 +403,12 @@ void tst_KvxShellJson::entriesComeBetweenCommands()
 void tst_KvxShellJson::stateFollowsEntriesBetweenCommands()
 {
     JsonShell shell;
-    for (const QString &line : started + QStringList{u"setReportRate 250 nowait"_s})
+    const QStringList sent = started() + QStringList{u"setReportRate 250 nowait"_s};
+    for (const QString &line : sent)
         shell.send(line);
     shell.readToAnswer(3);
     const auto isState = [](const QJsonObject &line) { return line.contains("state"_L1); };
-    const auto device = [&] { return lastState(shell.readTo(isState))["devices"_L1][0].toObject(); };
+    const auto device = [&] { return lastState(shell.readTo(isState)).value("devices"_L1)[0].toObject(); };
     QJsonObject found = device();
     QCOMPARE(texts(found["pending"_L1]), QStringList({u"reportRate"_s}));
     QCOMPARE(found["values"_L1]["reportRate"_L1].toString(), u"250"_s);
@@ -417,13 +422,15 @@ void tst_KvxShellJson::stateFollowsEntriesBetweenCommands()
 void tst_KvxShellJson::entriesComeWhileACommandWaits()
 {
     JsonShell shell;
-    for (const QString &line :
-         started + QStringList{u"setReportRate 250 nowait"_s, u"wait verdict 100000000"_s, u"show"_s})
+    const QStringList sent =
+        started() + QStringList{u"setReportRate 250 nowait"_s, u"wait verdict 100000000"_s, u"show"_s};
+    for (const QString &line : sent)
         shell.send(line);
     ShellLines lines =
         shell.readTo([](const QJsonObject &line) { return line["name"_L1] == "reportRateConfirmed"_L1; });
     lines += shell.readTo([](const QJsonObject &line) {
-        return line.contains("state"_L1) && lastState({line})["devices"_L1][0]["pending"_L1] == QJsonArray();
+        return line.contains("state"_L1) &&
+               lastState({line}).value("devices"_L1)[0]["pending"_L1] == QJsonArray();
     });
     QCOMPARE(textsOf("answer"_L1, lines), QStringList({u"1"_s, u"2"_s, u"3"_s}));
     QCOMPARE(linesWith("answer"_L1, shell.kill()), ShellLines());
@@ -431,7 +438,7 @@ void tst_KvxShellJson::entriesComeWhileACommandWaits()
 
 void tst_KvxShellJson::burstIsComplete()
 {
-    QStringList commands = started;
+    QStringList commands = started();
     for (int round = 1; round <= 10; ++round)
         commands += {u"fault dpiButtonIdChangedCallBack repeat 1000"_s,
                      u"report dpiButtonIdChangedCallBack %1"_s.arg(round % 5 + 1)};
@@ -461,11 +468,11 @@ void tst_KvxShellJson::operationsAreThoseOfFault()
     QStringList names;
     QHash<QString, QString> kinds;
     const QJsonArray operations = states.first()["state"_L1]["operations"_L1].toArray();
-    for (const QJsonValue operation : operations) {
+    for (const auto &operation : operations) {
         names.append(operation["name"_L1].toString());
         kinds.insert(names.last(), operation["kind"_L1].toString());
     }
-    const QString message = answerTo(2, run.lines)["message"_L1].toString();
+    const QString message = answerTo(2, run.lines).value("message"_L1).toString();
     QCOMPARE(names.join(u", "_s), message.section(u"; there are "_s, 1));
     QCOMPARE(kinds.value(u"setReportRate"_s), u"request"_s);
     QCOMPARE(kinds.value(u"getReportRateInfo"_s), u"read"_s);
@@ -478,9 +485,9 @@ void tst_KvxShellJson::operationsAreThoseOfFault()
 
 void tst_KvxShellJson::valuesAreThoseOfShow()
 {
-    const ShellRun run = runShell(started + QStringList{u"setDpiButtonId 3"_s, u"show"_s});
-    const QJsonObject values = lastState(run.lines)["devices"_L1][0]["values"_L1].toObject();
-    const QStringList printed = texts(answerTo(4, run.lines)["printed"_L1]);
+    const ShellRun run = runShell(started() + QStringList{u"setDpiButtonId 3"_s, u"show"_s});
+    const QJsonObject values = lastState(run.lines).value("devices"_L1)[0]["values"_L1].toObject();
+    const QStringList printed = texts(answerTo(4, run.lines).value("printed"_L1));
     QCOMPARE(values.size(), printed.size());
     for (const QString &line : printed) {
         const QString name = line.trimmed().section(u' ', 0, 0);
@@ -512,7 +519,7 @@ void tst_KvxShellJson::pendingRequests()
 {
     QFETCH(const QStringList, requests);
     QFETCH(const QStringList, pending);
-    QCOMPARE(texts(deviceAfter(started + requests)["pending"_L1]), pending);
+    QCOMPARE(texts(deviceAfter(started() + requests).value("pending"_L1)), pending);
 }
 
 void tst_KvxShellJson::mouse_data()
@@ -549,7 +556,7 @@ void tst_KvxShellJson::mouse()
     QFETCH(const QStringList, commands);
     QFETCH(const QString, field);
     QFETCH(const QJsonValue, value);
-    const QJsonObject found = deviceAfter(started + commands)["mouse"_L1].toObject();
+    const QJsonObject found = deviceAfter(started() + commands).value("mouse"_L1).toObject();
     QCOMPARE(found[field], value);
     // All that "set" knows, and the three that it does not.
     const QJsonObject answer = answerTo(2, runShell({u"mouse 1"_s, u"set nothing 1"_s}).lines);
@@ -561,13 +568,13 @@ void tst_KvxShellJson::mouse()
 
 void tst_KvxShellJson::faultsInForce()
 {
-    const QStringList faulty = started + QStringList{u"fault setReportRate refuse times 2"_s,
-                                                     u"fault reportRateConfirmed alter 250 always"_s,
-                                                     u"receiver 2"_s,
-                                                     u"mouse 9"_s,
-                                                     u"fault getBatteryLevel alter 5"_s,
-                                                     u"use 1"_s,
-                                                     u"setReportRate 125 => refused"_s};
+    const QStringList faulty = started() + QStringList{u"fault setReportRate refuse times 2"_s,
+                                                       u"fault reportRateConfirmed alter 250 always"_s,
+                                                       u"receiver 2"_s,
+                                                       u"mouse 9"_s,
+                                                       u"fault getBatteryLevel alter 5"_s,
+                                                       u"use 1"_s,
+                                                       u"setReportRate 125 => refused"_s};
     const auto fault = [](const QString &operation, const QString &effect, const QJsonValue &times,
                           const QString &device, const QString &text) {
         return QJsonObject{{u"operation"_s, operation},
@@ -577,12 +584,12 @@ void tst_KvxShellJson::faultsInForce()
                            {u"text"_s, text}};
     };
     QCOMPARE(
-        stateAfter(faulty)["faults"_L1].toArray(),
+        stateAfter(faulty).value("faults"_L1).toArray(),
         QJsonArray({fault(u"setReportRate"_s, u"refuse"_s, 1, u"1"_s, u"setReportRate refuse times 1"_s),
                     fault(u"reportRateConfirmed"_s, u"alter"_s, u"always"_s, u"1"_s,
                           u"reportRateConfirmed alter always"_s),
                     fault(u"getBatteryLevel"_s, u"alter"_s, 1, u"9"_s, u"getBatteryLevel alter times 1"_s)}));
-    QCOMPARE(stateAfter(faulty + QStringList{u"clear-faults"_s})["faults"_L1].toArray(), QJsonArray());
+    QCOMPARE(stateAfter(faulty + QStringList{u"clear-faults"_s}).value("faults"_L1).toArray(), QJsonArray());
 }
 
 void tst_KvxShellJson::severalDevices()
@@ -592,15 +599,15 @@ void tst_KvxShellJson::severalDevices()
         const QJsonObject state = stateAfter(lines);
         QStringList devices;
         const QJsonArray found = state["devices"_L1].toArray();
-        for (const QJsonValue device : found)
+        for (const auto &device : found)
             devices.append(u"%1 at %2%3"_s.arg(device["id"_L1].toString())
                                .arg(device["receiver"_L1].toInt())
-                               .arg(device["isStarted"_L1].toBool() ? u" started"_s : QString()));
+                               .arg(device["isStarted"_L1].toBool() ? u" started()"_s : QString()));
         return u"%1: %2"_s.arg(state["current"_L1].toString(), devices.join(u", "_s));
     };
-    QCOMPARE(summary(two), u"4: 4 at 3 started, 7 at 1"_s);
-    QCOMPARE(summary(two + QStringList{u"use 7"_s}), u"7: 4 at 3 started, 7 at 1"_s);
-    QCOMPARE(summary(two + QStringList{u"stop"_s}), u"4: 4 at 3 started, 7 at 1"_s);
+    QCOMPARE(summary(two), u"4: 4 at 3 started(), 7 at 1"_s);
+    QCOMPARE(summary(two + QStringList{u"use 7"_s}), u"7: 4 at 3 started(), 7 at 1"_s);
+    QCOMPARE(summary(two + QStringList{u"stop"_s}), u"4: 4 at 3 started(), 7 at 1"_s);
     QCOMPARE(summary(two + QStringList{u"remove"_s}), u"7: 7 at 1"_s);
     const QJsonObject none = stateAfter(two + QStringList{u"remove"_s, u"remove"_s});
     QVERIFY(none["current"_L1].isNull());
@@ -616,7 +623,7 @@ void tst_KvxShellJson::devicesWithoutAMouse()
         QVERIFY(!device.contains("mouse"_L1));
         QCOMPARE(device["values"_L1]["modelCode"_L1].toString(), u"RV418"_s);
     }
-    QCOMPARE(deviceAfter({u"mouse 3"_s})["hasMouse"_L1], QJsonValue(true));
+    QCOMPARE(deviceAfter({u"mouse 3"_s}).value("hasMouse"_L1), QJsonValue(true));
 }
 
 void tst_KvxShellJson::idsHave64Bits()
@@ -628,14 +635,14 @@ void tst_KvxShellJson::idsHave64Bits()
 
 void tst_KvxShellJson::libraryIsUnloadedAndLoaded()
 {
-    const QStringList unloaded = started + QStringList{u"unload"_s};
+    const QStringList unloaded = started() + QStringList{u"unload"_s};
     QJsonObject state = stateAfter(unloaded);
     QCOMPARE(state["isLoaded"_L1], QJsonValue(false));
     QCOMPARE(state["devices"_L1].toArray(), QJsonArray());
     QVERIFY(state["current"_L1].isNull());
     const ShellRun run = runShell(unloaded + QStringList{u"show"_s, u"load"_s, u"mouse 2"_s, u"start"_s});
-    QCOMPARE(answerTo(4, run.lines)["result"_L1].toString(), u"unusable"_s);
-    QCOMPARE(answerTo(7, run.lines)["result"_L1].toString(), u"done"_s);
+    QCOMPARE(answerTo(4, run.lines).value("result"_L1).toString(), u"unusable"_s);
+    QCOMPARE(answerTo(7, run.lines).value("result"_L1).toString(), u"done"_s);
     state = lastState(run.lines);
     QCOMPARE(state["isLoaded"_L1], QJsonValue(true));
     QCOMPARE(state["devices"_L1][0]["id"_L1].toString(), u"2"_s);
@@ -643,9 +650,9 @@ void tst_KvxShellJson::libraryIsUnloadedAndLoaded()
 
 void tst_KvxShellJson::logSwitches()
 {
-    QCOMPARE(stateAfter({u"log debug off critical off"_s})["log"_L1].toObject(),
+    QCOMPARE(stateAfter({u"log debug off critical off"_s}).value("log"_L1).toObject(),
              QJsonObject({{u"debug"_s, false}, {u"warning"_s, true}, {u"critical"_s, false}}));
-    QCOMPARE(stateAfter({})["log"_L1].toObject(),
+    QCOMPARE(stateAfter({}).value("log"_L1).toObject(),
              QJsonObject({{u"debug"_s, true}, {u"warning"_s, true}, {u"critical"_s, true}}));
 }
 
@@ -689,7 +696,7 @@ void tst_KvxShellJson::roundThatGoesWrongEndsTheRepetition()
              QStringList({u"done"_s, u"done"_s, u"done"_s, u"done"_s, u"difference"_s, u"difference"_s,
                           u"done"_s, u"unusable"_s, u"done"_s, u"done"_s, u"done"_s}));
     QCOMPARE(
-        answerTo(6, run.lines)["message"_L1].toString(),
+        answerTo(6, run.lines).value("message"_L1).toString(),
         u"repeat ends in a later round at \"expect batteryLevel -1\": batteryLevel: expected \"-1\", seen "
         "\"7\""_s);
     QCOMPARE(textsOf("name"_L1, entriesOf(run.lines)).count(u"setBatteryLevel"_s), 2);
@@ -710,8 +717,8 @@ void tst_KvxShellJson::endThatDidNotRunIsNotRepeated()
     // Only the first report of a level is followed by a signal, which no line compares.
     const ShellRun run = runShell({u"mouse 1"_s, u"repeat 3"_s, u"report setBatteryLevel 5"_s,
                                    u"= report setBatteryLevel(5)"_s, u"end"_s, u"end"_s});
-    QCOMPARE(answerTo(5, run.lines)["result"_L1].toString(), u"difference"_s);
-    QCOMPARE(answerTo(6, run.lines)["message"_L1].toString(), QString());
+    QCOMPARE(answerTo(5, run.lines).value("result"_L1).toString(), u"difference"_s);
+    QCOMPARE(answerTo(6, run.lines).value("message"_L1).toString(), QString());
     QCOMPARE(textsOf("name"_L1, entriesOf(run.lines)).count(u"setBatteryLevel"_s), 3);
 }
 
@@ -719,8 +726,8 @@ void tst_KvxShellJson::lastRoundIsPrinted()
 {
     const ShellRun run =
         runShell({u"mouse 1"_s, u"repeat 3"_s, u"show modelCode"_s, u"show iid"_s, u"end"_s});
-    QCOMPARE(texts(answerTo(3, run.lines)["printed"_L1]), QStringList({u"RV418"_s}));
-    QCOMPARE(texts(answerTo(5, run.lines)["printed"_L1]),
+    QCOMPARE(texts(answerTo(3, run.lines).value("printed"_L1)), QStringList({u"RV418"_s}));
+    QCOMPARE(texts(answerTo(5, run.lines).value("printed"_L1)),
              QStringList({u"RV418"_s, u"com.orvane.KVX.Plugin.LogicalDevice.RV418"_s}));
 }
 

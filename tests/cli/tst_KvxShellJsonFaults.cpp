@@ -44,9 +44,9 @@ void tst_KvxShellJsonFaults::otherObjectThanADeviceHasNoValues()
 {
     const ShellRun run = runShell({u"mouse 1"_s, u"press 2"_s}, brokenLibrary(u"interface-of-another-iid"_s));
     QCOMPARE(run.exitCode, 0);
-    QCOMPARE(answerTo(1, run.lines)["result"_L1].toString(), u"difference"_s);
-    QCOMPARE(answerTo(2, run.lines)["result"_L1].toString(), u"done"_s);
-    const QJsonObject device = lastState(run.lines)["devices"_L1][0].toObject();
+    QCOMPARE(answerTo(1, run.lines).value("result"_L1).toString(), u"difference"_s);
+    QCOMPARE(answerTo(2, run.lines).value("result"_L1).toString(), u"done"_s);
+    const QJsonObject device = lastState(run.lines).value("devices"_L1)[0].toObject();
     QCOMPARE(device["mouse"_L1]["heldButtons"_L1].toArray(), QJsonArray({2}));
     QVERIFY(!device.contains("values"_L1));
     QVERIFY(!device.contains("pending"_L1));
