@@ -7,10 +7,17 @@
 
 namespace {
 
-const std::string begin = R"({"schemaVersion":1})"
-                          "\n";
-const std::string state = R"({"state":{"isLoaded":true}})"
-                          "\n";
+std::string begin()
+{
+    return R"({"schemaVersion":1})"
+           "\n";
+}
+
+std::string state()
+{
+    return R"({"state":{"isLoaded":true}})"
+           "\n";
+}
 
 void print(const std::string &text)
 {
@@ -35,20 +42,20 @@ void printBegin(const std::string &mode)
 {
     constexpr std::size_t hugeSize = std::size_t{20} * 1024U * 1024U;
     if (mode == "garbage")
-        print(begin + std::string("\0\x01\xff\xfe{]\n{\"state\":\nnull\n[]\n42\n\n", 25) + state);
+        print(begin() + std::string("\0\x01\xff\xfe{]\n{\"state\":\nnull\n[]\n42\n\n", 25) + state());
     else if (mode == "wrong-types")
-        print(begin + "{\"state\":5}\n{\"answer\":\"x\",\"printed\":{}}\n{\"kind\":[],\"device\":{}}\n" +
-              state);
+        print(begin() + "{\"state\":5}\n{\"answer\":\"x\",\"printed\":{}}\n{\"kind\":[],\"device\":{}}\n" +
+              state());
     else if (mode == "half-lines")
-        printByteByByte(begin + state);
+        printByteByByte(begin() + state());
     else if (mode == "huge-line")
-        print(begin + std::string(hugeSize, 'x') + "\n" + state);
+        print(begin() + std::string(hugeSize, 'x') + "\n" + state());
     else if (mode == "answers-from-nowhere")
-        print(begin + state + answer(1000) + answer(-3));
+        print(begin() + state() + answer(1000) + answer(-3));
     else if (mode == "ends-in-a-line")
-        print(begin + "{\"began\":\"call f()\"}\n{\"state\":{\"isLo");
+        print(begin() + "{\"began\":\"call f()\"}\n{\"state\":{\"isLo");
     else
-        print(begin + state);
+        print(begin() + state());
 }
 
 }  // namespace
