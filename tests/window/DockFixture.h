@@ -49,8 +49,13 @@ struct DockFixture : StartedEngine
         QTest::keyClicks(field, text);
     }
 
-    /// What was sent since the last call, when all of it has its answer.
-    QStringList takeLines() { return settle() ? std::exchange(lines, {}) : QStringList{QStringLiteral("-")}; }
+    /// What was sent since the last call, when the dock has the state that follows.
+    QStringList takeLines()
+    {
+        const bool isSettled = settle();
+        const QStringList taken = std::exchange(lines, {});
+        return isSettled && begin({}) ? taken : QStringList{QStringLiteral("-")};
+    }
 
     Dock dock;
     bool isReady;

@@ -245,7 +245,7 @@ void tst_TimelineDock::aVeryLongText()
     const QString text = u"<b>"_s + pair.repeated(500'000);
     Shown shown({entryOf(1, u"log"_s, text)});
     QVERIFY(shown.isReady());
-    const QString cell = shown.column(TimelineModel::Text).first();
+    const QString cell = shown.column(TimelineModel::Text).constFirst();
     QCOMPARE(cell, u"<b>"_s + pair.repeated(498) + u'\u2026');
     const QModelIndex index = shown.table->model()->index(0, TimelineModel::Text);
     QCOMPARE(index.data(Qt::ToolTipRole).toString(), u"<p>%1</p>"_s.arg(cell.toHtmlEscaped()));
@@ -304,7 +304,7 @@ void tst_TimelineDock::theFilterHoldsForLinesThatCome()
     QTest::keyClicks(shown.child<QLineEdit>(u"timelineText"_s), u"500"_s);
     QVERIFY(shown.add(someEntries()));
     QCOMPARE(shown.sequences(), QStringList{u"5"_s});
-    QVERIFY(shown.add(someEntries().first(4)));
+    QVERIFY(shown.add(someEntries().mid(0, 4)));
     QCOMPARE(shown.sequences(), QStringList{u"5"_s});
     QCOMPARE(shown.count(), u"Lines: 1 of 9"_s);
 }
@@ -404,7 +404,7 @@ void tst_TimelineDock::findWhatIsNotThere()
 
 void tst_TimelineDock::aPauseKeepsLinesWaiting()
 {
-    Shown shown(someEntries().first(1));
+    Shown shown(someEntries().mid(0, 1));
     QVERIFY(shown.isReady());
     auto *pause = shown.child<QToolButton>(u"timelinePause"_s);
     // What came just before the pause waits as well.

@@ -76,6 +76,13 @@ TimelineDock::TimelineDock(Engine *engine, QWidget *parent)
     connect(engine, &Engine::entriesCame, this, &TimelineDock::addEntries);
 }
 
+TimelineDock::~TimelineDock()
+{
+    // The base class hides the table, which then moves its scroll bar.
+    m_table->verticalScrollBar()->disconnect(this);
+    m_table->selectionModel()->disconnect(this);
+}
+
 void TimelineDock::addFilters(QLayout *layout)
 {
     setNames(m_kinds, u"timelineKinds"_s, tr("Kinds of lines"));

@@ -26,6 +26,8 @@ class TimelineDock : public QWidget
 
 public:
     explicit TimelineDock(Engine *engine, QWidget *parent = nullptr);
+    ~TimelineDock() override;
+    Q_DISABLE_COPY_MOVE(TimelineDock)
 
 public Q_SLOTS:
     /// They are shown a moment later with all that came by then, or when the pause ends.
