@@ -323,7 +323,7 @@ void tst_CheckDock::scenarioThatIsGoneIsSaid()
     ShownDock shown;
     QSignalSpy wanted(&shown.dock, &CheckDock::scenarioWanted);
     QVERIFY(shown.check(file));
-    QCOMPARE(shown.shownTree().first(), u"files: 1 pass"_s);
+    QCOMPARE(shown.shownTree().constFirst(), u"files: 1 pass"_s);
     shown.selectFirstScenario();
     QVERIFY(QFile::remove(file));
     shown.click("checkOpenScenario");

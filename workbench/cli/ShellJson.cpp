@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <tuple>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -153,7 +154,7 @@ std::optional<QString> problemOf(const QByteArray &line)
     if (line.contains('\0'))
         return u"the line has a NUL character; write text"_s;
     QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
-    const QString text = decoder(line);
+    std::ignore = static_cast<QString>(decoder(line));
     return decoder.hasError() ? std::optional<QString>(u"the line is no UTF-8; write it in UTF-8"_s)
                               : std::nullopt;
 }
