@@ -23,7 +23,7 @@ void ScenarioHighlighter::highlightBlock(const QString &line)
         words.setFontWeight(QFont::Bold);
     setFormat(static_cast<int>(line.indexOf(command)), static_cast<int>(command.size()), words);
 
-    const qsizetype outcome = line.left(comment).lastIndexOf("=> "_L1);
+    const qsizetype outcome = QStringView(line).left(comment).lastIndexOf("=> "_L1);
     if (outcome > 0) {
         QTextCharFormat expected;
         expected.setForeground(palette.link());
