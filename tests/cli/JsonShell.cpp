@@ -70,16 +70,18 @@ void JsonShell::sendBytes(const QByteArray &bytes)
 ShellLines JsonShell::readTo(const std::function<bool(const QJsonObject &)> &isWanted)
 {
     ShellLines lines;
+    bool hasDebugger = false;
     for (;;) {
         while (!m_process.canReadLine()) {
             if (!m_process.waitForReadyRead(mostMilliseconds) && !m_process.canReadLine())
                 return lines;
         }
         const QByteArray line = m_process.readLine();
-        // Wine's debugger, when kvx has crashed.
-        if (line.startsWith("WineDbg attached to pid "))
-            continue;
         const QJsonObject object = QJsonDocument::fromJson(line).object();
+        // When kvx has crashed, Wine's debugger describes that.
+        hasDebugger |= line.startsWith("WineDbg attached to pid ");
+        if (object.isEmpty() && hasDebugger)
+            continue;
         if (object.isEmpty())
             qFatal("kvx has printed \"%s\", which is no object", line.constData());
         lines.append(object);
