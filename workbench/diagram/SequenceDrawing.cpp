@@ -12,7 +12,7 @@ namespace {
 using Layout = SequenceLayout;
 
 constexpr int numberRight = 56;
-constexpr int timeRight = 136;
+constexpr int timeRight = 176;
 constexpr int arrowHead = 9;
 
 constexpr QLatin1StringView threadDashes{"9 5"};

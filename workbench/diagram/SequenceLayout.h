@@ -13,7 +13,7 @@ struct SequenceLayout
     // Of the widest common sans-serif font, so that others fit too.
     static constexpr int columnWidth = 8;
     static constexpr int edge = 16;
-    static constexpr int notesLeft = 152;
+    static constexpr int notesLeft = 192;
     static constexpr int headHeight = 28;
     static constexpr int noteHeight = 28;
     static constexpr int answerHeight = 22;

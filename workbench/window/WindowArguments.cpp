@@ -111,6 +111,10 @@ std::optional<WindowAnswer> readArguments(const QStringList &words, const QStrin
     }
     if (problem.isEmpty())
         problem = takeKvx(QString::fromUtf8(kvx.c_str()), folder, arguments);
+    // Named, so that it is inspected, watched and checked.
+    const QFileInfo beside(QFileInfo(arguments.setup.kvx).dir(), QStringLiteral(KVX_LIBRARY_NAME));
+    if (arguments.setup.library.isEmpty() && beside.exists())
+        arguments.setup.library = beside.absoluteFilePath();
     arguments.setup.wrapper = QProcess::splitCommand(QString::fromUtf8(wrapper.c_str()));
     if (!problem.isEmpty())
         return WindowAnswer{unusable, problem};
