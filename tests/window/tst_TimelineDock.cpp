@@ -66,13 +66,14 @@ bool comes(const Condition &condition)
 // The dock as a window of its own, without a child.
 struct Shown
 {
-    explicit Shown(const QList<Entry> &entries = {})
+    explicit Shown(const QList<Entry> &entries = {}) : isActive(show()), isFilled(add(entries)) {}
+
+    bool show()
     {
         dock.resize(900, 400);
         dock.show();
         dock.activateWindow();
-        isActive = QTest::qWaitForWindowActive(&dock, StartedEngine::limit);
-        isFilled = add(entries);
+        return QTest::qWaitForWindowActive(&dock, StartedEngine::limit);
     }
 
     bool isReady() const { return isActive && isFilled; }
@@ -113,16 +114,16 @@ struct Shown
     TimelineModel &model() { return *dock.findChild<TimelineModel *>(); }
 
     QPoint placeOf(int row) const { return table->visualRect(table->model()->index(row, 0)).center(); }
-    void click(int row, Qt::KeyboardModifiers modifiers = {})
+    void click(int row, Qt::KeyboardModifiers modifiers = {}) const
     {
         QTest::mouseClick(table->viewport(), Qt::LeftButton, modifiers, placeOf(row));
     }
 
     Engine engine;
     TimelineDock dock{&engine};
-    bool isActive = false;
-    bool isFilled = false;
     QTableView *table = dock.findChild<QTableView *>(u"timelineTable"_s);
+    bool isActive;
+    bool isFilled;
 };
 
 QByteArray contentOf(const QString &path)
