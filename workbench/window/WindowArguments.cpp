@@ -83,7 +83,7 @@ std::optional<WindowAnswer> readArguments(const QStringList &words, const QStrin
         ->option_text("FILE");
     app.add_option("--kvx", kvx, "The kvx program (default: the one beside this program)")
         ->option_text("FILE");
-    app.add_option("--run-with", wrapper, "A program that runs kvx: \"valgrind -q\", \"wine\"")
+    app.add_option("--run-with", wrapper, R"(A program that runs kvx: "valgrind -q", "wine")")
         ->option_text("COMMAND");
 
     // Last word first, as the parser wants it.
