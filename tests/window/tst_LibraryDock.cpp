@@ -60,19 +60,19 @@ bool setTimeToNow(const QString &file)
 
 struct Folder
 {
-    Folder() { QFile::copy(builtLibrary(), library); }
+    Folder() { QFile::copy(builtLibrary(), pluginFile); }
 
     /// As a linker does: another file takes its place. On Windows a loaded one can only be renamed.
-    bool takeAway() { return QFile::rename(library, folder.filePath(u"old%1"_s.arg(++builds))); }
+    bool takeAway() { return QFile::rename(pluginFile, folder.filePath(u"old%1"_s.arg(++builds))); }
     bool build()
     {
         const QString fresh = folder.filePath(u"fresh"_s);
         return QFile::copy(builtLibrary(), fresh) && setTimeToNow(fresh) && takeAway() &&
-               QFile::rename(fresh, library);
+               QFile::rename(fresh, pluginFile);
     }
 
     QTemporaryDir folder;
-    QString library = folder.filePath(QFileInfo(builtLibrary()).fileName());
+    QString pluginFile = folder.filePath(QFileInfo(builtLibrary()).fileName());
     int builds = 0;
 };
 
@@ -145,11 +145,11 @@ void tst_LibraryDock::aLibraryIsOpenedByItsPath()
     ShownDock shown;
     QVERIFY(shown.started.settle());
     const Folder folder;
-    shown.typePath(folder.library);
+    shown.typePath(folder.pluginFile);
     QTest::keyClick(shown.path, Qt::Key_Return);
     QCOMPARE(shown.wanted.size(), 1);
-    QCOMPARE(shown.wanted.first().first().toString(), folder.library);
-    KVX_EVENTUALLY(shown.report().contains(QFileInfo(folder.library).canonicalFilePath()));
+    QCOMPARE(shown.wanted.first().first().toString(), folder.pluginFile);
+    KVX_EVENTUALLY(shown.report().contains(QFileInfo(folder.pluginFile).canonicalFilePath()));
 
     KVX_EVENTUALLY(!shown.started.engine.state().isEmpty());
     shown.typePath(builtLibrary());
@@ -177,14 +177,14 @@ void tst_LibraryDock::aLibraryIsOpenedByTheDialog()
     KVX_EVENTUALLY(accept->isEnabled());
     QTest::mouseClick(accept, Qt::LeftButton);
     KVX_EVENTUALLY_EQUAL(shown.wanted.size(), 1);
-    QCOMPARE(shown.wanted.first().first().toString(), folder.library);
-    KVX_EVENTUALLY(shown.report().contains(QFileInfo(folder.library).canonicalFilePath()));
+    QCOMPARE(shown.wanted.first().first().toString(), folder.pluginFile);
+    KVX_EVENTUALLY(shown.report().contains(QFileInfo(folder.pluginFile).canonicalFilePath()));
 }
 
 void tst_LibraryDock::aRebuiltLibraryIsOffered()
 {
     Folder folder;
-    ShownDock shown(folder.library);
+    ShownDock shown(folder.pluginFile);
     QVERIFY(shown.started.settle());
     KVX_EVENTUALLY(!shown.report().isEmpty());
     QVERIFY(folder.build());
@@ -192,7 +192,7 @@ void tst_LibraryDock::aRebuiltLibraryIsOffered()
     QVERIFY(shown.wanted.isEmpty());
     QTest::mouseClick(shown.button(u"libraryReload"_s), Qt::LeftButton);
     QCOMPARE(shown.wanted.size(), 1);
-    QCOMPARE(shown.wanted.first().first().toString(), folder.library);
+    QCOMPARE(shown.wanted.first().first().toString(), folder.pluginFile);
     KVX_EVENTUALLY_EQUAL(shown.change(), QString());
     // The one that took its place is watched, too.
     KVX_EVENTUALLY(shown.started.engine.isRunning());
@@ -204,7 +204,7 @@ void tst_LibraryDock::aRebuiltLibraryIsOffered()
 void tst_LibraryDock::aRebuiltLibraryIsReloadedWhenItIsWhole()
 {
     Folder folder;
-    ShownDock shown(folder.library);
+    ShownDock shown(folder.pluginFile);
     QVERIFY(shown.started.settle());
     KVX_EVENTUALLY(!shown.report().isEmpty());
     QTest::mouseClick(shown.dock.findChild<QCheckBox *>(u"libraryReloadsItself"_s), Qt::LeftButton);
@@ -213,12 +213,12 @@ void tst_LibraryDock::aRebuiltLibraryIsReloadedWhenItIsWhole()
     QVERIFY(folder.takeAway());
     KVX_EVENTUALLY_EQUAL(shown.change(), u"The file is gone; waiting for another."_s);
     const QByteArray bytes = contentsOf(builtLibrary());
-    QVERIFY(append(folder.library, bytes.first(bytes.size() / 2)));
+    QVERIFY(append(folder.pluginFile, bytes.first(bytes.size() / 2)));
     KVX_EVENTUALLY_EQUAL(shown.change(), u"The file has changed and is not whole yet."_s);
     QVERIFY(shown.wanted.isEmpty());
-    QVERIFY(append(folder.library, bytes.sliced(bytes.size() / 2)));
+    QVERIFY(append(folder.pluginFile, bytes.sliced(bytes.size() / 2)));
     KVX_EVENTUALLY_EQUAL(shown.wanted.size(), 1);
-    QCOMPARE(shown.wanted.first().first().toString(), folder.library);
+    QCOMPARE(shown.wanted.first().first().toString(), folder.pluginFile);
     KVX_EVENTUALLY_EQUAL(shown.change(), QString());
 }
 

@@ -294,7 +294,7 @@ void tst_MainWindow::filesAreDropped()
     const QString library = brokenLibrary(u"report-rate-flag-without-signal"_s);
     shown.drop(library);
     QVERIFY(shown.isDropTaken);
-    QCOMPARE(shown.window.engine()->setup().library, library);
+    QCOMPARE(shown.window.engine()->setup().pluginFile, library);
     QVERIFY(shown.window.windowTitle().startsWith(QFileInfo(library).fileName()));
     KVX_EVENTUALLY(shown.window.engine()->sentCount() >= 2 && !shown.window.engine()->isBusy());
 
@@ -373,7 +373,7 @@ void tst_MainWindow::theDocksAreConnected()
 
     const QString library = brokenLibrary(u"report-rate-flag-without-signal"_s);
     Q_EMIT shown.window.findChild<LibraryDock *>()->libraryWanted(library);
-    QCOMPARE(shown.window.engine()->setup().library, library);
+    QCOMPARE(shown.window.engine()->setup().pluginFile, library);
 }
 
 void tst_MainWindow::theWrapperIsKept()

@@ -220,7 +220,7 @@ void CheckDock::start()
     if (m_run.isRunning())
         return;
     m_setup = m_engine->setup();
-    if (m_setup.library.isEmpty()) {
+    if (m_setup.pluginFile.isEmpty()) {
         m_outcome->setText(tr("There is no library to check; open one first."));
         return;
     }
@@ -228,7 +228,7 @@ void CheckDock::start()
     noteCounts();
     m_hasReport = false;
     m_progress->setRange(0, 0);
-    m_outcome->setText(tr("Checking %1").arg(m_setup.library));
+    m_outcome->setText(tr("Checking %1").arg(m_setup.pluginFile));
     m_run.start(m_setup, {m_level->currentText(), QProcess::splitCommand(m_names->text()), m_jobs->value()});
     noteRunning(m_run.isRunning());
 }
@@ -267,7 +267,7 @@ void CheckDock::noteEnd(const QJsonObject &report, const QString &problem)
     parts += stringsOf(report.value("problems"_L1));
     if (m_tree->scenarioCount() < planned)
         parts.append(tr("incomplete: %1 of %2 scenarios ran").arg(m_tree->scenarioCount()).arg(planned));
-    m_outcome->setText(u"%1: %2"_s.arg(QFileInfo(m_setup.library).fileName(), parts.join(u"; "_s)));
+    m_outcome->setText(u"%1: %2"_s.arg(QFileInfo(m_setup.pluginFile).fileName(), parts.join(u"; "_s)));
     noteRunning(false);
 }
 

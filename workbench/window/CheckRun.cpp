@@ -15,7 +15,7 @@ namespace {
 QStringList wordsOf(const Engine::Setup &setup, const CheckWish &wish)
 {
     QStringList words = setup.wrapper;
-    words << setup.kvx << u"check"_s << setup.library << wish.words << u"--level"_s << wish.level;
+    words << setup.kvx << u"check"_s << setup.pluginFile << wish.words << u"--level"_s << wish.level;
     if (wish.jobs > 0)
         words << u"--jobs"_s << QString::number(wish.jobs);
     return words;

@@ -76,8 +76,8 @@ void Engine::start()
     m_isStopping = false;
     QStringList words = m_setup.wrapper;
     words << m_setup.kvx << u"shell"_s << u"--json"_s;
-    if (!m_setup.library.isEmpty())
-        words << u"--plugin"_s << m_setup.library;
+    if (!m_setup.pluginFile.isEmpty())
+        words << u"--plugin"_s << m_setup.pluginFile;
     const QString program = words.takeFirst();
     m_process.start(program, words);
 }

@@ -60,7 +60,7 @@ public:
         /// The kvx program.
         QString kvx;
         /// The plugin library; empty for the one beside kvx.
-        QString library;
+        QString pluginFile;
         /// A program and its arguments that run the child: valgrind, gdb, wine. Usually empty.
         QStringList wrapper;
     };

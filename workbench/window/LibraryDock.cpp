@@ -149,7 +149,7 @@ void LibraryDock::showInspection(const QString &file, int exitCode, const QStrin
 
 void LibraryDock::noteStart()
 {
-    m_loadedFile = m_engine->setup().library;
+    m_loadedFile = m_engine->setup().pluginFile;
     m_path->setText(QDir::toNativeSeparators(m_loadedFile));
     m_watch.watch(m_loadedFile);
     m_change->clear();

@@ -129,7 +129,7 @@ bool MainWindow::openFile(const QString &path)
 void MainWindow::openLibrary(const QString &file)
 {
     Engine::Setup setup = m_engine.setup();
-    setup.library = file;
+    setup.pluginFile = file;
     m_engine.setSetup(setup);
     if (!file.isEmpty())
         m_recent->add(file);
@@ -149,7 +149,7 @@ void MainWindow::setWrapper(const QString &words)
 
 void MainWindow::showTitle()
 {
-    QStringList parts{QFileInfo(m_engine.setup().library).fileName(), tr("kvx workbench")};
+    QStringList parts{QFileInfo(m_engine.setup().pluginFile).fileName(), tr("kvx workbench")};
     parts.removeAll(QString());
     const QStringList wrapper = m_engine.setup().wrapper;
     if (!wrapper.isEmpty())

@@ -125,7 +125,7 @@ void MainWindow::makeHelpMenu()
 
 void MainWindow::askForLibrary()
 {
-    auto *dialog = new QFileDialog(this, tr("Open Library"), QFileInfo(m_engine.setup().library).path(),
+    auto *dialog = new QFileDialog(this, tr("Open Library"), QFileInfo(m_engine.setup().pluginFile).path(),
                                    tr("Libraries (*.so *.dll);;All files (*)"));
     dialog->setFileMode(QFileDialog::ExistingFile);
     dialog->setAttribute(Qt::WA_DeleteOnClose);

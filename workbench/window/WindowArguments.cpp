@@ -46,7 +46,7 @@ QString takeFile(const QString &path, WindowArguments &arguments)
 {
     if (const QString problem = problemOf(path); !problem.isEmpty())
         return problem;
-    QString &place = MainWindow::isLibrary(path) ? arguments.setup.library : arguments.scenario;
+    QString &place = MainWindow::isLibrary(path) ? arguments.setup.pluginFile : arguments.scenario;
     if (!MainWindow::isLibrary(path) && !MainWindow::isScenario(path))
         return Text::tr("%1 is neither a scenario (.kvx) nor a library (.so, .dll)").arg(path);
     if (!place.isEmpty())
@@ -102,8 +102,8 @@ std::optional<WindowAnswer> readArguments(const QStringList &words, const QStrin
 
     QString problem;
     if (!plugin.empty()) {
-        arguments.setup.library = QFileInfo(QString::fromUtf8(plugin.c_str())).absoluteFilePath();
-        problem = problemOf(arguments.setup.library);
+        arguments.setup.pluginFile = QFileInfo(QString::fromUtf8(plugin.c_str())).absoluteFilePath();
+        problem = problemOf(arguments.setup.pluginFile);
     }
     for (const std::string &file : files) {
         if (problem.isEmpty())
@@ -113,8 +113,8 @@ std::optional<WindowAnswer> readArguments(const QStringList &words, const QStrin
         problem = takeKvx(QString::fromUtf8(kvx.c_str()), folder, arguments);
     // Named, so that it is inspected, watched and checked.
     const QFileInfo beside(QFileInfo(arguments.setup.kvx).dir(), QStringLiteral(KVX_LIBRARY_NAME));
-    if (arguments.setup.library.isEmpty() && beside.exists())
-        arguments.setup.library = beside.absoluteFilePath();
+    if (arguments.setup.pluginFile.isEmpty() && beside.exists())
+        arguments.setup.pluginFile = beside.absoluteFilePath();
     arguments.setup.wrapper = QProcess::splitCommand(QString::fromUtf8(wrapper.c_str()));
     if (!problem.isEmpty())
         return WindowAnswer{unusable, problem};
