@@ -130,7 +130,8 @@ ExitCode runScenario(const RunOptions &options)
     if (loaded != ExitCode::Success)
         return loaded;
     SequenceDiagram diagram;
-    const ExitCode played = play(scenario, options.file, *lines, options.isJson, &diagram);
+    const ExitCode played =
+        play(scenario, options.file, *lines, options.isJson, options.diagramFile ? &diagram : nullptr);
     return !options.diagramFile || writeDiagram(*options.diagramFile, diagram) ? played : ExitCode::Unusable;
 }
 
