@@ -42,7 +42,8 @@ struct ShownWindow
     bool settle()
     {
         const Engine *engine = window.engine();
-        return QTest::qWaitFor([engine] { return !engine->state().isEmpty() && !engine->isBusy(); });
+        return QTest::qWaitFor([engine] { return !engine->state().isEmpty() && !engine->isBusy(); },
+                               StartedEngine::limit);
     }
 
     template <typename Widget>

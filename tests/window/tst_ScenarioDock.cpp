@@ -193,7 +193,8 @@ void tst_ScenarioDock::stepsGoFromCommandToCommand()
     shown.dock.openText(u"own"_s, u"# head\nmouse 1\n\n# next\nstart\nstop\n"_s);
     const auto step = [&shown](int line) {
         shown.click("stepScenarioButton");
-        return QTest::qWaitFor([&] { return shown.isIdle() && shown.editor()->currentLine() == line; });
+        return QTest::qWaitFor([&] { return shown.isIdle() && shown.editor()->currentLine() == line; },
+                               StartedEngine::limit);
     };
     QVERIFY(step(2));
     QCOMPARE(shown.started.lines.last(), u"mouse 1"_s);
