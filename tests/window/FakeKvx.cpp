@@ -51,7 +51,7 @@ void printBegin(const std::string &mode)
     else if (mode == "huge-line")
         print(begin() + std::string(hugeSize, 'x') + "\n" + state());
     else if (mode == "answers-from-nowhere")
-        print(begin() + state() + answer(1000) + answer(-3));
+        print(begin() + answer(-3) + answer(1000) + state());
     else if (mode == "ends-in-a-line")
         print(begin() + "{\"began\":\"call f()\"}\n{\"state\":{\"isLo");
     else
