@@ -15,9 +15,10 @@ struct WindowRun
     QString errors;
 };
 
+constexpr int limit = 60000;  // ms; a failure, never a measure
+
 WindowRun runWindow(const QStringList &words, const QProcessEnvironment &environment)
 {
-    constexpr int limit = 60000;  // ms; a failure, never a measure
     QProcess process;
     process.setProcessEnvironment(environment);
     process.start(QStringLiteral(KVX_WINDOW), words);
@@ -48,6 +49,7 @@ private Q_SLOTS:
     void badUsageIsOneSentence();
     void aMissingDisplayIsOneSentence();
     void anUnreachableDisplayIsOneSentence();
+    void theLibraryBesideKvxIsNamed();
 };
 
 void tst_WindowProgram::helpAndVersionNeedNoDisplay()
@@ -107,6 +109,31 @@ void tst_WindowProgram::anUnreachableDisplayIsOneSentence()
     QCOMPARE(run.exitCode, 2);
     QVERIFY2(run.errors.startsWith(u"kvx-workbench: no window can be shown: "_s), qPrintable(run.errors));
     QCOMPARE(run.errors.count(u'\n'), 1);
+}
+
+// Only a library with a name is inspected, watched and checked.
+void tst_WindowProgram::theLibraryBesideKvxIsNamed()
+{
+    const QTemporaryDir folder;
+    const QString words = folder.filePath(u"words"_s);
+    QFile script(folder.filePath(u"note-words"_s));
+    QVERIFY(script.open(QIODevice::WriteOnly));
+    script.write("printf '%s\\n' \"$@\" >'" + words.toUtf8() + ".part' && mv '" + words.toUtf8() +
+                 ".part' '" + words.toUtf8() + "'\nexec \"$@\"\n");
+    script.close();
+    QProcessEnvironment environment = withoutDisplay();
+    environment.insert(u"QT_QPA_PLATFORM"_s, u"offscreen"_s);
+    environment.insert(u"XDG_CONFIG_HOME"_s, folder.path());
+    QProcess process;
+    process.setProcessEnvironment(environment);
+    process.start(QStringLiteral(KVX_WINDOW), {u"--run-with"_s, u"/bin/sh "_s + script.fileName()});
+    QVERIFY(QTest::qWaitFor([&] { return QFile::exists(words); }, limit));
+    process.kill();
+    QVERIFY(process.waitForFinished(limit));
+    QFile file(words);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QCOMPARE(QString::fromUtf8(file.readAll()),
+             QStringLiteral(KVX_COMMAND "\nshell\n--json\n--plugin\n" KVX_LIBRARY "\n"));
 }
 
 QTEST_MAIN(tst_WindowProgram)
