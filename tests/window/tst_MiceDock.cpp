@@ -25,7 +25,10 @@ struct Fixture : DockFixture<MiceDock>
             QStringList texts;
             for (int column = 0; column < list->columnCount(); ++column)
                 texts.append(item->text(column));
-            rows.append(texts.join(u' ').trimmed() + (list->currentItem() == item ? u" *"_s : QString()));
+            const bool isCurrent = list->currentItem() == item;
+            if (item->font(0).bold() != isCurrent)
+                texts.append(u"in the wrong font"_s);
+            rows.append(texts.join(u' ').trimmed() + (isCurrent ? u" *"_s : QString()));
         }
         return rows;
     }

@@ -1,9 +1,11 @@
 #include "DockFixture.h"
 #include "Eventually.h"
 #include "MouseDock.h"
+#include "MousePicture.h"
 #include "MouseView.h"
 
 #include <QtGui/QKeyEvent>
+#include <QtGui/QPainter>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QProgressBar>
@@ -71,6 +73,7 @@ private Q_SLOTS:
     void spaceKeyPressesTheFocusedButton();
     void focusIsDrawn();
     void heldAndDivertedButtonsAreShown();
+    void anInactiveWindowShowsTheSlotAsWell();
     void dpiButtonChangesTheSlot();
     void sleepAndWake();
     void drainAndCharge();
@@ -246,6 +249,27 @@ void tst_MouseDock::heldAndDivertedButtonsAreShown()
     KVX_EVENTUALLY(mouse.status().contains(u"held: 3, smart pointer;"_s));
     QVERIFY(!isAlike(mouse.look(u"3"_s), released));
     QCOMPARE(mouse.widget("mouseView")->accessibleDescription(), mouse.status());
+}
+
+void tst_MouseDock::anInactiveWindowShowsTheSlotAsWell()
+{
+    QPalette palette;
+    palette.setColor(QPalette::Inactive, QPalette::Highlight, palette.color(QPalette::Window));
+    const auto drawn = [&palette](QPalette::ColorGroup group) {
+        palette.setCurrentColorGroup(group);
+        MousePicture picture;
+        MousePicture::Content content;
+        content.mouse.hasMouse = true;
+        content.mouse.activeSlot = 2;
+        picture.setContent(content, palette);
+        QImage image(picture.size().toSize(), QImage::Format_RGB32);
+        image.fill(palette.color(QPalette::Window));
+        QPainter painter(&image);
+        picture.paint(painter, image.rect());
+        return image;
+    };
+    QCOMPARE(drawn(QPalette::Inactive), drawn(QPalette::Active));
+    QVERIFY(drawn(QPalette::Disabled) != drawn(QPalette::Active));
 }
 
 void tst_MouseDock::dpiButtonChangesTheSlot()

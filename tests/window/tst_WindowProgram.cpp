@@ -118,8 +118,11 @@ void tst_WindowProgram::theLibraryBesideKvxIsNamed()
     const QString words = folder.filePath(u"words"_s);
     QFile script(folder.filePath(u"note-words"_s));
     QVERIFY(script.open(QIODevice::WriteOnly));
-    script.write("printf '%s\\n' \"$@\" >'" + words.toUtf8() + ".part' && mv '" + words.toUtf8() +
-                 ".part' '" + words.toUtf8() + "'\nexec \"$@\"\n");
+    // Whole at once: whoever finds the file finds all words in it.
+    const QString text = uR"(printf '%s\n' "$@" >'%1.part' && mv '%1.part' '%1'
+exec "$@"
+)"_s.arg(words);
+    script.write(text.toUtf8());
     script.close();
     QProcessEnvironment environment = withoutDisplay();
     environment.insert(u"QT_QPA_PLATFORM"_s, u"offscreen"_s);

@@ -14,11 +14,21 @@
 
 #include <QtWidgets/QDockWidget>
 #include <QtWidgets/QScrollArea>
+#include <QtWidgets/QStyle>
 
 #include <algorithm>
 #include <utility>
 
 using namespace Qt::StringLiterals;
+
+namespace {
+
+const QWidget *contentOf(const QDockWidget &dock)
+{
+    return qobject_cast<const QScrollArea *>(dock.widget())->widget();
+}
+
+}  // namespace
 
 QDockWidget *MainWindow::addDock(QWidget *content, const QString &name, const QString &title)
 {
@@ -114,7 +124,6 @@ void MainWindow::placeDocks()
 void MainWindow::shareRoom(bool isNarrow)
 {
     constexpr int mouseWidth = 470;
-    constexpr int requestsWidth = 330;
     constexpr int miceHeight = 320;
     constexpr int timelineHeight = 320;
     const int restWidth = std::max(width() - mouseWidth, 1);
@@ -123,6 +132,9 @@ void MainWindow::shareRoom(bool isNarrow)
                 Qt::Vertical);
     if (isNarrow)
         return;
+    const QWidget *requests = contentOf(*dock("requests"));
+    const int requestsWidth =
+        requests->minimumSizeHint().width() + style()->pixelMetric(QStyle::PM_ScrollBarExtent);
     resizeDocks({dock("requests"), dock("values")}, {requestsWidth, restWidth - requestsWidth},
                 Qt::Horizontal);
     resizeDocks({dock("mouse"), dock("mice")}, {height() - miceHeight, miceHeight}, Qt::Vertical);

@@ -189,7 +189,20 @@ void MiceDock::showDevices(const QJsonObject &state)
                              ? QString::number(device.value("receiver"_L1).toInt(1))
                              : QString());
     }
-    m_list->setCurrentItem(itemOf(*m_list, DeviceState::currentId(state)));
+    showCurrent(DeviceState::currentId(state));
+}
+
+// In bold, too: some styles hardly show the selection of a list without the focus.
+void MiceDock::showCurrent(const QString &id)
+{
+    for (int row = 0; row < m_list->topLevelItemCount(); ++row) {
+        QTreeWidgetItem *item = m_list->topLevelItem(row);
+        QFont font = m_list->font();
+        font.setBold(item->text(0) == id);
+        for (int column = 0; column < m_list->columnCount(); ++column)
+            item->setFont(column, font);
+    }
+    m_list->setCurrentItem(itemOf(*m_list, id));
 }
 
 void MiceDock::adjustForm()

@@ -27,6 +27,7 @@ private:
     void useSelected(const QTreeWidgetItem *item);
     void showState(const QJsonObject &state);
     void showDevices(const QJsonObject &state);
+    void showCurrent(const QString &id);
     void adjustForm();
     QString freeId() const;
 

@@ -52,10 +52,14 @@ void MousePicture::setContent(const Content &content, const QPalette &palette)
 {
     m_content = content;
     m_palette = palette;
-    const QColor line = palette.color(QPalette::WindowText);
-    const QColor body = between(palette.color(QPalette::Window), line, content.mouse.isAsleep ? 0.25 : 0.05);
-    const QColor key = palette.color(QPalette::Base);
-    const QColor held = palette.color(QPalette::Highlight);
+    // Windows shows the highlight of an inactive window so faintly that no slot would look active.
+    if (m_palette.currentColorGroup() == QPalette::Inactive)
+        m_palette.setCurrentColorGroup(QPalette::Active);
+    const QColor line = m_palette.color(QPalette::WindowText);
+    const QColor body =
+        between(m_palette.color(QPalette::Window), line, content.mouse.isAsleep ? 0.25 : 0.05);
+    const QColor key = m_palette.color(QPalette::Base);
+    const QColor held = m_palette.color(QPalette::Highlight);
     QByteArray svg = m_template;
     const auto put = [&svg](const QString &name, const QString &value) {
         svg.replace('{' + name.toLatin1() + '}', value.toLatin1());
