@@ -51,9 +51,13 @@ QJsonValue timelineValue(const QStringList &values)
     return QJsonArray::fromStringList(values);
 }
 
+// Whole: a line end of another kind is another text.
 QJsonValue timelineValue(const QByteArray &text)
 {
-    return QString::fromUtf8(text).simplified();
+    return QString::fromUtf8(text)
+        .replace(u'\\', u"\\\\"_s)
+        .replace(u'\r', u"\\r"_s)
+        .replace(u'\n', u"\\n"_s);
 }
 
 QJsonValue timelineValue(const QUuid &id)
