@@ -4,13 +4,10 @@
 #include "CheckReport.h"
 #include "CheckTree.h"
 #include "JsonStrings.h"
-#include "KvxAnswer.h"
 #include "ReportFile.h"
 
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
-#include <QtCore/QJsonArray>
-#include <QtCore/QJsonDocument>
 #include <QtCore/QUrl>
 #include <QtGui/QClipboard>
 #include <QtGui/QDesktopServices>
@@ -44,13 +41,6 @@ Widget *named(Widget *widget, const QString &objectName, const QString &accessib
     widget->setObjectName(objectName);
     widget->setAccessibleName(accessibleName);
     return widget;
-}
-
-// The lines of the only scenario of "kvx check --explain NAME --json".
-QString scenarioText(const QByteArray &json)
-{
-    const QJsonArray scenarios = QJsonDocument::fromJson(json).object().value("scenarios"_L1).toArray();
-    return stringsOf(scenarios.at(0).toObject().value("lines"_L1)).join(u'\n');
 }
 
 }  // namespace
@@ -311,13 +301,12 @@ void CheckDock::askForScenario()
     const QString name = m_tree->currentScenario().value("name"_L1).toString();
     if (name.isEmpty())
         return;
-    askKvx(m_setup, {u"check"_s, u"--explain"_s, name, u"--json"_s}, this,
-           [this, name](const QString &output, const QString &problem) {
-               if (problem.isEmpty())
-                   Q_EMIT scenarioWanted(name, scenarioText(output.toUtf8()));
-               else
-                   m_outcome->setText(tr("%1 cannot be opened: %2").arg(name, problem));
-           });
+    askKvxForScenario(m_setup, name, this, [this, name](const QString &text, const QString &problem) {
+        if (problem.isEmpty())
+            Q_EMIT scenarioWanted(name, text);
+        else
+            m_outcome->setText(tr("%1 cannot be opened: %2").arg(name, problem));
+    });
 }
 
 void CheckDock::askForReportFile()

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "CheckRun.h"
+#include "Engine.h"
 
 #include <QtWidgets/QWidget>
 
@@ -52,7 +53,7 @@ private:
 
     Engine *const m_engine;
     CheckRun m_run;
-    Engine::Setup m_setup;  // of the last run
+    KvxSetup m_setup;  // of the last run
     bool m_hasReport = false;
     QComboBox *m_level = nullptr;
     QLineEdit *m_names = nullptr;

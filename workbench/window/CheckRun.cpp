@@ -12,15 +12,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-QStringList wordsOf(const Engine::Setup &setup, const CheckWish &wish)
-{
-    QStringList words = setup.wrapper;
-    words << setup.kvx << u"check"_s << setup.pluginFile << wish.words << u"--level"_s << wish.level;
-    if (wish.jobs > 0)
-        words << u"--jobs"_s << QString::number(wish.jobs);
-    return words;
-}
-
 bool isVerdict(const QString &word)
 {
     const QList<Verdict> verdicts = allVerdicts();
@@ -32,8 +23,6 @@ bool isVerdict(const QString &word)
 
 CheckRun::CheckRun(QObject *parent) : QObject(parent)
 {
-    CheckSystem::ProcessTree::prepare(m_process);
-    connect(&m_process, &QProcess::started, this, [this] { m_tree.emplace().adopt(m_process); });
     connect(&m_process, &QProcess::readyReadStandardOutput, this, &CheckRun::readOutput);
     connect(&m_process, &QProcess::finished, this, &CheckRun::takeEnd);
     connect(&m_process, &QProcess::errorOccurred, this, [this](QProcess::ProcessError error) {
@@ -43,37 +32,29 @@ CheckRun::CheckRun(QObject *parent) : QObject(parent)
     });
 }
 
-CheckRun::~CheckRun()
-{
-    m_process.disconnect(this);
-    if (m_tree && isRunning())
-        m_tree->end();
-    m_process.kill();
-    // The process object must not be destroyed before its process has ended; a killed one does so at once.
-    m_process.waitForFinished();
-}
-
-void CheckRun::start(const Engine::Setup &setup, const CheckWish &wish)
+void CheckRun::start(const KvxSetup &setup, const CheckWish &wish)
 {
     if (isRunning())
         return;
     m_isCancelled = false;
     m_isListing = false;
     m_folder.emplace();
-    QStringList words = wordsOf(setup, wish);
+    QStringList words{u"check"_s, setup.pluginFile};
+    words << wish.words << u"--level"_s << wish.level;
+    if (wish.jobs > 0)
+        words << u"--jobs"_s << QString::number(wish.jobs);
     words << u"--json"_s << fileFor("report.json") << u"--html"_s << htmlFile();
-    const QString program = words.takeFirst();
-    m_process.start(program, words);
+    m_process.startKvx(setup, words);
 }
 
 void CheckRun::cancel()
 {
-    if (!isRunning() || !m_tree)
+    if (m_process.state() != QProcess::Running)
         return;
     if (std::exchange(m_isCancelled, true))
-        m_tree->end();
+        m_process.end();
     else
-        m_tree->interrupt(m_process);
+        m_process.interrupt();
 }
 
 void CheckRun::readOutput()
@@ -102,7 +83,6 @@ void CheckRun::takeLine(const QString &line)
 void CheckRun::takeEnd()
 {
     readOutput();
-    m_tree.reset();
     QFile file(fileFor("report.json"));
     QJsonObject report;
     if (file.open(QIODevice::ReadOnly))

@@ -1,11 +1,9 @@
 #pragma once
 
-#include "CheckSystem.h"
-#include "Engine.h"
+#include "KvxProcess.h"
 
+#include <QtCore/QJsonObject>
 #include <QtCore/QTemporaryDir>
-
-#include <optional>
 
 /// What a check is asked for.
 struct CheckWish
@@ -25,15 +23,13 @@ class CheckRun : public QObject
 
 public:
     explicit CheckRun(QObject *parent = nullptr);
-    ~CheckRun() override;
-    Q_DISABLE_COPY_MOVE(CheckRun)
 
     /// Does nothing while one runs.
-    void start(const Engine::Setup &setup, const CheckWish &wish);
+    void start(const KvxSetup &setup, const CheckWish &wish);
     /// Asks the child to end and to write its report; the second call ends it at once.
     void cancel();
 
-    bool isRunning() const { return m_process.state() != QProcess::NotRunning; }
+    bool isRunning() const { return m_process.isRunning(); }
     /// The report for readers of the last run that ended with a report. Gone with the next start.
     QString htmlFile() const { return fileFor("report.html"); }
 
@@ -55,9 +51,8 @@ private:
     void takeEnd();
     QString problem();
 
-    QProcess m_process;
-    std::optional<CheckSystem::ProcessTree> m_tree;  // of the process while it runs
-    std::optional<QTemporaryDir> m_folder;           // of the reports
+    std::optional<QTemporaryDir> m_folder;  // of the reports; outlives the process, which writes into it
+    KvxProcess m_process;
     bool m_isCancelled = false;
     bool m_isListing = false;  // the lines that come are verdicts
 };

@@ -37,12 +37,10 @@ Entry entryOf(const QJsonObject &object, const QByteArray &line)
 
 Engine::Engine(QObject *parent) : QObject(parent)
 {
-    CheckSystem::ProcessTree::prepare(m_process);
     connect(&m_process, &QProcess::started, this, [this] {
-        m_tree.emplace().adopt(m_process);
         // It may have been stopped before it ran.
         if (m_isStopping)
-            endChild();
+            m_process.end();
         else
             Q_EMIT started();
     });
@@ -51,14 +49,6 @@ Engine::Engine(QObject *parent) : QObject(parent)
             [this] { noteError(m_process.readAllStandardError()); });
     connect(&m_process, &QProcess::finished, this, &Engine::takeEnd);
     connect(&m_process, &QProcess::errorOccurred, this, &Engine::takeError);
-}
-
-Engine::~Engine()
-{
-    m_process.disconnect(this);
-    endChild();
-    // The process object must not be destroyed before its process has ended; a killed one does so at once.
-    m_process.waitForFinished();
 }
 
 void Engine::start()
@@ -74,12 +64,10 @@ void Engine::start()
     m_sent = 0;
     m_answered = 0;
     m_isStopping = false;
-    QStringList words = m_setup.wrapper;
-    words << m_setup.kvx << u"shell"_s << u"--json"_s;
+    QStringList words{u"shell"_s, u"--json"_s};
     if (!m_setup.pluginFile.isEmpty())
         words << u"--plugin"_s << m_setup.pluginFile;
-    const QString program = words.takeFirst();
-    m_process.start(program, words);
+    m_process.startKvx(m_setup, words);
 }
 
 void Engine::stop()
@@ -88,14 +76,7 @@ void Engine::stop()
     if (!isRunning())
         return;
     m_isStopping = true;
-    endChild();
-}
-
-void Engine::endChild()
-{
-    if (m_tree && isRunning())
-        m_tree->end();
-    m_process.kill();
+    m_process.end();
 }
 
 void Engine::restart()
@@ -213,7 +194,6 @@ void Engine::finish(const EngineEnd &end)
 {
     const bool startsAgain = std::exchange(m_startsAgain, false);
     m_isStopping = false;
-    m_tree.reset();
     noteBusy();
     Q_EMIT ended(end);
     if (startsAgain)

@@ -1,14 +1,10 @@
 #pragma once
 
-#include "CheckSystem.h"
 #include "Entry.h"
+#include "KvxProcess.h"
 
 #include <QtCore/QJsonObject>
 #include <QtCore/QObject>
-#include <QtCore/QProcess>
-#include <QtCore/QStringList>
-
-#include <optional>
 
 /// What the child says to one line.
 struct Answer
@@ -54,24 +50,11 @@ class Engine : public QObject
     Q_OBJECT
 
 public:
-    /// What start() runs.
-    struct Setup
-    {
-        /// The kvx program.
-        QString kvx;
-        /// The plugin library; empty for the one beside kvx.
-        QString pluginFile;
-        /// A program and its arguments that run the child: valgrind, gdb, wine. Usually empty.
-        QStringList wrapper;
-    };
-
     explicit Engine(QObject *parent = nullptr);
-    ~Engine() override;
-    Q_DISABLE_COPY_MOVE(Engine)
 
     /// For the next start.
-    void setSetup(const Setup &setup) { m_setup = setup; }
-    const Setup &setup() const { return m_setup; }
+    void setSetup(const KvxSetup &setup) { m_setup = setup; }
+    const KvxSetup &setup() const { return m_setup; }
 
     /// Starts a child with a fresh library; does nothing while one runs.
     void start();
@@ -83,7 +66,7 @@ public:
     /// Gives the child one line of a scenario. Without a child it does nothing. Line breaks in it become blanks.
     void send(const QString &line);
 
-    bool isRunning() const { return m_process.state() != QProcess::NotRunning; }
+    bool isRunning() const { return m_process.isRunning(); }
     /// Whether lines wait for their answers.
     bool isBusy() const { return isRunning() && m_answered < m_sent; }
     /// How many lines the child was given.
@@ -106,7 +89,6 @@ Q_SIGNALS:
     void ended(const EngineEnd &end);
 
 private:
-    void endChild();
     void readOutput();
     void noteError(const QByteArray &output);
     /// False when the line is no JSON object.
@@ -118,9 +100,8 @@ private:
     void finish(const EngineEnd &end);
     void noteBusy();
 
-    Setup m_setup;
-    QProcess m_process;
-    std::optional<CheckSystem::ProcessTree> m_tree;  // of the process while it runs
+    KvxSetup m_setup;
+    KvxProcess m_process;
     QByteArray m_unfinishedLine;
     QByteArray m_errorOutput;
     QList<Entry> m_entries;  // not delivered yet

@@ -33,7 +33,6 @@ LibraryDock::LibraryDock(Engine *engine, QWidget *parent) : QWidget(parent), m_e
         showState({});
         m_residence->setText(tr("No process runs."));
     });
-    connect(&m_inspection, &LibraryInspection::finished, this, &LibraryDock::showInspection);
     connect(&m_watch, &LibraryWatch::changed, this, &LibraryDock::noteFile);
     if (engine->isRunning())
         noteStart();
@@ -129,20 +128,27 @@ void LibraryDock::inspect(const QString &file)
     if (std::exchange(m_isChangeInspected, false))
         m_watch.lookAgain();
     m_verdict->setText(tr("Inspecting %1").arg(QDir::toNativeSeparators(file)));
-    m_inspection.start(m_engine->setup(), file.trimmed());
+    // Not deleted here: this can be inside its signal.
+    if (m_inspection) {
+        m_inspection->disconnect(this);
+        m_inspection->deleteLater();
+    }
+    m_inspection =
+        askKvx(m_engine->setup(), {u"inspect"_s, file.trimmed()}, this,
+               [this, file = file.trimmed()](const KvxAnswer &answer) { showInspection(file, answer); });
 }
 
-void LibraryDock::showInspection(const QString &file, int exitCode, const QString &text)
+void LibraryDock::showInspection(const QString &file, const KvxAnswer &answer)
 {
-    const bool isWhole = exitCode == 0;
+    const bool isWhole = answer.exitCode == 0;
+    const QString name = QFileInfo(file).fileName();
     if (isWhole)
-        m_verdict->setText(tr("%1 is a device plugin.").arg(QFileInfo(file).fileName()));
-    else if (exitCode != LibraryInspection::noExitCode)
-        m_verdict->setText(
-            tr("⚠ %1 cannot be used (exit code %2).").arg(QFileInfo(file).fileName()).arg(exitCode));
+        m_verdict->setText(tr("%1 is a device plugin.").arg(name));
+    else if (answer.exitCode != KvxAnswer::noExitCode)
+        m_verdict->setText(tr("⚠ %1 cannot be used (exit code %2).").arg(name).arg(answer.exitCode));
     else
-        m_verdict->setText(tr("⚠ %1 was not inspected.").arg(QFileInfo(file).fileName()));
-    m_report->setPlainText(text);
+        m_verdict->setText(tr("⚠ %1 was not inspected.").arg(name));
+    m_report->setPlainText(isWhole ? answer.output.trimmed() : answer.problem);
     if (std::exchange(m_isChangeInspected, false))
         noteChange(isWhole);
 }

@@ -1,8 +1,9 @@
 #pragma once
 
-#include "LibraryInspection.h"
+#include "Engine.h"
 #include "LibraryWatch.h"
 
+#include <QtCore/QPointer>
 #include <QtWidgets/QCheckBox>
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QLineEdit>
@@ -29,7 +30,7 @@ private:
     void chooseFile();
     void open();
     void inspect(const QString &file);
-    void showInspection(const QString &file, int exitCode, const QString &text);
+    void showInspection(const QString &file, const KvxAnswer &answer);
     void noteStart();
     void noteFile();
     /// The changed file's inspection.
@@ -39,7 +40,7 @@ private:
     void showAnswer(const Answer &answer);
 
     Engine *m_engine;
-    LibraryInspection m_inspection;
+    QPointer<KvxProcess> m_inspection;
     LibraryWatch m_watch;
     QString m_loadedFile;
     bool m_isChangeInspected = false;

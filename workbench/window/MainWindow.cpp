@@ -36,7 +36,7 @@ QString fileOf(const QMimeData *data)
 
 }  // namespace
 
-MainWindow::MainWindow(Engine::Setup setup, QWidget *parent)
+MainWindow::MainWindow(KvxSetup setup, QWidget *parent)
     : QMainWindow(parent),
       m_settings(QSettings::IniFormat, QSettings::UserScope, u"kvx"_s, u"kvx-workbench"_s),
       m_transcript(&m_engine),
@@ -128,7 +128,7 @@ bool MainWindow::openFile(const QString &path)
 
 void MainWindow::openLibrary(const QString &file)
 {
-    Engine::Setup setup = m_engine.setup();
+    KvxSetup setup = m_engine.setup();
     setup.pluginFile = file;
     m_engine.setSetup(setup);
     if (!file.isEmpty())
@@ -139,7 +139,7 @@ void MainWindow::openLibrary(const QString &file)
 
 void MainWindow::setWrapper(const QString &words)
 {
-    Engine::Setup setup = m_engine.setup();
+    KvxSetup setup = m_engine.setup();
     setup.wrapper = QProcess::splitCommand(words);
     m_engine.setSetup(setup);
     m_settings.setValue(wrapperKey, setup.wrapper);

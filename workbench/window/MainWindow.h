@@ -29,7 +29,7 @@ public:
     // MainWindow_Menus.cpp    menus, bars
 
     /// An empty wrapper is the one of the settings.
-    explicit MainWindow(Engine::Setup setup, QWidget *parent = nullptr);
+    explicit MainWindow(KvxSetup setup, QWidget *parent = nullptr);
     ~MainWindow() override;
     Q_DISABLE_COPY_MOVE(MainWindow)
 

@@ -1,5 +1,5 @@
 #include "CommandField.h"
-#include "KvxAnswer.h"
+#include "LibraryDock.h"
 #include "MainWindow.h"
 #include "NoticeBar.h"
 #include "RecentFiles.h"
@@ -162,8 +162,8 @@ void MainWindow::showAbout()
     box->setAttribute(Qt::WA_DeleteOnClose);
     box->setInformativeText(versions.arg(tr("kvx is asked...")));
     box->open();
-    askKvx(m_engine.setup(), {u"--version"_s}, box,
-           [box, versions](const QString &output, const QString &problem) {
-               box->setInformativeText(versions.arg(problem.isEmpty() ? output.trimmed() : problem));
-           });
+    askKvx(m_engine.setup(), {u"--version"_s}, box, [box, versions](const KvxAnswer &answer) {
+        box->setInformativeText(
+            versions.arg(answer.problem.isEmpty() ? answer.output.trimmed() : answer.problem));
+    });
 }

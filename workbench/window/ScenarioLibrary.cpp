@@ -1,8 +1,5 @@
 #include "ScenarioLibrary.h"
 
-#include "JsonStrings.h"
-#include "KvxAnswer.h"
-
 #include <QtCore/QDir>
 #include <QtCore/QFileInfo>
 #include <QtCore/QJsonDocument>
@@ -29,17 +26,6 @@ void addNote(QMenu &menu, const QString &note)
 {
     menu.clear();
     menu.addAction(note)->setEnabled(false);
-}
-
-QJsonArray scenariosOf(const QString &json)
-{
-    return QJsonDocument::fromJson(json.toUtf8()).object().value("scenarios"_L1).toArray();
-}
-
-QString textOf(const QJsonValue &scenario)
-{
-    const QString text = stringsOf(scenario["lines"_L1]).join(u'\n');
-    return text.isEmpty() ? text : text + u'\n';
 }
 
 }  // namespace
@@ -72,21 +58,20 @@ void ScenarioLibrary::askForContract()
 {
     if (std::exchange(m_isFilling, true))
         return;
-    askKvx(m_engine->setup(), {u"check"_s, u"--list"_s, u"--json"_s}, this,
-           [this](const QString &output, const QString &problem) {
-               if (problem.isEmpty()) {
-                   fillContract(output);
-                   return;
-               }
-               m_isFilling = false;  // asked again next time
-               addNote(m_contract, tr("kvx does not list its scenarios: %1").arg(problem));
-           });
+    askKvx(m_engine->setup(), {u"check"_s, u"--list"_s, u"--json"_s}, this, [this](const KvxAnswer &answer) {
+        if (answer.problem.isEmpty()) {
+            fillContract(answer.output);
+            return;
+        }
+        m_isFilling = false;  // asked again next time
+        addNote(m_contract, tr("kvx does not list its scenarios: %1").arg(answer.problem));
+    });
 }
 
 void ScenarioLibrary::fillContract(const QString &list)
 {
     m_contract.clear();
-    const QJsonArray scenarios = scenariosOf(list);
+    const QJsonArray scenarios = QJsonDocument::fromJson(list.toUtf8())["scenarios"_L1].toArray();
     QHash<QString, QMenu *> folders;
     for (const auto &scenario : scenarios) {
         const QString name = scenario["name"_L1].toString();
@@ -107,11 +92,11 @@ void ScenarioLibrary::fillContract(const QString &list)
 
 void ScenarioLibrary::askForScenario(const QString &name)
 {
-    askKvx(m_engine->setup(), {u"check"_s, u"--explain"_s, name, u"--json"_s}, this,
-           [this, name](const QString &output, const QString &sentence) {
-               if (sentence.isEmpty())
-                   Q_EMIT textWanted(name, textOf(scenariosOf(output).first()));
-               else
-                   Q_EMIT problem(sentence);
-           });
+    askKvxForScenario(m_engine->setup(), name, this,
+                      [this, name](const QString &text, const QString &sentence) {
+                          if (sentence.isEmpty())
+                              Q_EMIT textWanted(name, text);
+                          else
+                              Q_EMIT problem(sentence);
+                      });
 }

@@ -1,13 +1,11 @@
 #pragma once
 
-#include "Engine.h"
-
-#include <QtCore/QStringList>
+#include "KvxProcess.h"
 
 /// The command line of the window's program.
 struct WindowArguments
 {
-    Engine::Setup setup;
+    KvxSetup setup;
     /// At most one; empty for none.
     QString scenario;
 };
