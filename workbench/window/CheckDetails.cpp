@@ -2,6 +2,7 @@
 
 #include "Difference.h"
 #include "JsonStrings.h"
+#include "MixedColor.h"
 #include "VisibleText.h"
 
 #include <QtCore/QEvent>
@@ -31,8 +32,8 @@ QString differenceOf(const QJsonObject &scenario, const QColor &base)
 {
     constexpr double share = 0.25;
     constexpr qsizetype markColumn = 3;
-    const QString missing = tinted(base, Qt::red, share).name();
-    const QString surplus = tinted(base, Qt::green, share).name();
+    const QString missing = mixed(base, Qt::red, share).name();
+    const QString surplus = mixed(base, Qt::green, share).name();
     QStringList marked;
     const QStringList lines =
         difference(stringsOf(scenario["expected"_L1]), stringsOf(scenario["actual"_L1]));
@@ -47,13 +48,6 @@ QString differenceOf(const QJsonObject &scenario, const QColor &base)
 }
 
 }  // namespace
-
-QColor tinted(const QColor &color, const QColor &tint, double share)
-{
-    const auto mixed = [&](int one, int other) { return qRound(one * (1 - share) + other * share); };
-    return {mixed(color.red(), tint.red()), mixed(color.green(), tint.green()),
-            mixed(color.blue(), tint.blue())};
-}
 
 CheckDetails::CheckDetails(QWidget *parent) : QTextBrowser(parent)
 {

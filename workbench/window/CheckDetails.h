@@ -23,6 +23,3 @@ private:
     QJsonObject m_scenario;
     QString m_command;
 };
-
-/// A colour of the palette's text or base with a share of another, readable in the dark and in the light.
-QColor tinted(const QColor &color, const QColor &tint, double share);

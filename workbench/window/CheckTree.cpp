@@ -1,7 +1,7 @@
 #include "CheckTree.h"
 
-#include "CheckDetails.h"
 #include "CheckReport.h"
+#include "MixedColor.h"
 
 #include <QtCore/QEvent>
 #include <QtCore/QJsonArray>
@@ -185,9 +185,9 @@ void CheckTree::setColor(QTreeWidgetItem *item) const
     const QColor text = palette().text().color();
     const QString verdict = verdictOf(item);
     if (wentWrong(verdict))
-        item->setForeground(VerdictColumn, tinted(text, Qt::red, share));
+        item->setForeground(VerdictColumn, mixed(text, Qt::red, share));
     else if (verdict == wordOf(Verdict::Pass))
-        item->setForeground(VerdictColumn, tinted(text, Qt::green, share));
+        item->setForeground(VerdictColumn, mixed(text, Qt::green, share));
     else
         item->setForeground(VerdictColumn, text);
 }

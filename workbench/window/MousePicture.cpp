@@ -1,5 +1,7 @@
 #include "MousePicture.h"
 
+#include "MixedColor.h"
+
 #include <QtCore/QFile>
 #include <QtGui/QPainter>
 
@@ -21,13 +23,6 @@ QByteArray readTemplate()
     registerResource();
     QFile file(u":/window/mouse.svg"_s);
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-QColor between(const QColor &first, const QColor &second, double share)
-{
-    const auto mix = [share](float a, float b) { return a + (b - a) * static_cast<float>(share); };
-    return QColor::fromRgbF(mix(first.redF(), second.redF()), mix(first.greenF(), second.greenF()),
-                            mix(first.blueF(), second.blueF()));
 }
 
 QString elementOf(const QString &button)
@@ -56,8 +51,7 @@ void MousePicture::setContent(const Content &content, const QPalette &palette)
     if (m_palette.currentColorGroup() == QPalette::Inactive)
         m_palette.setCurrentColorGroup(QPalette::Active);
     const QColor line = m_palette.color(QPalette::WindowText);
-    const QColor body =
-        between(m_palette.color(QPalette::Window), line, content.mouse.isAsleep ? 0.25 : 0.05);
+    const QColor body = mixed(m_palette.color(QPalette::Window), line, content.mouse.isAsleep ? 0.25 : 0.05);
     const QColor key = m_palette.color(QPalette::Base);
     const QColor held = m_palette.color(QPalette::Highlight);
     QByteArray svg = m_template;

@@ -1,5 +1,6 @@
 #include "ScenarioEditor.h"
 
+#include "MixedColor.h"
 #include "ScenarioHighlighter.h"
 
 #include <QtCore/QMimeData>
@@ -8,18 +9,6 @@
 #include <QtGui/QTextBlock>
 
 #include <algorithm>
-
-namespace {
-
-QColor mixed(const QColor &color, const QColor &base)
-{
-    constexpr float share = 0.3F;  // so that the text is readable on it
-    return QColor::fromRgbF(share * color.redF() + (1 - share) * base.redF(),
-                            share * color.greenF() + (1 - share) * base.greenF(),
-                            share * color.blueF() + (1 - share) * base.blueF());
-}
-
-}  // namespace
 
 /// The margin with the numbers; the editor paints it.
 class LineNumbers : public QWidget
@@ -95,6 +84,7 @@ void ScenarioEditor::showLine(qsizetype line)
 
 void ScenarioEditor::markLines()
 {
+    constexpr double share = 0.3;  // the text is readable on it
     QList<QTextEdit::ExtraSelection> marks;
     const auto mark = [this, &marks](qsizetype line, const QColor &color) {
         const QTextBlock block = document()->findBlockByNumber(static_cast<int>(line));
@@ -102,7 +92,7 @@ void ScenarioEditor::markLines()
             return;
         QTextEdit::ExtraSelection selection;
         selection.cursor = QTextCursor(block);
-        selection.format.setBackground(mixed(color, palette().color(QPalette::Base)));
+        selection.format.setBackground(mixed(palette().color(QPalette::Base), color, share));
         selection.format.setProperty(QTextFormat::FullWidthSelection, true);
         marks.append(selection);
     };
