@@ -1,7 +1,7 @@
 #include "MiceDock.h"
 
 #include "DeviceState.h"
-#include "ScenarioWord.h"
+#include "ScenarioText.h"
 
 #include <QtCore/QJsonArray>
 #include <QtCore/QSignalBlocker>
@@ -133,7 +133,7 @@ QWidget *MiceDock::makeForm()
 
 void MiceDock::add()
 {
-    const QString id = scenarioWord(m_id->text());
+    const QString id = scenarioWords({m_id->text()});
     const QString receiver = m_receiver->text();
     m_id->setModified(false);
     if (m_kind->currentIndex() != Mouse) {

@@ -1,6 +1,6 @@
 #include "RequestRow.h"
 
-#include "ScenarioWord.h"
+#include "ScenarioText.h"
 
 #include <QtWidgets/QHBoxLayout>
 #include <QtWidgets/QLabel>
@@ -11,14 +11,37 @@
 
 using namespace Qt::StringLiterals;
 
+using Outcome = RequestOutcomes::Outcome;
+
 namespace {
 
 QString wordsOf(const QList<QLineEdit *> &fields)
 {
-    QStringList words;
+    QStringList texts;
     for (const QLineEdit *field : fields)
-        words.append(scenarioWord(field->text()));
-    return words.join(u' ');
+        texts.append(field->text());
+    return scenarioWords(texts);
+}
+
+QString outcomeText(Outcome outcome)
+{
+    switch (outcome) {
+    case Outcome::None:
+        break;
+    case Outcome::Sent:
+        return RequestRow::tr("sent");
+    case Outcome::Pending:
+        return RequestRow::tr("pending");
+    case Outcome::Confirmed:
+        return RequestRow::tr("confirmed");
+    case Outcome::Refused:
+        return RequestRow::tr("refused");
+    case Outcome::Done:
+        return RequestRow::tr("done");
+    case Outcome::Wrong:
+        return RequestRow::tr("not taken");
+    }
+    return {};
 }
 
 }  // namespace
@@ -57,32 +80,9 @@ RequestRow::RequestRow(const Request &request, QWidget *input, std::function<QSt
         connect(field, &QLineEdit::returnPressed, button, &QPushButton::click);
 }
 
-void RequestRow::setOutcome(RequestOutcomes::Outcome outcome)
+void RequestRow::setOutcome(Outcome outcome)
 {
-    using Outcome = RequestOutcomes::Outcome;
-    switch (outcome) {
-    case Outcome::None:
-        m_outcome->clear();
-        break;
-    case Outcome::Sent:
-        m_outcome->setText(tr("sent"));
-        break;
-    case Outcome::Pending:
-        m_outcome->setText(tr("pending"));
-        break;
-    case Outcome::Confirmed:
-        m_outcome->setText(tr("confirmed"));
-        break;
-    case Outcome::Refused:
-        m_outcome->setText(tr("refused"));
-        break;
-    case Outcome::Done:
-        m_outcome->setText(tr("done"));
-        break;
-    case Outcome::Wrong:
-        m_outcome->setText(tr("not taken"));
-        break;
-    }
+    m_outcome->setText(outcomeText(outcome));
     // What is not as it was wanted differs by more than its text.
     QFont font = m_outcome->font();
     font.setBold(outcome == Outcome::Pending || outcome == Outcome::Refused || outcome == Outcome::Wrong);

@@ -1,5 +1,9 @@
 #include "ScenarioText.h"
 
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
 qsizetype commentStart(const QString &line)
 {
     bool isQuoted = false;
@@ -16,6 +20,20 @@ qsizetype commentStart(const QString &line)
         isWordStart = !isQuoted && letter.isSpace();
     }
     return line.size();
+}
+
+QString scenarioWords(const QStringList &texts)
+{
+    QStringList words;
+    for (QString word : texts) {
+        const bool needsQuotes =
+            word.isEmpty() || word.startsWith(u'#') || word.contains(u'"') ||
+            std::any_of(word.cbegin(), word.cend(), [](QChar character) { return character.isSpace(); });
+        if (needsQuotes)
+            word = u'"' + word.replace(u'\\', "\\\\"_L1).replace(u'"', "\\\""_L1) + u'"';
+        words.append(word);
+    }
+    return words.join(u' ');
 }
 
 QString commandWord(const QString &line)

@@ -1,6 +1,7 @@
 #include "ValuesDock.h"
 
-#include <QtCore/QRegularExpression>
+#include "ScenarioText.h"
+
 #include <QtGui/QAction>
 #include <QtGui/QClipboard>
 #include <QtGui/QGuiApplication>
@@ -11,20 +12,6 @@
 #include <QtWidgets/QVBoxLayout>
 
 using namespace Qt::StringLiterals;
-
-namespace {
-
-// The text as words of a scenario, which are compared with one blank between them.
-QString asWords(QString text)
-{
-    static const QRegularExpression needsQuotes(u"[\"\\\\#]|^\\s|\\s$|\\s\\s|[^\\S ]"_s);
-    if (!text.contains(needsQuotes))
-        return text;
-    text.replace(u'\\', u"\\\\"_s).replace(u'"', u"\\\""_s);
-    return u'"' + text + u'"';
-}
-
-}  // namespace
 
 ValuesDock::ValuesDock(Engine *engine, QWidget *parent) : QWidget(parent)
 {
@@ -106,8 +93,11 @@ void ValuesDock::copyRows()
         if (!m_table->selectionModel()->isRowSelected(row))
             continue;
         const auto text = [&](int column) { return m_filter.index(row, column).data().toString(); };
-        lines.append(
-            u"expect %1 %2"_s.arg(text(ValuesModel::Name), asWords(text(ValuesModel::Value))).trimmed());
+        QStringList words{u"expect"_s, text(ValuesModel::Name)};
+        // They are compared with one blank between them.
+        if (const QString value = text(ValuesModel::Value); !value.isEmpty())
+            words += value.split(u' ');
+        lines.append(scenarioWords(words));
     }
     if (!lines.isEmpty())
         QGuiApplication::clipboard()->setText(lines.join(u'\n') + u'\n');
