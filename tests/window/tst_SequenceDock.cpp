@@ -102,8 +102,7 @@ struct Shown
         QVERIFY(message->isVisible());
     }
 
-    Engine engine;
-    SequenceDock dock{&engine};
+    SequenceDock dock;
     SequenceView *view = nullptr;
     QWidget *picture = nullptr;
     QLabel *message = nullptr;

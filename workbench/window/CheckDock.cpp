@@ -27,9 +27,9 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// Of the filter; the verdicts follow.
-constexpr int allRow = 0;
-constexpr int notPassedRow = 1;
+// Of the rows of the filter.
+constexpr int hiddenRole = Qt::UserRole;  // the verdicts that are not shown
+constexpr int nameRole = Qt::UserRole + 1;
 
 // Of the tree and of the details.
 constexpr int treeShare = 2;
@@ -173,36 +173,35 @@ void CheckDock::resizeEvent(QResizeEvent *event)
 
 void CheckDock::fillFilter()
 {
-    m_filter->addItem(QString());
-    m_filter->addItem(QString());
+    const auto add = [this](const QString &name, const QStringList &hidden) {
+        m_filter->addItem(QString(), hidden);
+        m_filter->setItemData(m_filter->count() - 1, name, nameRole);
+    };
+    QStringList words;
     const QList<Verdict> verdicts = allVerdicts();
     for (const Verdict verdict : verdicts)
-        m_filter->addItem(QString(), wordOf(verdict));
-    connect(m_filter, &QComboBox::currentIndexChanged, this, &CheckDock::applyFilter);
+        words.append(wordOf(verdict));
+    add(tr("all verdicts"), {});
+    add(tr("all but pass"), {wordOf(Verdict::Pass)});
+    for (const QString &word : std::as_const(words)) {
+        QStringList others = words;
+        others.removeAll(word);
+        add(word, others);
+    }
+    connect(m_filter, &QComboBox::currentIndexChanged, this,
+            [this] { m_tree->hideVerdicts(m_filter->currentData(hiddenRole).toStringList()); });
     noteCounts();
 }
 
 void CheckDock::noteCounts()
 {
-    const int all = m_tree->scenarioCount();
-    m_filter->setItemText(allRow, tr("all verdicts (%1)").arg(all));
-    m_filter->setItemText(notPassedRow,
-                          tr("all but pass (%1)").arg(all - m_tree->count(wordOf(Verdict::Pass))));
-    for (int row = notPassedRow + 1; row < m_filter->count(); ++row) {
-        const QString word = m_filter->itemData(row).toString();
-        m_filter->setItemText(row, u"%1 (%2)"_s.arg(word).arg(m_tree->count(word)));
+    for (int row = 0; row < m_filter->count(); ++row) {
+        int shown = m_tree->scenarioCount();
+        const QStringList hidden = m_filter->itemData(row, hiddenRole).toStringList();
+        for (const QString &verdict : hidden)
+            shown -= m_tree->count(verdict);
+        m_filter->setItemText(row, u"%1 (%2)"_s.arg(m_filter->itemData(row, nameRole).toString()).arg(shown));
     }
-}
-
-void CheckDock::applyFilter(int row)
-{
-    using Filter = CheckTree::Filter;
-    if (row == allRow)
-        m_tree->setFilter(Filter::All);
-    else if (row == notPassedRow)
-        m_tree->setFilter(Filter::NotPassed);
-    else
-        m_tree->setFilter(Filter::OneVerdict, m_filter->itemData(row).toString());
 }
 
 void CheckDock::start()

@@ -36,7 +36,6 @@ private:
     QWidget *makeActions();
     void fillFilter();
     void noteCounts();
-    void applyFilter(int row);
     void start();
     void cancel();
     void notePlan(int scenarios);

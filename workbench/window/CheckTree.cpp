@@ -108,7 +108,7 @@ void CheckTree::show(QTreeWidgetItem *item)
     item->setToolTip(NameColumn, name);
     item->setText(VerdictColumn, verdictOf(item));
     setColor(item);
-    item->setHidden(!isShown(verdictOf(item)));
+    item->setHidden(m_hiddenVerdicts.contains(verdictOf(item)));
     noteCounts(feature);
     if (wentWrong(verdictOf(item)))
         feature->setExpanded(true);
@@ -126,27 +126,13 @@ void CheckTree::noteCounts(QTreeWidgetItem *feature)
     feature->setHidden(!isAnyShown);
 }
 
-void CheckTree::setFilter(Filter filter, const QString &verdict)
+void CheckTree::hideVerdicts(const QStringList &verdicts)
 {
-    m_filter = filter;
-    m_wantedVerdict = verdict;
+    m_hiddenVerdicts = verdicts;
     for (QTreeWidgetItem *const item : std::as_const(m_scenarios))
-        item->setHidden(!isShown(verdictOf(item)));
+        item->setHidden(m_hiddenVerdicts.contains(verdictOf(item)));
     for (QTreeWidgetItem *const feature : std::as_const(m_features))
         noteCounts(feature);
-}
-
-bool CheckTree::isShown(const QString &verdict) const
-{
-    switch (m_filter) {
-    case Filter::All:
-        return true;
-    case Filter::NotPassed:
-        return verdict != wordOf(Verdict::Pass);
-    case Filter::OneVerdict:
-        return verdict == m_wantedVerdict;
-    }
-    return true;
 }
 
 void CheckTree::selectFirstFailure()

@@ -9,17 +9,14 @@ class CheckTree : public QTreeWidget
     Q_OBJECT
 
 public:
-    /// Which scenarios are shown.
-    enum class Filter { All, NotPassed, OneVerdict };
-
     explicit CheckTree(QWidget *parent = nullptr);
 
     void removeAll();
     void addVerdict(const QString &scenario, const QString &verdict);
     /// Completes what addVerdict() knows.
     void setReport(const QJsonObject &report);
-    /// verdict: with OneVerdict.
-    void setFilter(Filter filter, const QString &verdict = {});
+    /// Scenarios with these verdicts are not shown.
+    void hideVerdicts(const QStringList &verdicts);
     /// Selects the first scenario that went wrong, if there is one.
     void selectFirstFailure();
 
@@ -41,12 +38,10 @@ private:
     QTreeWidgetItem *featureItem(const QString &name);
     void show(QTreeWidgetItem *item);
     void noteCounts(QTreeWidgetItem *feature);
-    bool isShown(const QString &verdict) const;
     void setColor(QTreeWidgetItem *item) const;
 
     QHash<QString, QTreeWidgetItem *> m_features;
     QHash<QString, QTreeWidgetItem *> m_scenarios;
     QHash<QString, int> m_counts;  // by verdict
-    Filter m_filter = Filter::All;
-    QString m_wantedVerdict;
+    QStringList m_hiddenVerdicts;
 };

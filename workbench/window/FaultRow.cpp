@@ -44,7 +44,9 @@ FaultRow::FaultRow(const QString &operation, QGridLayout *grid, QObject *parent)
     m_inForce->setObjectName(u"faultInForce_"_s + operation);
     m_problem->setObjectName(u"faultProblem_"_s + operation);
 
-    fillEffects();
+    // The words of the line, in every language.
+    for (const EffectWord &effect : effectWords)
+        m_effect->addItem(QLatin1StringView(effect.word));
     constexpr int mostTimes = 99999;
     m_times->setRange(always, mostTimes);
     m_times->setSpecialValueText(tr("always"));
@@ -69,13 +71,6 @@ FaultRow::FaultRow(const QString &operation, QGridLayout *grid, QObject *parent)
     connect(m_set, &QToolButton::clicked, this, [this] { Q_EMIT lineEntered(line()); });
     connect(m_value, &QLineEdit::returnPressed, m_set, &QToolButton::click);
     noteEffect();
-}
-
-void FaultRow::fillEffects()
-{
-    // The words of the line, in every language.
-    for (const EffectWord &effect : effectWords)
-        m_effect->addItem(QLatin1StringView(effect.word));
 }
 
 void FaultRow::noteEffect()

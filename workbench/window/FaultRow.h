@@ -30,7 +30,6 @@ Q_SIGNALS:
 
 private:
     QWidget *parentWidget() const { return m_effect->parentWidget(); }
-    void fillEffects();
     void noteEffect();
     QString line() const;
 

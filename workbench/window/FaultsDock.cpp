@@ -1,5 +1,7 @@
 #include "FaultsDock.h"
 
+#include "DeviceState.h"
+
 #include <QtWidgets/QScrollArea>
 #include <QtWidgets/QVBoxLayout>
 
@@ -60,14 +62,14 @@ QWidget *FaultsDock::makeRows()
 void FaultsDock::showState(const QJsonObject &state)
 {
     addRows(state.value("operations"_L1).toArray());
-    const QString current = state.value("current"_L1).toVariant().toString();
+    const QString current = DeviceState::currentId(state);
     QMap<QString, QStringList> inForce;
     const QJsonArray faults = state.value("faults"_L1).toArray();
     for (const auto item : faults) {
         const QJsonObject fault = item.toObject();
         const QString operation = fault["operation"_L1].toString();
         const QString text = fault["text"_L1].toString().mid(operation.size()).trimmed();
-        const QString device = fault["device"_L1].toVariant().toString();
+        const QString device = fault["device"_L1].toString();
         inForce[operation].append(
             device.isEmpty() || device == current ? text : tr("%1 for device %2").arg(text, device));
     }

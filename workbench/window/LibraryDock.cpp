@@ -9,6 +9,21 @@
 
 using namespace Qt::StringLiterals;
 
+namespace {
+
+QWidget *besideEachOther(QWidget *wide, const QList<QWidget *> &others)
+{
+    auto *const row = new QWidget(wide->parentWidget());
+    auto *const layout = new QHBoxLayout(row);
+    layout->setContentsMargins({});
+    layout->addWidget(wide, 1);
+    for (QWidget *other : others)
+        layout->addWidget(other);
+    return row;
+}
+
+}  // namespace
+
 LibraryDock::LibraryDock(Engine *engine, QWidget *parent) : QWidget(parent), m_engine(engine)
 {
     m_verdict->setObjectName(u"libraryVerdict"_s);
@@ -46,20 +61,16 @@ QWidget *LibraryDock::makePathRow()
     m_path->setPlaceholderText(tr("Path of a library"));
     connect(m_path, &QLineEdit::returnPressed, this, &LibraryDock::open);
 
-    auto *const row = new QWidget(this);
-    auto *const layout = new QHBoxLayout(row);
-    layout->setContentsMargins({});
-    layout->addWidget(m_path, 1);
-    const auto addButton = [&](const QString &name, const QString &text, auto slot) {
-        auto *const button = new QPushButton(text, row);
+    const auto makeButton = [&](const QString &name, const QString &text, auto slot) {
+        auto *const button = new QPushButton(text);
         button->setObjectName(name);
         connect(button, &QPushButton::clicked, this, slot);
-        layout->addWidget(button);
+        return button;
     };
-    addButton(u"libraryChoose"_s, tr("Choose…"), &LibraryDock::chooseFile);
-    addButton(u"libraryInspect"_s, tr("Inspect"), [this] { inspect(m_path->text()); });
-    addButton(u"libraryOpen"_s, tr("Open"), &LibraryDock::open);
-    return row;
+    return besideEachOther(
+        m_path, {makeButton(u"libraryChoose"_s, tr("Choose…"), &LibraryDock::chooseFile),
+                 makeButton(u"libraryInspect"_s, tr("Inspect"), [this] { inspect(m_path->text()); }),
+                 makeButton(u"libraryOpen"_s, tr("Open"), &LibraryDock::open)});
 }
 
 QWidget *LibraryDock::makeReloadRow()
@@ -70,14 +81,7 @@ QWidget *LibraryDock::makeReloadRow()
     m_reload->setToolTip(tr("Starts a fresh process with the library as it is now"));
     connect(m_reload, &QPushButton::clicked, this, &LibraryDock::reload);
     m_reloadsItself->setObjectName(u"libraryReloadsItself"_s);
-
-    auto *const row = new QWidget(this);
-    auto *const layout = new QHBoxLayout(row);
-    layout->setContentsMargins({});
-    layout->addWidget(m_change, 1);
-    layout->addWidget(m_reloadsItself);
-    layout->addWidget(m_reload);
-    return row;
+    return besideEachOther(m_change, {m_reloadsItself, m_reload});
 }
 
 QWidget *LibraryDock::makeLoadRow()
@@ -90,14 +94,7 @@ QWidget *LibraryDock::makeLoadRow()
     m_load->setObjectName(u"libraryLoad"_s);
     m_load->setToolTip(tr("Loads the library again in the same process"));
     connect(m_load, &QPushButton::clicked, this, [this] { m_engine->send(u"load"_s); });
-
-    auto *const row = new QWidget(this);
-    auto *const layout = new QHBoxLayout(row);
-    layout->setContentsMargins({});
-    layout->addWidget(m_residence, 1);
-    layout->addWidget(m_unload);
-    layout->addWidget(m_load);
-    return row;
+    return besideEachOther(m_residence, {m_unload, m_load});
 }
 
 void LibraryDock::chooseFile()

@@ -19,6 +19,9 @@ class LibraryDock : public QWidget
 public:
     explicit LibraryDock(Engine *engine, QWidget *parent = nullptr);
 
+    /// Asks for a file and opens it.
+    void chooseFile();
+
 Q_SIGNALS:
     /// The child is to start again with this file.
     void libraryWanted(const QString &file);
@@ -27,7 +30,6 @@ private:
     QWidget *makePathRow();
     QWidget *makeReloadRow();
     QWidget *makeLoadRow();
-    void chooseFile();
     void open();
     void inspect(const QString &file);
     void showInspection(const QString &file, const KvxAnswer &answer);

@@ -35,12 +35,6 @@ void LibraryWatch::watch(const QString &file)
     acceptChange();
 }
 
-bool LibraryWatch::hasChanged() const
-{
-    const Stamp now = stamp();
-    return now.time.isValid() && (now.time != m_known.time || now.size != m_known.size);
-}
-
 LibraryWatch::Stamp LibraryWatch::stamp() const
 {
     const QFileInfo file(m_file);
@@ -53,6 +47,7 @@ void LibraryWatch::look()
     // missed.
     if (QFileInfo::exists(m_file))
         m_watcher.addPath(m_file);
-    if (hasChanged() || !QFileInfo::exists(m_file))
+    const Stamp now = stamp();
+    if (!now.time.isValid() || now.time != m_known.time || now.size != m_known.size)
         Q_EMIT changed();
 }

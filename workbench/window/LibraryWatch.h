@@ -14,8 +14,6 @@ public:
 
     /// Instead of the last one, from its present contents on; empty for none.
     void watch(const QString &file);
-    /// Whether the file is there and not the one of watch() or of the last acceptChange() any more.
-    bool hasChanged() const;
     /// What is there now is known.
     void acceptChange() { m_known = stamp(); }
     /// Emits changed() again after a moment: the file was not whole, and what completes it may come unnoticed.

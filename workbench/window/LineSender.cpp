@@ -1,6 +1,7 @@
 #include "LineSender.h"
 
 #include <QtWidgets/QLabel>
+#include <QtWidgets/QPushButton>
 
 using namespace Qt::StringLiterals;
 
@@ -24,6 +25,14 @@ int LineSender::send(const QString &line)
         return 0;
     m_numbers.insert(number);
     return number;
+}
+
+QPushButton *LineSender::makeButton(const QString &text, const QString &objectName, const QString &line)
+{
+    auto *button = new QPushButton(text);
+    button->setObjectName(objectName);
+    connect(button, &QPushButton::clicked, this, [this, line] { send(line); });
+    return button;
 }
 
 void LineSender::takeAnswer(const Answer &answer)

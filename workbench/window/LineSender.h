@@ -6,6 +6,7 @@
 #include <QtCore/QSet>
 
 class QLabel;
+class QPushButton;
 
 /// Sends the lines of one dock and answers which of the child's answers belong to them.
 class LineSender : public QObject
@@ -19,6 +20,8 @@ public:
 
     /// Returns the line's number; 0 when there is no child to send it to.
     int send(const QString &line);
+    /// A button that sends the line.
+    QPushButton *makeButton(const QString &text, const QString &objectName, const QString &line);
 
 Q_SIGNALS:
     /// To one of these lines.

@@ -77,7 +77,6 @@ private:
     void makeSessionMenu();
     void makeViewMenu();
     void makeHelpMenu();
-    void askForLibrary();
     void askForWrapper();
     void showCommands();
     void showAbout();

@@ -56,7 +56,7 @@ void MainWindow::makeDocks()
     setDockNestingEnabled(true);
     m_scenario = new ScenarioDock(&m_engine, &m_transcript);
     m_timeline = new TimelineDock(&m_engine);
-    m_sequence = new SequenceDock(&m_engine);
+    m_sequence = new SequenceDock;
     m_check = new CheckDock(&m_engine);
     m_library = new LibraryDock(&m_engine);
     addDock(new MiceDock(&m_engine), u"mice"_s, tr("Mice"));
@@ -106,10 +106,10 @@ void MainWindow::placeDocks()
         splitDockWidget(dock("mouse"), dock("mice"), Qt::Vertical);
     addDockWidget(Qt::RightDockWidgetArea, dock("requests"));
     splitDockWidget(dock("requests"), dock("timeline"), Qt::Vertical);
-    if (!isNarrow)
-        splitDockWidget(dock("requests"), dock("values"), Qt::Horizontal);
     if (isNarrow)
         tabifyDockWidget(dock("requests"), dock("values"));
+    else
+        splitDockWidget(dock("requests"), dock("values"), Qt::Horizontal);
     for (const char *name : {"faults", "scenario", "sequence", "check", "library"})
         tabifyDockWidget(dock(isNarrow ? "requests" : "values"), dock(name));
     for (QDockWidget *widget : std::as_const(m_docks))

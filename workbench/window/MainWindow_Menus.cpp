@@ -6,9 +6,7 @@
 #include "ScenarioDock.h"
 #include "TextWindow.h"
 
-#include <QtCore/QFileInfo>
 #include <QtWidgets/QDockWidget>
-#include <QtWidgets/QFileDialog>
 #include <QtWidgets/QInputDialog>
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QMenuBar>
@@ -63,7 +61,7 @@ void MainWindow::makeFileMenu()
     QMenu *menu = menuBar()->addMenu(tr("&File"));
     m_scenario->addFileActions(menu);
     menu->addSeparator();
-    QAction *library = menu->addAction(tr("Open &Library..."), this, &MainWindow::askForLibrary);
+    QAction *library = menu->addAction(tr("Open &Library..."), m_library, &LibraryDock::chooseFile);
     library->setObjectName("openLibrary"_L1);
     library->setShortcut(Qt::CTRL | Qt::Key_L);
     m_recent = new RecentFiles(&m_settings, menu);
@@ -121,16 +119,6 @@ void MainWindow::makeHelpMenu()
     QAction *about = menu->addAction(tr("&About"), this, &MainWindow::showAbout);
     about->setObjectName("showAbout"_L1);
     about->setMenuRole(QAction::AboutRole);
-}
-
-void MainWindow::askForLibrary()
-{
-    auto *dialog = new QFileDialog(this, tr("Open Library"), QFileInfo(m_engine.setup().pluginFile).path(),
-                                   tr("Libraries (*.so *.dll);;All files (*)"));
-    dialog->setFileMode(QFileDialog::ExistingFile);
-    dialog->setAttribute(Qt::WA_DeleteOnClose);
-    connect(dialog, &QFileDialog::fileSelected, this, &MainWindow::openLibrary);
-    dialog->open();
 }
 
 void MainWindow::askForWrapper()

@@ -70,27 +70,20 @@ QWidget *MiceDock::makeList()
     m_list->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
     connect(m_list, &QTreeWidget::currentItemChanged, this, &MiceDock::useSelected);
 
-    auto *buttons = new QHBoxLayout;
-    buttons->addWidget(makeButton(tr("Start"), u"miceStart"_s, u"start"_s));
-    buttons->addWidget(makeButton(tr("Stop"), u"miceStop"_s, u"stop"_s));
-    buttons->addWidget(makeButton(tr("Remove"), u"miceRemove"_s, u"remove"_s));
+    m_actions = new QWidget;
+    auto *buttons = new QHBoxLayout(m_actions);
+    buttons->setContentsMargins({});
+    buttons->addWidget(m_sender->makeButton(tr("Start"), u"miceStart"_s, u"start"_s));
+    buttons->addWidget(m_sender->makeButton(tr("Stop"), u"miceStop"_s, u"stop"_s));
+    buttons->addWidget(m_sender->makeButton(tr("Remove"), u"miceRemove"_s, u"remove"_s));
     buttons->addStretch();
 
     auto *widget = new QWidget;
     auto *layout = new QVBoxLayout(widget);
     layout->setContentsMargins({});
     layout->addWidget(m_list);
-    layout->addLayout(buttons);
+    layout->addWidget(m_actions);
     return widget;
-}
-
-QPushButton *MiceDock::makeButton(const QString &text, const QString &name, const QString &line)
-{
-    auto *button = new QPushButton(text);
-    button->setObjectName(name);
-    connect(button, &QPushButton::clicked, this, [this, line] { m_sender->send(line); });
-    m_buttons.append(button);
-    return button;
 }
 
 QWidget *MiceDock::makeForm()
@@ -159,9 +152,7 @@ void MiceDock::showState(const QJsonObject &state)
     showDevices(state);
     if (!m_id->isModified())
         m_id->setText(freeId());
-    const bool hasDevice = !DeviceState::currentId(state).isEmpty();
-    for (QPushButton *button : std::as_const(m_buttons))
-        button->setEnabled(hasDevice);
+    m_actions->setEnabled(!DeviceState::currentId(state).isEmpty());
     adjustForm();
 }
 

@@ -22,7 +22,6 @@ public:
 private:
     QWidget *makeList();
     QWidget *makeForm();
-    QPushButton *makeButton(const QString &text, const QString &name, const QString &line);
     void add();
     void useSelected(const QTreeWidgetItem *item);
     void showState(const QJsonObject &state);
@@ -33,7 +32,7 @@ private:
 
     Engine *m_engine;
     QTreeWidget *m_list;
-    QList<QPushButton *> m_buttons;  // that act on the current device
+    QWidget *m_actions;  // of the current device
     QLineEdit *m_id;
     QComboBox *m_kind;
     QLineEdit *m_fields;

@@ -35,7 +35,7 @@ QString MouseDock::statusText(const QJsonObject &device, const MouseStatus &mous
 }
 
 MouseDock::MouseDock(Engine *engine, QWidget *parent)
-    : QWidget(parent), m_engine(engine), m_view(new MouseView), m_status(new QLabel), m_ctrl(new QLabel)
+    : QWidget(parent), m_view(new MouseView), m_status(new QLabel), m_ctrl(new QLabel)
 {
     auto *message = new QLabel;
     message->setObjectName(u"mouseMessage"_s);
@@ -69,37 +69,27 @@ QWidget *MouseDock::makeActions()
     m_battery->setObjectName(u"mouseBattery"_s);
     m_battery->setAccessibleName(tr("Battery"));
     m_battery->setRange(0, fullBattery);
-    m_percent = new QSpinBox;
-    m_percent->setObjectName(u"mousePercent"_s);
-    m_percent->setAccessibleName(tr("Percent to take from the battery; negative charges it"));
-    m_percent->setToolTip(m_percent->accessibleName());
-    m_percent->setRange(-fullBattery, fullBattery);
-    m_percent->setValue(10);
-    m_percent->setSuffix(tr(" %"));
-    QPushButton *sleep = makeButton(tr("Sleep"), u"mouseSleep"_s);
-    QPushButton *wake = makeButton(tr("Wake"), u"mouseWake"_s);
-    QPushButton *drain = makeButton(tr("Drain"), u"mouseDrain"_s);
-    connect(sleep, &QPushButton::clicked, this, [this] { m_sender->send(u"sleep"_s); });
-    connect(wake, &QPushButton::clicked, this, [this] { m_sender->send(u"wake"_s); });
+    auto *percent = new QSpinBox;
+    percent->setObjectName(u"mousePercent"_s);
+    percent->setAccessibleName(tr("Percent to take from the battery; negative charges it"));
+    percent->setToolTip(percent->accessibleName());
+    percent->setRange(-fullBattery, fullBattery);
+    percent->setValue(10);
+    percent->setSuffix(tr(" %"));
+    auto *drain = new QPushButton(tr("Drain"));
+    drain->setObjectName(u"mouseDrain"_s);
     connect(drain, &QPushButton::clicked, this,
-            [this] { m_sender->send(u"drain "_s + QString::number(m_percent->value())); });
+            [this, percent] { m_sender->send(u"drain "_s + QString::number(percent->value())); });
 
     m_actions = new QWidget;
     auto *layout = new QHBoxLayout(m_actions);
     layout->setContentsMargins({});
-    layout->addWidget(sleep);
-    layout->addWidget(wake);
+    layout->addWidget(m_sender->makeButton(tr("Sleep"), u"mouseSleep"_s, u"sleep"_s));
+    layout->addWidget(m_sender->makeButton(tr("Wake"), u"mouseWake"_s, u"wake"_s));
     layout->addWidget(m_battery, 1);
-    layout->addWidget(m_percent);
+    layout->addWidget(percent);
     layout->addWidget(drain);
     return m_actions;
-}
-
-QPushButton *MouseDock::makeButton(const QString &text, const QString &name)
-{
-    auto *button = new QPushButton(text);
-    button->setObjectName(name);
-    return button;
 }
 
 void MouseDock::showState(const QJsonObject &state)

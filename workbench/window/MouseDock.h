@@ -8,8 +8,6 @@
 class MouseView;
 class QLabel;
 class QProgressBar;
-class QPushButton;
-class QSpinBox;
 
 /// The current device's mouse: drawn, pressed, sent to sleep and drained, and the Ctrl key that the host sees.
 class MouseDock : public QWidget
@@ -21,20 +19,17 @@ public:
 
 private:
     QWidget *makeActions();
-    QPushButton *makeButton(const QString &text, const QString &name);
     static QString statusText(const QJsonObject &device, const MouseStatus &mouse);
     void showState(const QJsonObject &state);
     void showCtrl(const QList<Entry> &entries);
     void showCtrl();
     void forget();
 
-    Engine *m_engine;
     MouseView *m_view;
     QLabel *m_status;
     QLabel *m_ctrl;
     QProgressBar *m_battery;
     QWidget *m_actions;
-    QSpinBox *m_percent;
     LineSender *m_sender;
     bool m_isCtrlPressed = false;
     int m_ctrlPresses = 0;  // since the child's start

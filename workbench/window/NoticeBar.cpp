@@ -73,8 +73,8 @@ void NoticeBar::showEnd(const EngineEnd &end)
 {
     m_saysSilence = false;
     m_stop->hide();
-    const bool isTold = end.kind == EngineEnd::Kind::Unloadable || end.kind == EngineEnd::Kind::NotStarted;
-    say(tr("%1 The timeline is kept.").arg(endText(end)), isTold ? QString() : end.errorText);
+    const bool isInText = end.kind == EngineEnd::Kind::Unloadable || end.kind == EngineEnd::Kind::NotStarted;
+    say(tr("%1 The timeline is kept.").arg(endText(end)), isInText ? QString() : end.errorText);
 }
 
 void NoticeBar::showSilence()

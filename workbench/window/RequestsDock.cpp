@@ -65,8 +65,7 @@ void setItems(QComboBox &choice, const QStringList &items)
 
 }  // namespace
 
-RequestsDock::RequestsDock(Engine *engine, QWidget *parent)
-    : QWidget(parent), m_engine(engine), m_layout(new QVBoxLayout(this))
+RequestsDock::RequestsDock(Engine *engine, QWidget *parent) : QWidget(parent), m_layout(new QVBoxLayout(this))
 {
     auto *message = new QLabel;
     message->setObjectName(u"requestsMessage"_s);

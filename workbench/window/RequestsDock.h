@@ -28,7 +28,6 @@ private:
     void showDiversion(const QJsonObject &device, bool isOther);
     void showOutcomes();
 
-    Engine *m_engine;
     RequestOutcomes *m_outcomes;
     QVBoxLayout *m_layout;
     QList<RequestRow *> m_rows;

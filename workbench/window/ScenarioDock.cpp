@@ -62,7 +62,6 @@ QString problemText(qsizetype line, const Answer &answer)
 
 ScenarioDock::ScenarioDock(Engine *engine, const Transcript *transcript, QWidget *parent)
     : QWidget(parent),
-      m_engine(engine),
       m_transcript(transcript),
       m_player(engine),
       m_library(new ScenarioLibrary(engine, this))
@@ -215,7 +214,7 @@ void ScenarioDock::showText(const QString &title, const QString &path, const QSt
     m_title = title;
     m_path = path;
     m_editor->replaceText(text);
-    m_editor->document()->setModified(false);
+    forgetChanges();
     m_tabs->setCurrentWidget(m_editor);
     say({});
     showTitle();
@@ -327,7 +326,7 @@ void ScenarioDock::write(const QString &path, const std::function<void()> &then)
     }
     m_path = path;
     m_title = QFileInfo(path).fileName();
-    m_editor->document()->setModified(false);
+    forgetChanges();
     say({});
     showTitle();
     Q_EMIT fileUsed(m_path);

@@ -57,7 +57,6 @@ private:
     void takeTranscript();
     void insertHead();
 
-    Engine *m_engine;
     const Transcript *m_transcript;
     ScenarioPlayer m_player;
     ScenarioLibrary *m_library;

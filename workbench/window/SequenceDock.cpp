@@ -44,7 +44,7 @@ QLabel *emptyText(QWidget *parent)
 
 }  // namespace
 
-SequenceDock::SequenceDock(Engine * /*engine*/, QWidget *parent)
+SequenceDock::SequenceDock(QWidget *parent)
     : QWidget(parent),
       m_pages(new QStackedWidget(this)),
       m_view(new SequenceView(this)),
@@ -135,8 +135,7 @@ void SequenceDock::chooseFile()
 
 void SequenceDock::exportTo(const QString &file)
 {
-    const std::optional<QString> reason = writeSequence(exportedSvg(), file);
-    say(reason ? tr("%1 cannot be written: %2").arg(file, *reason) : tr("Saved as %1").arg(file));
+    say(writeSequence(exportedSvg(), file).value_or(tr("Saved as %1").arg(file)));
 }
 
 void SequenceDock::copy()

@@ -5,7 +5,6 @@
 
 #include <QtWidgets/QWidget>
 
-class Engine;
 class QLabel;
 class QStackedWidget;
 class QToolBar;
@@ -17,7 +16,7 @@ class SequenceDock : public QWidget
     Q_OBJECT
 
 public:
-    explicit SequenceDock(Engine *engine, QWidget *parent = nullptr);
+    explicit SequenceDock(QWidget *parent = nullptr);
 
 public Q_SLOTS:
     void showEntries(const QList<Entry> &entries);

@@ -1,7 +1,9 @@
 #include "SequenceExport.h"
 
+#include "ReportFile.h"
+
+#include <QtCore/QBuffer>
 #include <QtCore/QCoreApplication>
-#include <QtCore/QSaveFile>
 #include <QtGui/QPainter>
 #include <QtSvg/QSvgRenderer>
 
@@ -39,17 +41,12 @@ QImage sequenceImage(const QByteArray &svg)
 
 std::optional<QString> writeSequence(const QByteArray &svg, const QString &file)
 {
-    QSaveFile saved(file);
-    if (!saved.open(QIODevice::WriteOnly))
-        return saved.errorString();
-    if (file.endsWith(".png"_L1, Qt::CaseInsensitive)) {
-        const QImage image = sequenceImage(svg);
-        if (image.isNull() || !image.save(&saved, "PNG"))
-            return QCoreApplication::translate("SequenceExport", "the picture is too large");
-    } else {
-        saved.write(svg);
-    }
-    if (!saved.commit())
-        return saved.errorString();
-    return std::nullopt;
+    if (!file.endsWith(".png"_L1, Qt::CaseInsensitive))
+        return writeReportFile(file, svg);
+    QBuffer png;
+    const QImage image = sequenceImage(svg);
+    if (image.isNull() || !image.save(&png, "PNG"))
+        return QCoreApplication::translate("SequenceExport", "%1 cannot be written: the picture is too large")
+            .arg(file);
+    return writeReportFile(file, png.data());
 }

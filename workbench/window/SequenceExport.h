@@ -9,5 +9,6 @@
 /// image when there is no memory for it.
 QImage sequenceImage(const QByteArray &svg);
 
-/// Writes the SVG, as pixels when the file's name ends in ".png". The whole file or nothing; answers why not.
+/// Writes the SVG, as pixels when the file's name ends in ".png". The whole file or nothing; answers why not, in one
+/// sentence.
 std::optional<QString> writeSequence(const QByteArray &svg, const QString &file);

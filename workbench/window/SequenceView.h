@@ -8,7 +8,8 @@
 #include <memory>
 #include <vector>
 
-/// Shows a sequence diagram in any size, with the names of the lifelines always in sight: Ctrl and the wheel, and the keys + and -, zoom; the place under the pointer stays.
+/// Shows a sequence diagram in any size, with the names of the lifelines always in sight: Ctrl and the wheel, and the
+/// keys + and -, zoom; the place under the pointer stays.
 class SequenceView : public QScrollArea
 {
     Q_OBJECT

@@ -1,5 +1,7 @@
 #include "ValuesModel.h"
 
+#include "DeviceState.h"
+
 #include <QtCore/QSet>
 #include <QtGui/QGuiApplication>
 #include <QtGui/QPalette>
@@ -72,14 +74,14 @@ void ValuesModel::noteSignal(Knowledge &known, const QString &device, const Entr
 
 void ValuesModel::setState(const QJsonObject &state)
 {
-    const QString before = std::exchange(m_device, state.value("current"_L1).toVariant().toString());
+    const QString before = std::exchange(m_device, DeviceState::currentId(state));
     if (m_device != before)
         m_flashing = {};
     QSet<QString> present;
     const QJsonArray devices = state.value("devices"_L1).toArray();
     for (const auto item : devices) {
         const QJsonObject device = item.toObject();
-        const QString id = device["id"_L1].toVariant().toString();
+        const QString id = DeviceState::idOf(device);
         present.insert(id);
         setValues(id, device["values"_L1].toObject());
     }
