@@ -111,6 +111,8 @@ private Q_SLOTS:
     void changesDelayTheEnd();
     void helpAndVersions();
     void everyWidgetThatTakesTheKeyboardHasAName();
+    void aScreenReaderReadsTheTextOfALabel();
+    void aTextOfTheLibraryIsPlain();
 
 private:
     QTemporaryDir m_settings;
@@ -438,6 +440,33 @@ void tst_MainWindow::everyWidgetThatTakesTheKeyboardHasAName()
                             widget->objectName());
     }
     QVERIFY2(nameless.isEmpty(), qPrintable(nameless.join(u", "_s)));
+}
+
+void tst_MainWindow::aScreenReaderReadsTheTextOfALabel()
+{
+    ShownWindow shown;
+    QVERIFY(shown.settle());
+    const QList<QLabel *> labels = shown.window.findChildren<QLabel *>();
+    for (QLabel *label : labels) {
+        // The name of an outcome is made with its text.
+        if (label->objectName().isEmpty() || label->objectName().startsWith(u"outcome-"_s))
+            continue;
+        label->setText(label->text() + u"own"_s);
+        const QString read = QAccessible::queryAccessibleInterface(label)->text(QAccessible::Name);
+        QVERIFY2(read.contains(label->text()), qPrintable(label->objectName()));
+    }
+}
+
+// A text with markup must not become another one.
+void tst_MainWindow::aTextOfTheLibraryIsPlain()
+{
+    ShownWindow shown;
+    QVERIFY(shown.settle());
+    for (const char *name :
+         {"checkOutcome", "faultInForce_setReportRate", "faultProblem_setReportRate", "lastAnswer",
+          "libraryResidence", "libraryVerdict", "miceMessage", "mouseMessage", "noticeText",
+          "requestsMessage", "scenarioMessage", "sequenceMessage", "value-setDpiSlotValues"})
+        QVERIFY2(shown.child<QLabel>(name)->textFormat() == Qt::PlainText, name);
 }
 
 QTEST_MAIN(tst_MainWindow)

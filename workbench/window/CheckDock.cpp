@@ -53,8 +53,9 @@ CheckDock::CheckDock(Engine *engine, QWidget *parent) : QWidget(parent), m_engin
     m_progress->setFormat(tr("%v of %m"));
     m_progress->hide();
     layout->addWidget(m_progress);
-    m_outcome = named(new QLabel(tr("Run checks the library that the window has loaded.")), u"checkOutcome"_s,
-                      tr("Outcome of the check"));
+    m_outcome = new QLabel(tr("Run checks the library that the window has loaded."));
+    m_outcome->setObjectName(u"checkOutcome"_s);
+    m_outcome->setAccessibleDescription(tr("Outcome of the check"));
     m_outcome->setWordWrap(true);
     m_outcome->setTextFormat(Qt::PlainText);
     m_outcome->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);

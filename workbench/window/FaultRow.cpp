@@ -54,6 +54,7 @@ FaultRow::FaultRow(const QString &operation, QGridLayout *grid, QObject *parent)
     m_times->setValue(1);
     m_set->setText(tr("Set"));
     for (QLabel *label : {m_inForce, m_problem}) {
+        label->setTextFormat(Qt::PlainText);
         label->setWordWrap(true);
         label->hide();
     }

@@ -16,7 +16,7 @@ FindBar::FindBar(QWidget *parent) : QWidget(parent), m_text(new QLineEdit(this))
     m_text->setPlaceholderText(tr("Find"));
     m_text->setClearButtonEnabled(true);
     m_result->setObjectName(u"findResult"_s);
-    m_result->setAccessibleName(tr("Result of the search"));
+    m_result->setAccessibleDescription(tr("Result of the search"));
 
     auto *layout = new QHBoxLayout(this);
     layout->setContentsMargins({});

@@ -27,6 +27,7 @@ QWidget *besideEachOther(QWidget *wide, const QList<QWidget *> &others)
 LibraryDock::LibraryDock(Engine *engine, QWidget *parent) : QWidget(parent), m_engine(engine)
 {
     m_verdict->setObjectName(u"libraryVerdict"_s);
+    m_verdict->setTextFormat(Qt::PlainText);
     m_verdict->setWordWrap(true);
     m_report->setObjectName(u"libraryReport"_s);
     m_report->setAccessibleName(tr("Inspection of the library"));
@@ -87,6 +88,7 @@ QWidget *LibraryDock::makeReloadRow()
 QWidget *LibraryDock::makeLoadRow()
 {
     m_residence->setObjectName(u"libraryResidence"_s);
+    m_residence->setTextFormat(Qt::PlainText);
     m_residence->setWordWrap(true);
     m_unload->setObjectName(u"libraryUnload"_s);
     m_unload->setToolTip(tr("Unloads the library in the same process, which shows whether it leaves it"));

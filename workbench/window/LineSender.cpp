@@ -8,6 +8,7 @@ using namespace Qt::StringLiterals;
 LineSender::LineSender(Engine *engine, QLabel *message, QObject *parent)
     : QObject(parent), m_engine(engine), m_message(message)
 {
+    m_message->setTextFormat(Qt::PlainText);
     m_message->setWordWrap(true);
     m_message->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     m_message->hide();

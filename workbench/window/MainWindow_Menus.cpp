@@ -33,10 +33,10 @@ void MainWindow::makeBars()
 
     m_status = new QLabel(this);
     m_status->setObjectName("sessionStatus"_L1);
-    m_status->setAccessibleName(tr("Session"));
+    m_status->setAccessibleDescription(tr("Session"));
     m_answer = new QLabel(this);
     m_answer->setObjectName("lastAnswer"_L1);
-    m_answer->setAccessibleName(tr("Last answer"));
+    m_answer->setAccessibleDescription(tr("Last answer"));
     for (QLabel *text : {m_status, m_answer}) {
         text->setTextFormat(Qt::PlainText);
         // A long text must not widen the window.

@@ -28,7 +28,7 @@ NoticeBar::NoticeBar(Engine *engine, SessionWatch *watch, QWidget *parent)
     const int size = style()->pixelMetric(QStyle::PM_SmallIconSize);
     icon->setPixmap(style()->standardIcon(QStyle::SP_MessageBoxWarning).pixmap(size));
     m_text->setObjectName("noticeText"_L1);
-    m_text->setAccessibleName(tr("Notice"));
+    m_text->setAccessibleDescription(tr("Notice"));
     m_text->setTextFormat(Qt::PlainText);
     m_text->setWordWrap(true);
     m_text->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);

@@ -51,6 +51,7 @@ RequestRow::RequestRow(const Request &request, QWidget *input, std::function<QSt
 {
     const QString name = request.command;
     m_value->setObjectName(u"value-"_s + name);
+    m_value->setTextFormat(Qt::PlainText);
     m_outcome->setObjectName(u"outcome-"_s + name);
     auto *button = new QPushButton(request.buttonText);
     button->setObjectName(u"send-"_s + name);

@@ -96,7 +96,7 @@ void ScenarioDock::makeWidgets()
     m_tabs->addTab(m_editor, {});
     m_message = new QLabel(this);
     m_message->setObjectName("scenarioMessage"_L1);
-    m_message->setAccessibleName(tr("What the scenario came to"));
+    m_message->setAccessibleDescription(tr("What the scenario came to"));
     m_message->setTextFormat(Qt::PlainText);
     m_message->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     m_message->setWordWrap(true);

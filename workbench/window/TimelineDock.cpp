@@ -63,7 +63,8 @@ TimelineDock::TimelineDock(Engine *engine, QWidget *parent)
     layout->addLayout(top);
     layout->addWidget(m_table, 1);
     layout->addLayout(bottom);
-    setNames(m_count, u"timelineCount"_s, tr("Number of lines"));
+    m_count->setObjectName(u"timelineCount"_s);
+    m_count->setAccessibleDescription(tr("Number of lines"));
     addTable();
     addActions();
     setSizes();
