@@ -185,6 +185,7 @@ private Q_SLOTS:
     void findBackwards();
     void findWhatIsNotThere();
     void aPauseKeepsLinesWaiting();
+    void aPauseEndsWhenTooManyLinesWait();
     void copyTheSelectedLines();
     void exportAsText();
     void exportAsJsonLines();
@@ -418,6 +419,20 @@ void tst_TimelineDock::aPauseKeepsLinesWaiting()
     QTest::keyClick(pause, Qt::Key_Space);
     QCOMPARE(shown.sequences(), (QStringList{u"1"_s, u"2"_s, u"3"_s, u"4"_s, u"5"_s}));
     QCOMPARE(shown.count(), u"Lines: 5 of 5"_s);
+}
+
+void tst_TimelineDock::aPauseEndsWhenTooManyLinesWait()
+{
+    Shown shown;
+    auto *pause = shown.child<QToolButton>(u"timelinePause"_s);
+    QTest::mouseClick(pause, Qt::LeftButton);
+    shown.dock.addEntries(QList<Entry>(TimelineModel::defaultLimit, entryOf(1, u"log"_s, {})));
+    QVERIFY(pause->isChecked());
+    QCOMPARE(shown.model().entryCount(), 0);
+    shown.dock.addEntries({entryOf(2, u"call"_s, {})});
+    QVERIFY(!pause->isChecked());
+    QVERIFY(shown.model().droppedCount() > 0);
+    QCOMPARE(shown.model().entry(shown.model().rowCount() - 1).sequence, 2);
 }
 
 void tst_TimelineDock::copyTheSelectedLines()

@@ -215,6 +215,9 @@ void TimelineDock::changeEvent(QEvent *event)
 void TimelineDock::addEntries(const QList<Entry> &entries)
 {
     m_waiting += entries;
+    // Memory ends, so a pause does, too.
+    if (m_waiting.size() > TimelineModel::defaultLimit)
+        m_pause->setChecked(false);
     if (!m_pause->isChecked() && !m_pace.isActive())
         m_pace.start();
     else if (m_pause->isChecked())
