@@ -8,39 +8,39 @@
 template <typename Dock>
 struct DockFixture : StartedEngine
 {
-    DockFixture() : dock(&engine), isReady(show()) {}
-
-    bool show()
+    explicit DockFixture(const QStringList &scenario = {},
+                         const QString &library = QStringLiteral(KVX_LIBRARY))
+        : StartedEngine(library), dock(&engine)
     {
         dock.resize(dock.sizeHint());
         dock.show();
         dock.activateWindow();
-        return QTest::qWaitForWindowActive(&dock, limit) && settle();
+        require(QTest::qWaitForWindowActive(&dock, limit), QStringLiteral("the dock has no focus"));
+        require(begin(scenario), QStringLiteral("the child has not taken the lines"));
     }
 
     /// Plays the lines and waits until the dock has the state that follows; takeLines() has nothing of it.
     bool begin(const QStringList &scenario)
     {
         // The answer to an empty line comes behind the state.
-        const bool isPlayed = isReady && play(scenario) && play({QString()});
+        const bool isPlayed = play(scenario) && play({QString()});
         lines.clear();
         return isPlayed;
     }
 
     template <typename Widget = QWidget>
-    Widget *widget(const char *name) const
+    Widget *widget(QAnyStringView name) const
     {
-        auto *found = dock.template findChild<Widget *>(QLatin1StringView(name));
-        if (!found)
-            qFatal("there is no %s", name);
+        auto *found = dock.template findChild<Widget *>(name.toString());
+        require(found != nullptr, QStringLiteral("there is no ") + name.toString());
         return found;
     }
 
     /// With the pointer, in its middle.
-    void click(const char *name) { QTest::mouseClick(widget(name), Qt::LeftButton); }
+    void click(QAnyStringView name) { QTest::mouseClick(widget(name), Qt::LeftButton); }
 
     /// Puts the text where another one is, with the keyboard.
-    void type(const char *name, const QString &text)
+    void type(QAnyStringView name, const QString &text)
     {
         QWidget *field = widget(name);
         field->setFocus();
@@ -58,5 +58,4 @@ struct DockFixture : StartedEngine
     }
 
     Dock dock;
-    bool isReady;
 };

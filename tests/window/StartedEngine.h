@@ -2,6 +2,7 @@
 
 #include "Engine.h"
 
+#include <QtCore/QFile>
 #include <QtTest/QTest>
 
 /// The library with the fault of this name, see tests/broken.
@@ -9,6 +10,20 @@ inline QString brokenLibrary(const QString &name)
 {
     return QStringLiteral(KVX_BROKEN_LIBRARIES "/") + name + u'/' +
            QStringLiteral(KVX_LIBRARY).section(u'/', -1);
+}
+
+/// Nothing when the file cannot be read.
+inline QByteArray contentOf(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+/// Ends the program when a test does not have what it needs.
+inline void require(bool condition, const QString &what)
+{
+    if (!condition)
+        qFatal("%s", qPrintable(what));
 }
 
 /// An engine with a child that hosts the built library, and what came of it.

@@ -1,7 +1,6 @@
 #include "CheckDock.h"
 #include "StartedEngine.h"
 
-#include <QtCore/QFile>
 #include <QtCore/QTemporaryDir>
 #include <QtGui/QClipboard>
 #include <QtGui/QDesktopServices>
@@ -290,9 +289,8 @@ void tst_CheckDock::filterShowsOneVerdict()
 
 void tst_CheckDock::scenarioIsOpened()
 {
-    QFile source(QStringLiteral(KVX_CONTRACT) + u"/load/one-device.kvx"_s);
-    QVERIFY(source.open(QIODevice::ReadOnly | QIODevice::Text));
-    const QString text = QString::fromUtf8(source.readAll());
+    const QString text =
+        QString::fromUtf8(contentOf(QStringLiteral(KVX_CONTRACT) + u"/load/one-device.kvx"_s));
     ShownDock shown;
     QSignalSpy wanted(&shown.dock, &CheckDock::scenarioWanted);
     QVERIFY(!shown.find<QPushButton>("checkOpenScenario")->isEnabled());
@@ -358,9 +356,7 @@ void tst_CheckDock::reportIsSavedAndShown()
     shown.click("checkOpenReport");
     QDesktopServices::unsetUrlHandler(u"file"_s);
     QCOMPARE(m_urls.size(), 1);
-    QFile opened(m_urls.first().toLocalFile());
-    QVERIFY(opened.open(QIODevice::ReadOnly));
-    const QByteArray page = opened.readAll();
+    const QByteArray page = contentOf(m_urls.first().toLocalFile());
     QVERIFY(page.contains("load/one-device"));
 
     const QTemporaryDir folder;
@@ -373,9 +369,7 @@ void tst_CheckDock::reportIsSavedAndShown()
     QVERIFY(waitFor([&] { return accept->isEnabled(); }));
     QTest::mouseClick(accept, Qt::LeftButton);
     QVERIFY(waitFor([&] { return QFile::exists(file); }));
-    QFile saved(file);
-    QVERIFY(saved.open(QIODevice::ReadOnly));
-    QCOMPARE(saved.readAll(), page);
+    QCOMPARE(contentOf(file), page);
     QVERIFY(shown.outcome().contains(file));
 }
 

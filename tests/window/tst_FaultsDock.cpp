@@ -1,3 +1,4 @@
+#include "DockFixture.h"
 #include "Eventually.h"
 #include "FaultsDock.h"
 
@@ -5,35 +6,22 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// The dock with a child, and its parts by name.
-struct ShownDock
+/// The dock and its parts by name.
+struct ShownDock : DockFixture<FaultsDock>
 {
-    ShownDock() { dock.show(); }
-
-    template <typename Widget>
-    Widget *part(const QString &name) const
-    {
-        return dock.findChild<Widget *>(name);
-    }
-    QComboBox *effect(const QString &operation) const
-    {
-        return part<QComboBox>(u"faultEffect_"_s + operation);
-    }
-    QLineEdit *value(const QString &operation) const { return part<QLineEdit>(u"faultValue_"_s + operation); }
-    QSpinBox *times(const QString &operation) const { return part<QSpinBox>(u"faultTimes_"_s + operation); }
-    QToolButton *set(const QString &operation) const { return part<QToolButton>(u"faultSet_"_s + operation); }
+    auto *effect(const QString &operation) const { return widget<QComboBox>(u"faultEffect_"_s + operation); }
+    auto *value(const QString &operation) const { return widget<QLineEdit>(u"faultValue_"_s + operation); }
+    auto *times(const QString &operation) const { return widget<QSpinBox>(u"faultTimes_"_s + operation); }
+    auto *set(const QString &operation) const { return widget(u"faultSet_"_s + operation); }
     /// Empty when none is in force.
     QString inForce(const QString &operation) const
     {
-        const auto *const label = part<QLabel>(u"faultInForce_"_s + operation);
+        const auto *const label = widget<QLabel>(u"faultInForce_"_s + operation);
         return label->isHidden() ? QString() : label->text().section(u"In force: "_s, 1);
     }
-    QString summary() const { return part<QLabel>(u"faultsSummary"_s)->text(); }
-    QLabel *problem(const QString &operation) const { return part<QLabel>(u"faultProblem_"_s + operation); }
-    QPushButton *clear() const { return part<QPushButton>(u"faultsClear"_s); }
-
-    StartedEngine started;
-    FaultsDock dock{&started.engine};
+    QString summary() const { return widget<QLabel>("faultsSummary")->text(); }
+    auto *problem(const QString &operation) const { return widget<QLabel>(u"faultProblem_"_s + operation); }
+    QWidget *clear() const { return widget("faultsClear"); }
 };
 
 const QString rate = u"setReportRate"_s;
@@ -58,38 +46,34 @@ void tst_FaultsDock::thereIsARowForEachOperation()
 {
     ShownDock shown;
     QJsonArray operations;
-    connect(&shown.started.engine, &Engine::stateChanged, &shown.dock, [&](const QJsonObject &state) {
+    connect(&shown.engine, &Engine::stateChanged, &shown.dock, [&](const QJsonObject &state) {
         if (state.contains(u"operations"_s))
             operations = state.value(u"operations"_s).toArray();
     });
-    QVERIFY(shown.started.play({u"mouse 1"_s}));
+    // A fresh child has the same ones.
+    shown.engine.restart();
+    KVX_EVENTUALLY(!operations.isEmpty());
     QVERIFY(operations.size() > 10);
     for (const auto operation : std::as_const(operations)) {
         const QString name = operation.toObject().value(u"name"_s).toString();
-        QVERIFY2(shown.set(name), qUtf8Printable(name));
-        QVERIFY(!shown.effect(name)->accessibleName().isEmpty());
+        QVERIFY2(!shown.effect(name)->accessibleName().isEmpty(), qUtf8Printable(name));
     }
-    QCOMPARE(shown.dock.findChildren<QComboBox *>().size(), operations.size());
-    // A fresh child has the same ones.
-    shown.started.engine.restart();
-    KVX_EVENTUALLY_EQUAL(shown.started.ends.size(), 1);
-    KVX_EVENTUALLY(!shown.started.engine.state().isEmpty());
     QCOMPARE(shown.dock.findChildren<QComboBox *>().size(), operations.size());
 }
 
 void tst_FaultsDock::aFaultIsSetByClicks()
 {
     ShownDock shown;
-    QVERIFY(shown.started.play({u"mouse 1"_s, u"start"_s}));
+    QVERIFY(shown.play({u"mouse 1"_s, u"start"_s}));
     KVX_EVENTUALLY(shown.set(rate)->isEnabled());
     QVERIFY(!shown.clear()->isEnabled());
     QTest::mouseClick(shown.set(rate), Qt::LeftButton);
-    QCOMPARE(shown.started.lines.last(), u"fault setReportRate refuse"_s);
+    QCOMPARE(shown.lines.last(), u"fault setReportRate refuse"_s);
     KVX_EVENTUALLY_EQUAL(shown.inForce(rate), u"refuse times 1"_s);
     QCOMPARE(shown.inForce(u"setDpiSlotValues"_s), QString());
 
-    QVERIFY(shown.started.play({u"setReportRate 250 => refused"_s}));
-    QCOMPARE(shown.started.answers.last().result, u"done"_s);
+    QVERIFY(shown.play({u"setReportRate 250 => refused"_s}));
+    QCOMPARE(shown.answers.last().result, u"done"_s);
     KVX_EVENTUALLY_EQUAL(shown.inForce(rate), QString());
     KVX_EVENTUALLY(!shown.clear()->isEnabled());
 }
@@ -123,7 +107,7 @@ void tst_FaultsDock::eachEffectIsWrittenAsALine()
     QFETCH(const QString, line);
     QFETCH(const QString, inForce);
     ShownDock shown;
-    QVERIFY(shown.started.play({u"mouse 1"_s, u"start"_s}));
+    QVERIFY(shown.play({u"mouse 1"_s, u"start"_s}));
     KVX_EVENTUALLY(shown.set(operation)->isEnabled());
 
     QTest::keyClicks(shown.effect(operation), effect);
@@ -139,7 +123,7 @@ void tst_FaultsDock::eachEffectIsWrittenAsALine()
     else
         QTest::keyClick(shown.value(operation), Qt::Key_Return);
 
-    QCOMPARE(shown.started.lines.last(), line);
+    QCOMPARE(shown.lines.last(), line);
     KVX_EVENTUALLY(shown.inForce(operation).startsWith(inForce.section(u' ', 0, 0)));
     QVERIFY(shown.inForce(operation).endsWith(inForce.section(u' ', 1)));
     QVERIFY(shown.problem(operation)->isHidden());
@@ -148,17 +132,16 @@ void tst_FaultsDock::eachEffectIsWrittenAsALine()
 void tst_FaultsDock::severalAreInForceUntilTheyAreCleared()
 {
     ShownDock shown;
-    QVERIFY(
-        shown.started.play({u"mouse 1"_s, u"fault setReportRate refuse"_s,
-                            u"fault setReportRate drop always"_s, u"fault dpiSlotValuesConfirmed drop"_s}));
+    QVERIFY(shown.play({u"mouse 1"_s, u"fault setReportRate refuse"_s, u"fault setReportRate drop always"_s,
+                        u"fault dpiSlotValuesConfirmed drop"_s}));
     KVX_EVENTUALLY_EQUAL(shown.inForce(rate), u"refuse times 1, drop always"_s);
     KVX_EVENTUALLY_EQUAL(shown.inForce(u"dpiSlotValuesConfirmed"_s), u"drop times 1"_s);
     QCOMPARE(shown.summary(), u"Faults in force: 3"_s);
-    QVERIFY(shown.started.play({u"mouse 2"_s, u"fault setReportRate refuse"_s}));
+    QVERIFY(shown.play({u"mouse 2"_s, u"fault setReportRate refuse"_s}));
     KVX_EVENTUALLY_EQUAL(shown.inForce(rate),
                          u"refuse times 1 for device 1, drop always for device 1, refuse times 1"_s);
     QTest::mouseClick(shown.clear(), Qt::LeftButton);
-    QCOMPARE(shown.started.lines.last(), u"clear-faults"_s);
+    QCOMPARE(shown.lines.last(), u"clear-faults"_s);
     KVX_EVENTUALLY_EQUAL(shown.summary(), u"No fault is in force."_s);
     KVX_EVENTUALLY_EQUAL(shown.inForce(rate), QString());
     QCOMPARE(shown.inForce(u"dpiSlotValuesConfirmed"_s), QString());
@@ -167,14 +150,14 @@ void tst_FaultsDock::severalAreInForceUntilTheyAreCleared()
 void tst_FaultsDock::anUnusableLineIsExplainedInItsRow()
 {
     ShownDock shown;
-    QVERIFY(shown.started.play({u"mouse 1"_s}));
+    QVERIFY(shown.play({u"mouse 1"_s}));
     KVX_EVENTUALLY(shown.set(rate)->isEnabled());
     QTest::keyClicks(shown.effect(rate), u"delay"_s);
     QTest::keyClicks(shown.value(rate), u"soon"_s);
     QTest::mouseClick(shown.set(rate), Qt::LeftButton);
     KVX_EVENTUALLY(shown.problem(rate)->isVisible());
-    QCOMPARE(shown.started.answers.last().result, u"unusable"_s);
-    QVERIFY(shown.problem(rate)->text().endsWith(shown.started.answers.last().message));
+    QCOMPARE(shown.answers.last().result, u"unusable"_s);
+    QVERIFY(shown.problem(rate)->text().endsWith(shown.answers.last().message));
     QVERIFY(shown.problem(rate)->text().contains(u"soon"_s));
     QVERIFY(shown.problem(u"setDpiSlotValues"_s)->isHidden());
     QCOMPARE(shown.inForce(rate), QString());
@@ -188,14 +171,12 @@ void tst_FaultsDock::anUnusableLineIsExplainedInItsRow()
 void tst_FaultsDock::withoutADeviceNothingCanBeSet()
 {
     ShownDock shown;
-    QVERIFY(shown.started.settle());
-    KVX_EVENTUALLY(shown.set(rate));
     QVERIFY(!shown.set(rate)->isEnabled());
-    QVERIFY(shown.started.play({u"mouse 1"_s, u"fault setReportRate refuse"_s}));
+    QVERIFY(shown.play({u"mouse 1"_s, u"fault setReportRate refuse"_s}));
     KVX_EVENTUALLY(shown.set(rate)->isEnabled());
     KVX_EVENTUALLY(shown.clear()->isEnabled());
-    shown.started.engine.stop();
-    KVX_EVENTUALLY_EQUAL(shown.started.ends.size(), 1);
+    shown.engine.stop();
+    KVX_EVENTUALLY_EQUAL(shown.ends.size(), 1);
     QVERIFY(!shown.set(rate)->isEnabled());
     QVERIFY(!shown.clear()->isEnabled());
     QCOMPARE(shown.inForce(rate), QString());

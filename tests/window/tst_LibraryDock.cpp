@@ -1,3 +1,4 @@
+#include "DockFixture.h"
 #include "Eventually.h"
 #include "LibraryDock.h"
 #include "ThisSystem.h"
@@ -19,37 +20,25 @@ QString builtLibrary()
     return QStringLiteral(KVX_LIBRARY);
 }
 
-/// The dock with a child, and its parts by name; as the main window does, it starts a child with the wanted library.
-struct ShownDock
+/// The dock; as the main window does, it starts a child with the wanted library.
+struct ShownDock : DockFixture<LibraryDock>
 {
-    explicit ShownDock(const QString &library = builtLibrary()) : started(library)
+    explicit ShownDock(const QString &library = builtLibrary()) : DockFixture({}, library)
     {
         QObject::connect(&dock, &LibraryDock::libraryWanted, &dock, [this](const QString &file) {
-            started.engine.setSetup({QStringLiteral(KVX_COMMAND), file, {}});
-            started.engine.restart();
+            engine.setSetup({QStringLiteral(KVX_COMMAND), file, {}});
+            engine.restart();
         });
-        dock.show();
     }
 
-    QPushButton *button(const QString &name) const { return dock.findChild<QPushButton *>(name); }
-    QString label(const QString &name) const { return dock.findChild<QLabel *>(name)->text(); }
-    QString verdict() const { return label(u"libraryVerdict"_s); }
-    QString change() const { return label(u"libraryChange"_s); }
-    QString residence() const { return label(u"libraryResidence"_s); }
-    QString report() const { return dock.findChild<QPlainTextEdit *>(u"libraryReport"_s)->toPlainText(); }
-    void typePath(const QString &text) const
-    {
-        path->selectAll();
-        QTest::keyClicks(path, text);
-    }
+    QString verdict() const { return widget<QLabel>("libraryVerdict")->text(); }
+    QString change() const { return widget<QLabel>("libraryChange")->text(); }
+    QString residence() const { return widget<QLabel>("libraryResidence")->text(); }
+    QString report() const { return widget<QPlainTextEdit>("libraryReport")->toPlainText(); }
 
-    StartedEngine started;
-    LibraryDock dock{&started.engine};
     QSignalSpy wanted{&dock, &LibraryDock::libraryWanted};
-    QLineEdit *path = dock.findChild<QLineEdit *>(u"libraryPath"_s);
 };
 
-/// A folder with a library of its own, which can be built again.
 // A copy has the time of the original on Windows.
 bool setTimeToNow(const QString &file)
 {
@@ -58,6 +47,7 @@ bool setTimeToNow(const QString &file)
            open.setFileTime(QDateTime::currentDateTime(), QFileDevice::FileModificationTime);
 }
 
+/// A folder with a library of its own, which can be built again.
 struct Folder
 {
     Folder() { QFile::copy(builtLibrary(), pluginFile); }
@@ -75,12 +65,6 @@ struct Folder
     QString pluginFile = folder.filePath(QFileInfo(builtLibrary()).fileName());
     int builds = 0;
 };
-
-QByteArray contentsOf(const QString &file)
-{
-    QFile open(file);
-    return open.open(QIODevice::ReadOnly) ? open.readAll() : QByteArray();
-}
 
 bool append(const QString &file, const QByteArray &bytes)
 {
@@ -113,8 +97,7 @@ void tst_LibraryDock::theLoadedLibraryIsInspected()
     QVERIFY2(shown.report().contains(QFileInfo(builtLibrary()).canonicalFilePath()),
              qUtf8Printable(shown.report()));
     QVERIFY(shown.report().contains(u"metadata header"_s));
-    QCOMPARE(QDir::fromNativeSeparators(shown.path->text()), builtLibrary());
-    QVERIFY(shown.started.settle());
+    QCOMPARE(QDir::fromNativeSeparators(shown.widget<QLineEdit>("libraryPath")->text()), builtLibrary());
     KVX_EVENTUALLY_EQUAL(shown.residence(), u"The library is in the process."_s);
     QCOMPARE(shown.change(), QString());
 }
@@ -122,20 +105,19 @@ void tst_LibraryDock::theLoadedLibraryIsInspected()
 void tst_LibraryDock::aFileThatIsNoPluginIsRefused()
 {
     ShownDock shown;
-    QVERIFY(shown.started.settle());
     KVX_EVENTUALLY(!shown.report().isEmpty());
     const QTemporaryDir folder;
     const QString file = folder.filePath(u"notes.so"_s);
     QVERIFY(append(file, "no library"));
-    shown.typePath(file);
-    QTest::mouseClick(shown.button(u"libraryInspect"_s), Qt::LeftButton);
+    shown.type("libraryPath", file);
+    shown.click("libraryInspect");
     KVX_EVENTUALLY(shown.verdict().contains(u"notes.so cannot be used (exit code 2)"_s));
     QVERIFY2(shown.report().contains(u"notes.so"_s), qUtf8Printable(shown.report()));
     QVERIFY(shown.wanted.isEmpty());
-    QVERIFY(shown.started.engine.isRunning());
+    QVERIFY(shown.engine.isRunning());
 
-    shown.typePath(u" "_s);
-    QTest::keyClick(shown.path, Qt::Key_Return);
+    shown.type("libraryPath", u" "_s);
+    QTest::keyClick(shown.widget("libraryPath"), Qt::Key_Return);
     QCOMPARE(shown.verdict(), u"There is no path to open."_s);
     QVERIFY(shown.wanted.isEmpty());
 }
@@ -143,17 +125,16 @@ void tst_LibraryDock::aFileThatIsNoPluginIsRefused()
 void tst_LibraryDock::aLibraryIsOpenedByItsPath()
 {
     ShownDock shown;
-    QVERIFY(shown.started.settle());
     const Folder folder;
-    shown.typePath(folder.pluginFile);
-    QTest::keyClick(shown.path, Qt::Key_Return);
+    shown.type("libraryPath", folder.pluginFile);
+    QTest::keyClick(shown.widget("libraryPath"), Qt::Key_Return);
     QCOMPARE(shown.wanted.size(), 1);
     QCOMPARE(shown.wanted.first().first().toString(), folder.pluginFile);
     KVX_EVENTUALLY(shown.report().contains(QFileInfo(folder.pluginFile).canonicalFilePath()));
 
-    KVX_EVENTUALLY(!shown.started.engine.state().isEmpty());
-    shown.typePath(builtLibrary());
-    QTest::mouseClick(shown.button(u"libraryOpen"_s), Qt::LeftButton);
+    KVX_EVENTUALLY(!shown.engine.state().isEmpty());
+    shown.type("libraryPath", builtLibrary());
+    shown.click("libraryOpen");
     QCOMPARE(shown.wanted.size(), 2);
     KVX_EVENTUALLY(shown.report().contains(QFileInfo(builtLibrary()).canonicalFilePath()));
 }
@@ -162,12 +143,10 @@ void tst_LibraryDock::aLibraryIsOpenedByTheDialog()
 {
     ShownDock shown;
     const Folder folder;
-    QVERIFY(shown.started.settle());
     // The dialog begins in the folder of the path.
-    shown.typePath(folder.folder.filePath(u"other"_s));
-    QTest::mouseClick(shown.button(u"libraryChoose"_s), Qt::LeftButton);
-    auto *const dialog = shown.dock.findChild<QFileDialog *>(u"libraryDialog"_s);
-    QVERIFY(dialog);
+    shown.type("libraryPath", folder.folder.filePath(u"other"_s));
+    shown.click("libraryChoose");
+    auto *const dialog = shown.widget<QFileDialog>("libraryDialog");
     auto *const list = dialog->findChild<QListView *>(u"listView"_s);
     QVERIFY(list);
     KVX_EVENTUALLY(list->model()->rowCount(list->rootIndex()) == 1);
@@ -185,17 +164,16 @@ void tst_LibraryDock::aRebuiltLibraryIsOffered()
 {
     Folder folder;
     ShownDock shown(folder.pluginFile);
-    QVERIFY(shown.started.settle());
     KVX_EVENTUALLY(!shown.report().isEmpty());
     QVERIFY(folder.build());
     KVX_EVENTUALLY_EQUAL(shown.change(), u"The file was built again after it was loaded."_s);
     QVERIFY(shown.wanted.isEmpty());
-    QTest::mouseClick(shown.button(u"libraryReload"_s), Qt::LeftButton);
+    shown.click("libraryReload");
     QCOMPARE(shown.wanted.size(), 1);
     QCOMPARE(shown.wanted.first().first().toString(), folder.pluginFile);
     KVX_EVENTUALLY_EQUAL(shown.change(), QString());
     // The one that took its place is watched, too.
-    KVX_EVENTUALLY(shown.started.engine.isRunning());
+    KVX_EVENTUALLY(shown.engine.isRunning());
     KVX_EVENTUALLY(!shown.report().isEmpty());
     QVERIFY(folder.build());
     KVX_EVENTUALLY_EQUAL(shown.change(), u"The file was built again after it was loaded."_s);
@@ -205,14 +183,13 @@ void tst_LibraryDock::aRebuiltLibraryIsReloadedWhenItIsWhole()
 {
     Folder folder;
     ShownDock shown(folder.pluginFile);
-    QVERIFY(shown.started.settle());
     KVX_EVENTUALLY(!shown.report().isEmpty());
-    QTest::mouseClick(shown.dock.findChild<QCheckBox *>(u"libraryReloadsItself"_s), Qt::LeftButton);
-    QVERIFY(shown.dock.findChild<QCheckBox *>(u"libraryReloadsItself"_s)->isChecked());
+    shown.click("libraryReloadsItself");
+    QVERIFY(shown.widget<QCheckBox>("libraryReloadsItself")->isChecked());
 
     QVERIFY(folder.takeAway());
     KVX_EVENTUALLY_EQUAL(shown.change(), u"The file is gone; waiting for another."_s);
-    const QByteArray bytes = contentsOf(builtLibrary());
+    const QByteArray bytes = contentOf(builtLibrary());
     QVERIFY(append(folder.pluginFile, bytes.first(bytes.size() / 2)));
     KVX_EVENTUALLY_EQUAL(shown.change(), u"The file has changed and is not whole yet."_s);
     QVERIFY(shown.wanted.isEmpty());
@@ -225,36 +202,35 @@ void tst_LibraryDock::aRebuiltLibraryIsReloadedWhenItIsWhole()
 void tst_LibraryDock::unloadLeavesNothing()
 {
     ShownDock shown;
-    QVERIFY(shown.started.play({u"mouse 1"_s, u"start"_s}));
-    KVX_EVENTUALLY(shown.button(u"libraryUnload"_s)->isEnabled());
-    QVERIFY(!shown.button(u"libraryLoad"_s)->isEnabled());
-    QTest::mouseClick(shown.button(u"libraryUnload"_s), Qt::LeftButton);
-    QCOMPARE(shown.started.lines.last(), u"unload"_s);
+    QVERIFY(shown.play({u"mouse 1"_s, u"start"_s}));
+    KVX_EVENTUALLY(shown.widget("libraryUnload")->isEnabled());
+    QVERIFY(!shown.widget("libraryLoad")->isEnabled());
+    shown.click("libraryUnload");
+    QCOMPARE(shown.lines.last(), u"unload"_s);
     KVX_EVENTUALLY_EQUAL(shown.residence(), u"Unloaded: nothing of the library is left in the process."_s);
-    QCOMPARE(shown.started.answers.last().result, u"done"_s);
-    KVX_EVENTUALLY(shown.button(u"libraryLoad"_s)->isEnabled());
-    QVERIFY(!shown.button(u"libraryUnload"_s)->isEnabled());
-    QTest::mouseClick(shown.button(u"libraryLoad"_s), Qt::LeftButton);
-    QCOMPARE(shown.started.lines.last(), u"load"_s);
+    QCOMPARE(shown.answers.last().result, u"done"_s);
+    KVX_EVENTUALLY(shown.widget("libraryLoad")->isEnabled());
+    QVERIFY(!shown.widget("libraryUnload")->isEnabled());
+    shown.click("libraryLoad");
+    QCOMPARE(shown.lines.last(), u"load"_s);
     KVX_EVENTUALLY_EQUAL(shown.residence(), u"The library is in the process."_s);
-    KVX_EVENTUALLY(shown.button(u"libraryUnload"_s)->isEnabled());
+    KVX_EVENTUALLY(shown.widget("libraryUnload")->isEnabled());
     QVERIFY(shown.wanted.isEmpty());
 }
 
 void tst_LibraryDock::whatFailsIsReported()
 {
     ShownDock shown;
-    QVERIFY(shown.started.play({u"unload"_s, u"load as a/b"_s}));
-    QCOMPARE(shown.residence(), u"⚠ "_s + shown.started.answers.last().message);
+    QVERIFY(shown.play({u"unload"_s, u"load as a/b"_s}));
+    QCOMPARE(shown.residence(), u"⚠ "_s + shown.answers.last().message);
     QVERIFY(shown.residence().contains(u"a/b"_s));
 
     // A library on Windows has no mark with which it stays.
     if constexpr (!ThisSystem::isWindows) {
         ShownDock staying(QStringLiteral(KVX_BROKEN_LIBRARIES "/library-that-stays-loaded/") +
                           QFileInfo(builtLibrary()).fileName());
-        QVERIFY(staying.started.settle());
-        KVX_EVENTUALLY(staying.button(u"libraryUnload"_s)->isEnabled());
-        QTest::mouseClick(staying.button(u"libraryUnload"_s), Qt::LeftButton);
+        KVX_EVENTUALLY(staying.widget("libraryUnload")->isEnabled());
+        staying.click("libraryUnload");
         KVX_EVENTUALLY_EQUAL(staying.residence(), u"⚠ unload: the library is still in the process"_s);
     }
 }
@@ -262,10 +238,9 @@ void tst_LibraryDock::whatFailsIsReported()
 void tst_LibraryDock::theWrapperRunsTheInspection()
 {
     ShownDock shown;
-    QVERIFY(shown.started.settle());
     KVX_EVENTUALLY(shown.verdict().endsWith(u"is a device plugin."_s));
-    shown.started.engine.setSetup({QStringLiteral(KVX_COMMAND), builtLibrary(), {u"/no/such/wrapper"_s}});
-    QTest::mouseClick(shown.button(u"libraryInspect"_s), Qt::LeftButton);
+    shown.engine.setSetup({QStringLiteral(KVX_COMMAND), builtLibrary(), {u"/no/such/wrapper"_s}});
+    shown.click("libraryInspect");
     KVX_EVENTUALLY(shown.verdict().endsWith(u"was not inspected."_s));
     QVERIFY2(shown.report().startsWith(u"kvx cannot be started: "_s), qUtf8Printable(shown.report()));
 }

@@ -63,7 +63,6 @@ private Q_SLOTS:
 void tst_MiceDock::aMouseIsAddedStartedStoppedAndRemoved()
 {
     Fixture mice;
-    QVERIFY(mice.isReady);
     QVERIFY(!mice.widget("miceStart")->isEnabled());
     mice.click("miceAdd");
     QCOMPARE(mice.takeLines(), QStringList{u"mouse 1"_s});
@@ -84,7 +83,6 @@ void tst_MiceDock::aMouseIsAddedStartedStoppedAndRemoved()
 void tst_MiceDock::fieldsAndReceiverBelongToTheNewMouse()
 {
     Fixture mice;
-    QVERIFY(mice.isReady);
     mice.type("miceId", u"7"_s);
     mice.type("miceFields", u"batteryLevel=20 \"ppid=A 1\" dpiSlotValues=100,200,300,400,500"_s);
     mice.type("miceReceiver", u"3"_s);
@@ -101,7 +99,6 @@ void tst_MiceDock::fieldsAndReceiverBelongToTheNewMouse()
 void tst_MiceDock::theReceiverIsTheOneInForce()
 {
     Fixture mice;
-    QVERIFY(mice.isReady);
     QVERIFY(mice.play({u"receiver 2"_s}));
     mice.takeLines();
     mice.click("miceAdd");
@@ -113,7 +110,6 @@ void tst_MiceDock::theReceiverIsTheOneInForce()
 void tst_MiceDock::devicesWithoutAMouse()
 {
     Fixture mice;
-    QVERIFY(mice.isReady);
     QTest::keyClick(mice.widget("miceKind"), Qt::Key_Down);
     QVERIFY(!mice.widget("miceFields")->isEnabled());
     QVERIFY(!mice.widget("miceReceiver")->isEnabled());
@@ -128,7 +124,6 @@ void tst_MiceDock::devicesWithoutAMouse()
 void tst_MiceDock::theSelectedDeviceIsTheCurrentOne()
 {
     Fixture mice;
-    QVERIFY(mice.isReady);
     QVERIFY(mice.play({u"mouse 1"_s, u"mouse 2"_s, u"mouse 3"_s}));
     KVX_EVENTUALLY_EQUAL(mice.shown().value(2), u"3 no yes 1 *"_s);
     mice.takeLines();
@@ -143,7 +138,6 @@ void tst_MiceDock::theSelectedDeviceIsTheCurrentOne()
 void tst_MiceDock::theListFollowsTheChild()
 {
     Fixture mice;
-    QVERIFY(mice.isReady);
     const QStringList scenario{u"mouse 1"_s, u"start"_s, u"mouse 2"_s, u"use 1"_s};
     QVERIFY(mice.play(scenario));
     KVX_EVENTUALLY_EQUAL(mice.shown(), (QStringList{u"1 yes yes 1 *"_s, u"2 no yes 1"_s}));
@@ -154,7 +148,6 @@ void tst_MiceDock::theListFollowsTheChild()
 void tst_MiceDock::anIdHas64Bits()
 {
     Fixture mice;
-    QVERIFY(mice.isReady);
     mice.type("miceId", u"18446744073709551615"_s);
     mice.click("miceAdd");
     QCOMPARE(mice.takeLines(), QStringList{u"mouse 18446744073709551615"_s});
@@ -169,7 +162,6 @@ void tst_MiceDock::anIdHas64Bits()
 void tst_MiceDock::aWrongFieldIsShown()
 {
     Fixture mice;
-    QVERIFY(mice.isReady);
     auto *message = mice.widget<QLabel>("miceMessage");
     QVERIFY(!message->isVisible());
     mice.type("miceFields", u"battery=20"_s);
@@ -186,7 +178,6 @@ void tst_MiceDock::aWrongFieldIsShown()
 void tst_MiceDock::withoutAChildNothingCanBeAdded()
 {
     Fixture mice;
-    QVERIFY(mice.isReady);
     QVERIFY(mice.play({u"mouse 1"_s}));
     KVX_EVENTUALLY_EQUAL(mice.shown().size(), 1);
     mice.engine.stop();
@@ -199,7 +190,6 @@ void tst_MiceDock::withoutAChildNothingCanBeAdded()
 void tst_MiceDock::aFreshChildHasTheFirstReceiver()
 {
     Fixture mice;
-    QVERIFY(mice.isReady);
     QVERIFY(mice.play({u"receiver 2"_s}));
     mice.takeLines();
     mice.engine.restart();

@@ -18,12 +18,9 @@ namespace {
 
 struct Fixture : DockFixture<MouseDock>
 {
-    explicit Fixture(const QStringList &scenario = {u"mouse 1"_s, u"start"_s}) { isReady = begin(scenario); }
+    explicit Fixture(const QStringList &scenario = {u"mouse 1"_s, u"start"_s}) : DockFixture(scenario) {}
 
-    QWidget *button(const QString &button) const
-    {
-        return widget((u"mouseButton-"_s + button).toLatin1().constData());
-    }
+    QWidget *button(const QString &button) const { return widget(u"mouseButton-"_s + button); }
     QString status() const { return widget<QLabel>("mouseStatus")->text(); }
     QString ctrl() const { return widget<QLabel>("mouseCtrl")->text(); }
     QImage picture() const { return widget("mouseView")->grab().toImage(); }
@@ -100,7 +97,6 @@ void tst_MouseDock::clickPressesAndReleases()
 {
     QFETCH(const QString, button);
     Fixture mouse;
-    QVERIFY(mouse.isReady);
     // What the pointer meets in the middle of the button is the button.
     const auto *view = mouse.widget("mouseView");
     QCOMPARE(view->childAt(mouse.button(button)->geometry().center()), mouse.button(button));
@@ -118,7 +114,6 @@ void tst_MouseDock::keyPressesAndReleases()
     QFETCH(const QString, button);
     QFETCH(const Qt::Key, key);
     Fixture mouse;
-    QVERIFY(mouse.isReady);
     QWidget *view = mouse.widget("mouseView");
     view->setFocus();
     const QColor before = mouse.look(button);
@@ -133,7 +128,6 @@ void tst_MouseDock::keyPressesAndReleases()
 void tst_MouseDock::repeatedKeyIsOnePress()
 {
     Fixture mouse;
-    QVERIFY(mouse.isReady);
     QWidget *view = mouse.widget("mouseView");
     view->setFocus();
     QTest::keyPress(view, Qt::Key_2);
@@ -150,7 +144,6 @@ void tst_MouseDock::repeatedKeyIsOnePress()
 void tst_MouseDock::keyWithAModifierIsNoButton()
 {
     Fixture mouse;
-    QVERIFY(mouse.isReady);
     QWidget *view = mouse.widget("mouseView");
     view->setFocus();
     QTest::keyClick(view, Qt::Key_S, Qt::ControlModifier);
@@ -162,7 +155,6 @@ void tst_MouseDock::keyWithAModifierIsNoButton()
 void tst_MouseDock::buttonIsReleasedWhereverThePointerIs()
 {
     Fixture mouse;
-    QVERIFY(mouse.isReady);
     QWidget *button = mouse.button(u"4"_s);
     const QPoint away(-50, 300);
     QTest::mousePress(button, Qt::LeftButton);
@@ -177,7 +169,6 @@ void tst_MouseDock::buttonIsReleasedWhereverThePointerIs()
 void tst_MouseDock::keyIsReleasedWhenTheFocusGoes()
 {
     Fixture mouse;
-    QVERIFY(mouse.isReady);
     QWidget *view = mouse.widget("mouseView");
     view->setFocus();
     QTest::keyPress(view, Qt::Key_1);
@@ -193,7 +184,6 @@ void tst_MouseDock::keyIsReleasedWhenTheFocusGoes()
 void tst_MouseDock::buttonsHaveNamesAndAFocusOrder()
 {
     Fixture mouse;
-    QVERIFY(mouse.isReady);
     mouse.widget("mouseView")->setFocus();
     QSet<QString> names;
     const QList<Button> all = buttons();
@@ -211,7 +201,6 @@ void tst_MouseDock::buttonsHaveNamesAndAFocusOrder()
 void tst_MouseDock::spaceKeyPressesTheFocusedButton()
 {
     Fixture mouse;
-    QVERIFY(mouse.isReady);
     QWidget *button = mouse.button(u"smart"_s);
     button->setFocus();
     QTest::keyPress(button, Qt::Key_Space);
@@ -223,7 +212,6 @@ void tst_MouseDock::spaceKeyPressesTheFocusedButton()
 void tst_MouseDock::focusIsDrawn()
 {
     Fixture mouse;
-    QVERIFY(mouse.isReady);
     mouse.widget("mouseSleep")->setFocus();
     const QImage without = mouse.picture();
     mouse.button(u"1"_s)->setFocus();
@@ -237,7 +225,6 @@ void tst_MouseDock::focusIsDrawn()
 void tst_MouseDock::heldAndDivertedButtonsAreShown()
 {
     Fixture mouse;
-    QVERIFY(mouse.isReady);
     KVX_EVENTUALLY(mouse.status().endsWith(u"held: none; diverted to the host: none"_s));
     const QColor before = mouse.look(u"2"_s);
     QVERIFY(mouse.play({u"disbaleButtonsOrKeys 5 2"_s}));
@@ -275,7 +262,6 @@ void tst_MouseDock::anInactiveWindowShowsTheSlotAsWell()
 void tst_MouseDock::dpiButtonChangesTheSlot()
 {
     Fixture mouse;
-    QVERIFY(mouse.isReady);
     KVX_EVENTUALLY(mouse.status().startsWith(u"Mouse 1: slot 2, 1600 DPI, awake"_s));
     const QImage before = mouse.picture();
     QTest::mouseClick(mouse.button(u"dpi"_s), Qt::LeftButton);
@@ -286,7 +272,6 @@ void tst_MouseDock::dpiButtonChangesTheSlot()
 void tst_MouseDock::sleepAndWake()
 {
     Fixture mouse;
-    QVERIFY(mouse.isReady);
     const QImage awake = mouse.picture();
     mouse.click("mouseSleep");
     KVX_EVENTUALLY(mouse.status().contains(u"asleep"_s));
@@ -299,7 +284,6 @@ void tst_MouseDock::sleepAndWake()
 void tst_MouseDock::drainAndCharge()
 {
     Fixture mouse;
-    QVERIFY(mouse.isReady);
     KVX_EVENTUALLY_EQUAL(mouse.widget<QProgressBar>("mouseBattery")->value(), 80);
     mouse.type("mousePercent", u"30"_s);
     mouse.click("mouseDrain");
@@ -313,7 +297,6 @@ void tst_MouseDock::drainAndCharge()
 void tst_MouseDock::noBatteryLevel()
 {
     Fixture mouse({u"mouse 1 hasBatteryLevel=false"_s});
-    QVERIFY(mouse.isReady);
     KVX_EVENTUALLY(mouse.widget("mouseSleep")->isEnabled());
     QVERIFY(!mouse.widget("mouseBattery")->isEnabled());
 }
@@ -321,7 +304,6 @@ void tst_MouseDock::noBatteryLevel()
 void tst_MouseDock::ctrlKeyOfTheHost()
 {
     Fixture mouse;
-    QVERIFY(mouse.isReady);
     QCOMPARE(mouse.ctrl(), u"The host sees Ctrl up; presses so far: 0"_s);
     const QImage up = mouse.picture();
     // The plugin holds Ctrl only shortly; here the host's own report comes without an end.
@@ -338,7 +320,6 @@ void tst_MouseDock::ctrlKeyOfTheHost()
 void tst_MouseDock::ctrlGoesUpWhileTheKeyIsHeld()
 {
     Fixture mouse;
-    QVERIFY(mouse.isReady);
     QTest::mousePress(mouse.button(u"smart"_s), Qt::LeftButton);
     KVX_EVENTUALLY_EQUAL(mouse.ctrl(), u"The host sees Ctrl up; presses so far: 1"_s);
     QTest::mouseRelease(mouse.button(u"smart"_s), Qt::LeftButton);
@@ -349,7 +330,6 @@ void tst_MouseDock::ctrlGoesUpWhileTheKeyIsHeld()
 void tst_MouseDock::deviceWithoutAMouse()
 {
     Fixture mouse({u"device 1 none"_s});
-    QVERIFY(mouse.isReady);
     KVX_EVENTUALLY_EQUAL(mouse.status(), u"Device 1 has no mouse."_s);
     QVERIFY(!mouse.widget("mouseView")->isEnabled());
     QVERIFY(!mouse.widget("mouseSleep")->isEnabled());
@@ -358,7 +338,6 @@ void tst_MouseDock::deviceWithoutAMouse()
 void tst_MouseDock::withoutAChild()
 {
     Fixture mouse;
-    QVERIFY(mouse.isReady);
     QTest::mouseClick(mouse.button(u"smart"_s), Qt::LeftButton);
     KVX_EVENTUALLY_EQUAL(mouse.ctrl(), u"The host sees Ctrl up; presses so far: 1"_s);
     QTest::keyPress(mouse.widget("mouseView"), Qt::Key_1);

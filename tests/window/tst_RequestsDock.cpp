@@ -15,15 +15,15 @@ namespace {
 
 struct Fixture : DockFixture<RequestsDock>
 {
-    explicit Fixture(const QStringList &scenario = {u"mouse 1"_s, u"start"_s}) { isReady = begin(scenario); }
+    explicit Fixture(const QStringList &scenario = {u"mouse 1"_s, u"start"_s}) : DockFixture(scenario) {}
 
-    QString outcome(const char *command) const
+    QString outcome(QAnyStringView command) const
     {
-        return widget<QLabel>((QByteArray("outcome-") + command).constData())->text();
+        return widget<QLabel>(u"outcome-"_s + command.toString())->text();
     }
-    QString value(const char *command) const
+    QString value(QAnyStringView command) const
     {
-        return widget<QLabel>((QByteArray("value-") + command).constData())->text();
+        return widget<QLabel>(u"value-"_s + command.toString())->text();
     }
     QString text(const char *name) const { return widget<QLineEdit>(name)->text(); }
     QStringList slotTexts() const
@@ -65,7 +65,6 @@ private Q_SLOTS:
 void tst_RequestsDock::slotsTakeAnyText()
 {
     Fixture requests;
-    QVERIFY(requests.isReady);
     QCOMPARE(requests.slotTexts(), (QStringList{u"800"_s, u"1600"_s, u"2400"_s, u"3200"_s, u"4000"_s}));
     requests.type("requestSlot1", u"65536"_s);
     requests.type("requestSlot2", u"+800"_s);
@@ -91,7 +90,6 @@ void tst_RequestsDock::slotsTakeAnyText()
 void tst_RequestsDock::fieldsFollowTheDeviceUntilTheyAreEdited()
 {
     Fixture requests;
-    QVERIFY(requests.isReady);
     requests.type("requestSlot2", u"x"_s);
     QVERIFY(requests.play({u"setDpiSlotValues 100 200 300 400 500"_s}));
     KVX_EVENTUALLY_EQUAL(requests.slotTexts(), (QStringList{u"100"_s, u"x"_s, u"300"_s, u"400"_s, u"500"_s}));
@@ -100,7 +98,6 @@ void tst_RequestsDock::fieldsFollowTheDeviceUntilTheyAreEdited()
 void tst_RequestsDock::rateFromTheListOrTyped()
 {
     Fixture requests({u"mouse 1 reportRates=125,1000"_s, u"start"_s});
-    QVERIFY(requests.isReady);
     auto *rates = requests.widget<QComboBox>("requestReportRate");
     KVX_EVENTUALLY_EQUAL(rates->count(), 2);
     QTest::keyClick(rates, Qt::Key_Down);
@@ -143,18 +140,16 @@ void tst_RequestsDock::otherRequests()
     QFETCH(const QString, outcome);
     QFETCH(const QString, value);
     Fixture requests;
-    QVERIFY(requests.isReady);
-    requests.type(qPrintable(field), text);
-    requests.click(qPrintable(u"send-"_s + command));
+    requests.type(field, text);
+    requests.click(u"send-"_s + command);
     QCOMPARE(requests.takeLines(), lines);
-    KVX_EVENTUALLY_EQUAL(requests.outcome(qPrintable(command)), outcome);
-    KVX_EVENTUALLY_EQUAL(requests.value(qPrintable(command)), value);
+    KVX_EVENTUALLY_EQUAL(requests.outcome(command), outcome);
+    KVX_EVENTUALLY_EQUAL(requests.value(command), value);
 }
 
 void tst_RequestsDock::lostConfirmationIsPendingUntilItComes()
 {
     Fixture requests({u"mouse 1"_s, u"start"_s, u"fault reportRateConfirmed drop"_s});
-    QVERIFY(requests.isReady);
     requests.typeRate(u"1000"_s);
     requests.takeLines();
     KVX_EVENTUALLY_EQUAL(requests.outcome("setReportRate"), u"pending"_s);
@@ -168,7 +163,6 @@ void tst_RequestsDock::refusedRequest()
 {
     Fixture requests({u"mouse 1"_s, u"start"_s, u"fault setDpiButtonAndActiveSlot refuse"_s,
                       u"fault setDisabledButtonsOrKeysMask refuse"_s});
-    QVERIFY(requests.isReady);
     requests.type("requestActiveSlot", u"5"_s);
     requests.click("send-setActiveDpiSlotIndex");
     requests.click("send-disbaleButtonsOrKeys");
@@ -183,7 +177,6 @@ void tst_RequestsDock::refusedRequest()
 void tst_RequestsDock::refusedRepetition()
 {
     Fixture requests({u"mouse 1"_s, u"start"_s, u"sleep"_s});
-    QVERIFY(requests.isReady);
     requests.typeRate(u"1000"_s);
     KVX_EVENTUALLY_EQUAL(requests.outcome("setReportRate"), u"pending"_s);
     QVERIFY(requests.play({u"fault setReportRate refuse"_s, u"report reportRateConfirmed 250"_s}));
@@ -194,7 +187,6 @@ void tst_RequestsDock::withoutSettleTheNextLineComesWhilePending()
 {
     // The answer takes longer than the test.
     Fixture requests({u"mouse 1"_s, u"start"_s, u"answer-delay 3600000"_s});
-    QVERIFY(requests.isReady);
     QTest::keyClick(requests.widget("requestsSettle"), Qt::Key_Space);
     requests.typeRate(u"1000"_s);
     QCOMPARE(requests.takeLines(), QStringList{u"setReportRate 1000 nowait"_s});
@@ -211,7 +203,6 @@ void tst_RequestsDock::withoutSettleTheNextLineComesWhilePending()
 void tst_RequestsDock::wrongTextIsNotTaken()
 {
     Fixture requests;
-    QVERIFY(requests.isReady);
     auto *message = requests.widget<QLabel>("requestsMessage");
     requests.typeRate(u"very fast"_s);
     KVX_EVENTUALLY_EQUAL(requests.outcome("setReportRate"), u"not taken"_s);
@@ -227,7 +218,6 @@ void tst_RequestsDock::wrongTextIsNotTaken()
 void tst_RequestsDock::diversion()
 {
     Fixture requests;
-    QVERIFY(requests.isReady);
     requests.widget<QCheckBox>("requestDivert1")->click();
     QTest::keyClick(requests.widget("requestDivert3"), Qt::Key_Space);
     requests.click("send-disbaleButtonsOrKeys");
@@ -245,7 +235,6 @@ void tst_RequestsDock::diversion()
 void tst_RequestsDock::settings()
 {
     Fixture requests;
-    QVERIFY(requests.isReady);
     requests.type("requestSettings", u"pointerSpeed=7 \"name=A mouse\""_s);
     QTest::keyClick(requests.widget("requestSettings"), Qt::Key_Return);
     QCOMPARE(requests.takeLines(), QStringList{u"applySettings pointerSpeed=7 \"name=A mouse\""_s});
@@ -258,7 +247,6 @@ void tst_RequestsDock::settings()
 void tst_RequestsDock::eachDeviceHasItsOutcomes()
 {
     Fixture requests;
-    QVERIFY(requests.isReady);
     requests.typeRate(u"250"_s);
     KVX_EVENTUALLY_EQUAL(requests.outcome("setReportRate"), u"confirmed"_s);
     requests.type("requestSlot1", u"x"_s);
@@ -273,7 +261,6 @@ void tst_RequestsDock::eachDeviceHasItsOutcomes()
 void tst_RequestsDock::withoutADevice()
 {
     Fixture requests;
-    QVERIFY(requests.isReady);
     QVERIFY(requests.play({u"remove"_s}));
     KVX_EVENTUALLY(!requests.widget("requestSlot1")->isEnabled());
     QCOMPARE(requests.text("requestSlot1"), QString());
@@ -293,7 +280,6 @@ void tst_RequestsDock::linesPlayInKvxRun()
     const QStringList begin{u"mouse 1"_s, u"start"_s, u"fault setReportRate refuse"_s,
                             u"fault activeDpiSlotIndexConfirmed drop"_s};
     Fixture requests(begin);
-    QVERIFY(requests.isReady);
     requests.typeRate(u"250"_s);
     requests.type("requestActiveSlot", u"5"_s);
     requests.click("send-setActiveDpiSlotIndex");

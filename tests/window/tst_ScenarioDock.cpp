@@ -45,6 +45,14 @@ struct ShownDock
         QTest::mouseClick(button, Qt::LeftButton);
     }
 
+    /// False when it does not end.
+    bool play(const QString &text)
+    {
+        dock.openText(u"own"_s, text);
+        click("runScenarioButton");
+        return QTest::qWaitFor([this] { return isIdle(); }, StartedEngine::limit);
+    }
+
     bool isIdle() const { return child<QToolButton>("runScenarioButton")->isEnabled(); }
 
     ScenarioEditor *editor() const { return child<ScenarioEditor>("scenarioEditor"); }
@@ -53,12 +61,6 @@ struct ShownDock
     Transcript transcript;
     ScenarioDock dock;
 };
-
-QByteArray contentOf(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
 
 }  // namespace
 
@@ -155,9 +157,7 @@ void tst_ScenarioDock::eachExampleGoesAsItWants()
 void tst_ScenarioDock::aDifferenceIsMarkedAtItsLine()
 {
     ShownDock shown;
-    shown.dock.openText(u"own"_s, u"mouse 1\nstart\n\nexpect reportRate 125\nstop\n"_s);
-    shown.click("runScenarioButton");
-    KVX_EVENTUALLY(shown.isIdle());
+    QVERIFY(shown.play(u"mouse 1\nstart\n\nexpect reportRate 125\nstop\n"_s));
     QCOMPARE(shown.editor()->problemLine(), 3);
     const QString message = shown.dock.message();
     QVERIFY2(message.startsWith(u"Line 4: difference"_s), qPrintable(message));
@@ -170,9 +170,7 @@ void tst_ScenarioDock::aDifferenceIsMarkedAtItsLine()
 void tst_ScenarioDock::aLineThatCannotBeUsedEndsThePlay()
 {
     ShownDock shown;
-    shown.dock.openText(u"own"_s, u"mouse 1\nstrat\nstop"_s);
-    shown.click("runScenarioButton");
-    KVX_EVENTUALLY(shown.isIdle());
+    QVERIFY(shown.play(u"mouse 1\nstrat\nstop"_s));
     QCOMPARE(shown.editor()->problemLine(), 1);
     QVERIFY2(shown.dock.message().startsWith(u"Line 2: unusable: "_s), qPrintable(shown.dock.message()));
 }
@@ -180,9 +178,7 @@ void tst_ScenarioDock::aLineThatCannotBeUsedEndsThePlay()
 void tst_ScenarioDock::linesThatWereNotComparedAreADifference()
 {
     ShownDock shown;
-    shown.dock.openText(u"own"_s, u"mouse 1\n= call initialize(true, true, true)\n"_s);
-    shown.click("runScenarioButton");
-    KVX_EVENTUALLY(shown.isIdle());
+    QVERIFY(shown.play(u"mouse 1\n= call initialize(true, true, true)\n"_s));
     QCOMPARE(shown.editor()->problemLine(), 1);
     QVERIFY2(shown.dock.message().startsWith(u"Line 2: difference"_s), qPrintable(shown.dock.message()));
 }
@@ -228,9 +224,7 @@ void tst_ScenarioDock::aPauseEndsBehindTheLine()
 void tst_ScenarioDock::quitEndsThePlay()
 {
     ShownDock shown;
-    shown.dock.openText(u"own"_s, u"mouse 1\nquit\nstart\n"_s);
-    shown.click("runScenarioButton");
-    KVX_EVENTUALLY(shown.isIdle());
+    QVERIFY(shown.play(u"mouse 1\nquit\nstart\n"_s));
     QCOMPARE(shown.editor()->problemLine(), -1);
     QCOMPARE(shown.started.lines.last(), u"quit"_s);
 }
@@ -250,9 +244,7 @@ void tst_ScenarioDock::stopEndsAHang()
 void tst_ScenarioDock::aCrashIsMarkedAtItsLine()
 {
     ShownDock shown(brokenLibrary(u"crash-without-receiver"_s));
-    shown.dock.openText(u"own"_s, u"device 1 none\nquery26 1 2 3\nstart\n"_s);
-    shown.click("runScenarioButton");
-    KVX_EVENTUALLY(shown.isIdle());
+    QVERIFY(shown.play(u"device 1 none\nquery26 1 2 3\nstart\n"_s));
     QCOMPARE(shown.editor()->problemLine(), 1);
     const QString message = shown.dock.message();
     QVERIFY2(message.startsWith(u"Line 2: "_s) && message.contains(u"call query26(1, 2, 3)"_s),

@@ -3,7 +3,6 @@
 #include "StartedEngine.h"
 
 #include <QtCore/QDir>
-#include <QtCore/QFile>
 #include <QtCore/QMimeData>
 #include <QtCore/QTemporaryDir>
 #include <QtCore/QXmlStreamReader>
@@ -53,12 +52,6 @@ QStringList titlesOf(const QByteArray &svg)
             titles.append(xml.readElementText());
     }
     return titles;
-}
-
-QByteArray bytesOf(const QString &file)
-{
-    QFile opened(file);
-    return opened.open(QIODevice::ReadOnly) ? opened.readAll() : QByteArray();
 }
 
 int colourCount(const QImage &image)
@@ -173,7 +166,7 @@ void tst_SequenceDock::whatTheChildPrintsIsDrawn()
     const QTemporaryDir folder;
     const QString file = folder.filePath(u"drawn.svg"_s);
     shown.exportTo(file);
-    const QStringList titles = titlesOf(bytesOf(file));
+    const QStringList titles = titlesOf(contentOf(file));
     QVERIFY(titles.contains(u"mouse 1"_s));
     QStringList texts;
     for (const Entry &printed : std::as_const(started.entries))
@@ -314,13 +307,13 @@ void tst_SequenceDock::exportsSvg()
     const QString file = folder.filePath(u"a name.svg"_s);
     shown.exportTo(file);
     QCOMPARE(shown.message->text(), u"Saved as "_s + file);
-    QCOMPARE(titlesOf(bytesOf(file)).constLast(), u"report reportRateConfirmed(500)"_s);
+    QCOMPARE(titlesOf(contentOf(file)).constLast(), u"report reportRateConfirmed(500)"_s);
     // The background is the light one, whatever the window's.
-    QVERIFY(bytesOf(file).contains("fill=\"#ffffff\""));
+    QVERIFY(contentOf(file).contains("fill=\"#ffffff\""));
     shown.dock.showEntries(manyEntries());
     QVERIFY(!shown.message->isVisible());
     shown.exportTo(folder.filePath(u"without suffix"_s));
-    QCOMPARE(bytesOf(folder.filePath(u"without suffix.svg"_s)), bytesOf(file));
+    QCOMPARE(contentOf(folder.filePath(u"without suffix.svg"_s)), contentOf(file));
 }
 
 void tst_SequenceDock::exportsPng()

@@ -1,7 +1,6 @@
 #include "StartedEngine.h"
 #include "TimelineDock.h"
 
-#include <QtCore/QFile>
 #include <QtCore/QJsonDocument>
 #include <QtCore/QTemporaryDir>
 #include <QtGui/QAction>
@@ -66,17 +65,14 @@ bool comes(const Condition &condition)
 // The dock as a window of its own, without a child.
 struct Shown
 {
-    explicit Shown(const QList<Entry> &entries = {}) : isActive(show()), isFilled(add(entries)) {}
-
-    bool show()
+    explicit Shown(const QList<Entry> &entries = {})
     {
         dock.resize(900, 400);
         dock.show();
         dock.activateWindow();
-        return QTest::qWaitForWindowActive(&dock, StartedEngine::limit);
+        require(QTest::qWaitForWindowActive(&dock, StartedEngine::limit), u"the dock has no focus"_s);
+        require(add(entries), u"the table has no lines"_s);
     }
-
-    bool isReady() const { return isActive && isFilled; }
 
     /// Waits until the table has them.
     bool add(const QList<Entry> &entries)
@@ -122,15 +118,7 @@ struct Shown
     Engine engine;
     TimelineDock dock{&engine};
     QTableView *table = dock.findChild<QTableView *>(u"timelineTable"_s);
-    bool isActive;
-    bool isFilled;
 };
-
-QByteArray contentOf(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("cannot be read");
-}
 
 // Counts what the table asks of it.
 class CountingDelegate : public QStyledItemDelegate
@@ -209,7 +197,6 @@ void tst_TimelineDock::eachColumnOfAnEntry()
     entry.time = 1'234'567'008;
     entry.thread = 3;
     Shown shown({entry});
-    QVERIFY(shown.isReady());
     QStringList cells;
     for (int column = 0; column < TimelineModel::ColumnCount; ++column)
         cells += shown.column(TimelineModel::Column(column));
@@ -236,7 +223,6 @@ void tst_TimelineDock::oddTexts()
     QFETCH(const QString, text);
     QFETCH(const QString, shown);
     Shown window({entryOf(1, u"log"_s, text)});
-    QVERIFY(window.isReady());
     QCOMPARE(window.column(TimelineModel::Text), QStringList{shown});
     QVERIFY(TimelineModel::line(window.model().entry(0)).endsWith(shown));
 }
@@ -246,7 +232,6 @@ void tst_TimelineDock::aVeryLongText()
     const QString pair = u"\U0001F5B1"_s;
     const QString text = u"<b>"_s + pair.repeated(500'000);
     Shown shown({entryOf(1, u"log"_s, text)});
-    QVERIFY(shown.isReady());
     const QString cell = shown.column(TimelineModel::Text).constFirst();
     QCOMPARE(cell, u"<b>"_s + pair.repeated(498) + u'\u2026');
     const QModelIndex index = shown.table->model()->index(0, TimelineModel::Text);
@@ -257,7 +242,6 @@ void tst_TimelineDock::aVeryLongText()
 void tst_TimelineDock::filterByKind()
 {
     Shown shown(someEntries());
-    QVERIFY(shown.isReady());
     shown.choose(u"timelineKindMenu"_s, u"signal"_s);
     QCOMPARE(shown.sequences(), (QStringList{u"1"_s, u"2"_s, u"3"_s}));
     QCOMPARE(shown.count(), u"Lines: 3 of 5"_s);
@@ -274,7 +258,6 @@ void tst_TimelineDock::filterByKind()
 void tst_TimelineDock::filterByDevice()
 {
     Shown shown(someEntries());
-    QVERIFY(shown.isReady());
     auto *devices = shown.child<QComboBox>(u"timelineDevices"_s);
     devices->setFocus();
     QTest::keyClick(devices, Qt::Key_Down);
@@ -293,7 +276,6 @@ void tst_TimelineDock::filterByDevice()
 void tst_TimelineDock::filterByText()
 {
     Shown shown(someEntries());
-    QVERIFY(shown.isReady());
     QTest::keyClicks(shown.child<QLineEdit>(u"timelineText"_s), u"SETreport"_s);
     QCOMPARE(shown.sequences(), (QStringList{u"1"_s, u"2"_s}));
 }
@@ -301,7 +283,6 @@ void tst_TimelineDock::filterByText()
 void tst_TimelineDock::theFilterHoldsForLinesThatCome()
 {
     Shown shown;
-    QVERIFY(shown.isReady());
     const QAbstractItemModelTester tester(shown.table->model());
     QTest::keyClicks(shown.child<QLineEdit>(u"timelineText"_s), u"500"_s);
     QVERIFY(shown.add(someEntries()));
@@ -314,7 +295,6 @@ void tst_TimelineDock::theFilterHoldsForLinesThatCome()
 void tst_TimelineDock::theSelectionSurvivesTheFilter()
 {
     Shown shown(someEntries());
-    QVERIFY(shown.isReady());
     shown.click(1);
     shown.click(4, Qt::ControlModifier);
     QList<Entry> selected;
@@ -333,7 +313,6 @@ void tst_TimelineDock::theSelectionSurvivesTheFilter()
 void tst_TimelineDock::theSelectionIsSignalled()
 {
     Shown shown(someEntries());
-    QVERIFY(shown.isReady());
     QList<quint64> selected;
     connect(&shown.dock, &TimelineDock::selectionChanged, &shown.dock,
             [&selected](const QList<Entry> &entries) {
@@ -353,7 +332,6 @@ void tst_TimelineDock::theSelectionIsSignalled()
 void tst_TimelineDock::findWraps()
 {
     Shown shown(someEntries());
-    QVERIFY(shown.isReady());
     shown.click(1);
     QTest::keyClick(shown.table, Qt::Key_F, Qt::ControlModifier);
     auto *find = shown.child<QLineEdit>(u"findText"_s);
@@ -378,7 +356,6 @@ void tst_TimelineDock::findWraps()
 void tst_TimelineDock::findBackwards()
 {
     Shown shown(someEntries());
-    QVERIFY(shown.isReady());
     shown.click(3);
     QTest::keyClick(shown.table, Qt::Key_F, Qt::ControlModifier);
     auto *find = shown.child<QLineEdit>(u"findText"_s);
@@ -396,7 +373,6 @@ void tst_TimelineDock::findBackwards()
 void tst_TimelineDock::findWhatIsNotThere()
 {
     Shown shown(someEntries());
-    QVERIFY(shown.isReady());
     shown.click(2);
     QTest::keyClick(shown.table, Qt::Key_F, Qt::ControlModifier);
     QTest::keyClicks(shown.child<QLineEdit>(u"findText"_s), u"zero"_s);
@@ -407,7 +383,6 @@ void tst_TimelineDock::findWhatIsNotThere()
 void tst_TimelineDock::aPauseKeepsLinesWaiting()
 {
     Shown shown(someEntries().mid(0, 1));
-    QVERIFY(shown.isReady());
     auto *pause = shown.child<QToolButton>(u"timelinePause"_s);
     // What came just before the pause waits as well.
     shown.dock.addEntries(someEntries().mid(1, 1));
@@ -438,7 +413,6 @@ void tst_TimelineDock::aPauseEndsWhenTooManyLinesWait()
 void tst_TimelineDock::copyTheSelectedLines()
 {
     Shown shown(someEntries());
-    QVERIFY(shown.isReady());
     shown.click(4);
     shown.click(2, Qt::ControlModifier);
     QTest::keyClick(shown.table, Qt::Key_C, Qt::ControlModifier);
@@ -453,7 +427,6 @@ void tst_TimelineDock::exportAsText()
 {
     const QTemporaryDir folder;
     Shown shown(someEntries());
-    QVERIFY(shown.isReady());
     QTest::keyClicks(shown.child<QLineEdit>(u"timelineText"_s), u"setReportRate"_s);
     shown.dock.findChild<QAction *>(u"timelineExportText"_s)->trigger();
     auto *dialog = shown.child<QFileDialog>(u"timelineExportDialog"_s);
@@ -468,7 +441,6 @@ void tst_TimelineDock::exportAsJsonLines()
 {
     const QTemporaryDir folder;
     Shown shown(someEntries());
-    QVERIFY(shown.isReady());
     shown.choose(u"timelineKindMenu"_s, u"signal"_s);
     shown.dock.findChild<QAction *>(u"timelineExportJson"_s)->trigger();
     auto *dialog = shown.child<QFileDialog>(u"timelineExportDialog"_s);
@@ -485,7 +457,6 @@ void tst_TimelineDock::exportToAFolderThatIsNotThere()
     const QTemporaryDir folder;
     const QString file = folder.filePath(u"missing/lines.txt"_s);
     Shown shown(someEntries());
-    QVERIFY(shown.isReady());
     shown.dock.findChild<QAction *>(u"timelineExportText"_s)->trigger();
     auto *dialog = shown.child<QFileDialog>(u"timelineExportDialog"_s);
     Q_EMIT dialog->fileSelected(file);
@@ -498,7 +469,6 @@ void tst_TimelineDock::exportToAFolderThatIsNotThere()
 void tst_TimelineDock::clearAlsoDropsWhatWaits()
 {
     Shown shown(someEntries());
-    QVERIFY(shown.isReady());
     QTest::mouseClick(shown.child<QToolButton>(u"timelinePause"_s), Qt::LeftButton);
     shown.dock.addEntries(someEntries());
     QTest::mouseClick(shown.child<QToolButton>(u"timelineClear"_s), Qt::LeftButton);
@@ -510,7 +480,6 @@ void tst_TimelineDock::clearAlsoDropsWhatWaits()
 void tst_TimelineDock::theNewestLineIsFollowed()
 {
     Shown shown(manyEntries(100));
-    QVERIFY(shown.isReady());
     const QScrollBar *bar = shown.table->verticalScrollBar();
     QVERIFY(comes([&] { return bar->maximum() > 0 && bar->value() == bar->maximum(); }));
     QVERIFY(shown.add(manyEntries(100, 101)));
@@ -526,7 +495,6 @@ void tst_TimelineDock::theNewestLineIsFollowed()
 void tst_TimelineDock::aTableThatIsScrolledUpStaysThere()
 {
     Shown shown(manyEntries(100));
-    QVERIFY(shown.isReady());
     QScrollBar *bar = shown.table->verticalScrollBar();
     QVERIFY(comes([&] { return bar->maximum() > 0; }));
     shown.click(99);
@@ -544,7 +512,6 @@ void tst_TimelineDock::aTableThatIsScrolledUpStaysThere()
 void tst_TimelineDock::aBurstIsOneInsertion()
 {
     Shown shown;
-    QVERIFY(shown.isReady());
     const QSignalSpy insertions(shown.table->model(), &QAbstractItemModel::rowsInserted);
     const QList<Entry> entries = manyEntries(10'000);
     for (const Entry &entry : entries)
@@ -560,7 +527,6 @@ void tst_TimelineDock::theLengthOfTheTimelineCostsNothing()
     for (const int count : {1'000, 100'000}) {
         CountingDelegate delegate;
         Shown shown(manyEntries(count));
-        QVERIFY(shown.isReady());
         shown.table->setItemDelegate(&delegate);
         QCoreApplication::processEvents();
         shown.table->scrollToTop();
@@ -610,7 +576,6 @@ void tst_TimelineDock::theOldestLinesAreDropped()
 void tst_TimelineDock::theKeyboardReachesAll()
 {
     Shown shown(someEntries());
-    QVERIFY(shown.isReady());
     shown.child<QToolButton>(u"timelineKinds"_s)->setFocus();
     QStringList reached;
     for (QWidget *widget = QApplication::focusWidget(); !reached.contains(widget->objectName());

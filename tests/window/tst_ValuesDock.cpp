@@ -1,3 +1,4 @@
+#include "DockFixture.h"
 #include "Eventually.h"
 #include "ValuesDock.h"
 
@@ -15,16 +16,13 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// The dock with a child, and its parts by name.
-struct ShownDock
+/// The dock and its parts by name.
+struct ShownDock : DockFixture<ValuesDock>
 {
-    explicit ShownDock(const QString &library = QStringLiteral(KVX_LIBRARY)) : started(library)
-    {
-        dock.show();
-    }
+    explicit ShownDock(const QString &library = QStringLiteral(KVX_LIBRARY)) : DockFixture({}, library) {}
 
     /// Also waits for the last line's state, which comes behind its answer.
-    bool play(const QStringList &scenario) { return started.play(scenario + QStringList{QString()}); }
+    bool play(const QStringList &scenario) { return DockFixture::play(scenario + QStringList{QString()}); }
 
     QStringList names() const { return column(ValuesModel::Name); }
     QStringList column(int column) const
@@ -53,13 +51,11 @@ struct ShownDock
 
     const QAbstractItemModel &rows() const { return *table->model(); }
 
-    StartedEngine started;
-    ValuesDock dock{&started.engine};
-    QTableView *table = dock.findChild<QTableView *>(u"valuesTable"_s);
-    QLineEdit *filter = dock.findChild<QLineEdit *>(u"valuesFilter"_s);
-    QCheckBox *onlyDifferences = dock.findChild<QCheckBox *>(u"valuesOnlyDifferences"_s);
-    QPushButton *copy = dock.findChild<QPushButton *>(u"valuesCopy"_s);
-    QLabel *summary = dock.findChild<QLabel *>(u"valuesSummary"_s);
+    QTableView *table = widget<QTableView>("valuesTable");
+    QLineEdit *filter = widget<QLineEdit>("valuesFilter");
+    QCheckBox *onlyDifferences = widget<QCheckBox>("valuesOnlyDifferences");
+    QPushButton *copy = widget<QPushButton>("valuesCopy");
+    QLabel *summary = widget<QLabel>("valuesSummary");
 };
 
 }  // namespace
@@ -275,10 +271,10 @@ void tst_ValuesDock::copiedRowsAreLinesOfAScenario()
     QTest::mouseClick(shown.copy, Qt::LeftButton);
     const QStringList lines = QGuiApplication::clipboard()->text().split(u'\n', Qt::SkipEmptyParts);
     QCOMPARE(lines.size(), shown.rows().rowCount());
-    const qsizetype before = shown.started.answers.size();
-    QVERIFY(shown.started.play(lines));
+    const qsizetype before = shown.answers.size();
+    QVERIFY(shown.play(lines));
     for (qsizetype i = 0; i < lines.size(); ++i) {
-        const Answer &answer = shown.started.answers.at(before + i);
+        const Answer &answer = shown.answers.at(before + i);
         QVERIFY2(answer.result == u"done", qUtf8Printable(lines.at(i) + u": "_s + answer.message));
     }
 }
@@ -288,10 +284,10 @@ void tst_ValuesDock::aCrashLeavesTheValues()
     ShownDock shown;
     QVERIFY(shown.play({u"mouse 1"_s, u"start"_s, u"setReportRate 250"_s}));
     KVX_EVENTUALLY_EQUAL(shown.text(u"reportRate"_s, ValuesModel::LastSignal), u"250"_s);
-    shown.started.engine.stop();
-    KVX_EVENTUALLY_EQUAL(shown.started.ends.size(), 1);
+    shown.engine.stop();
+    KVX_EVENTUALLY_EQUAL(shown.ends.size(), 1);
     QCOMPARE(shown.text(u"reportRate"_s, ValuesModel::LastSignal), u"250"_s);
-    shown.started.engine.start();
+    shown.engine.start();
     KVX_EVENTUALLY_EQUAL(shown.rows().rowCount(), 0);
 }
 
