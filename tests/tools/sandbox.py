@@ -72,7 +72,15 @@ FAKE_DPKG_QUERY = r"""
 printf '%s' "${PACKAGE_VERSION:-installed}"
 """
 
-FAKE_ID = 'printf "%s\\n" "${FAKE_UID:-0}"\n'
+FAKES = {
+    "mmdebstrap": FAKE_MMDEBSTRAP,
+    "bwrap": FAKE_BWRAP,
+    "dpkg-query": FAKE_DPKG_QUERY,
+    "id": 'printf "%s\\n" "${FAKE_UID:-0}"\n',
+    "apt-get": FAKE_TOOL,
+    "cmake": FAKE_TOOL,
+    "ctest": FAKE_TOOL,
+}
 
 
 class Gate:
@@ -106,47 +114,62 @@ class Gate:
         return str(self.path)
 
 
-class Sandbox:
-    def __init__(self, parent):
-        self.base = Path(parent)
+class FolderTest(unittest.TestCase):
+    maxDiff = None
+
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.base = Path(os.path.realpath(folder.name))
+
+    def write(self, name, text="", mode=0o644):
+        path = self.base / name
+        path.parent.mkdir(parents=True, exist_ok=True)
+        path.write_text(text, encoding="utf-8")
+        path.chmod(mode)
+        return path
+
+
+class SandboxTest(FolderTest):
+    """cache_folder is where, in the cache, the tested script puts what it makes; own_fakes are a class's own."""
+
+    cache_folder = ""
+    own_fakes = {}
+
+    def setUp(self):
+        super().setUp()
         self.checkout = self.base / "a checkout's folder"
         self.cache = self.base / "the cache"
+        self.folders = self.cache / self.cache_folder
         self.fakes = self.base / "fakes"
         self.calls = self.base / "calls"
         self.toolbox_mark = self.base / "kvx-toolbox"
         self.started = []
-        self.checkout.mkdir()
-        self.fakes.mkdir()
-        shutil.copy2(REPOSITORY / "dev", self.checkout)
+        self.addCleanup(self.end_started)
         for folder in ("tools", "cmake"):
             shutil.copytree(REPOSITORY / folder, self.checkout / folder)
+        shutil.copy2(REPOSITORY / "dev", self.checkout)
         # The test itself may run in the toolbox.
-        common = self.checkout / "tools" / "common.sh"
-        text = common.read_text(encoding="utf-8")
-        assert text.count("toolboxMark=/kvx-toolbox\n") == 1
-        common.write_text(text.replace("toolboxMark=/", f"toolboxMark={self.base}/"), encoding="utf-8")
-        for name, body in {
-            "mmdebstrap": FAKE_MMDEBSTRAP,
-            "bwrap": FAKE_BWRAP,
-            "dpkg-query": FAKE_DPKG_QUERY,
-            "id": FAKE_ID,
-            "apt-get": FAKE_TOOL,
-            "cmake": FAKE_TOOL,
-            "ctest": FAKE_TOOL,
-        }.items():
+        self.replace("tools/common.sh", "toolboxMark=/", f"toolboxMark={self.base}/")
+        for name, body in (FAKES | self.own_fakes).items():
             self.fake(name, body)
+
+    def replace(self, file, old, new):
+        """Replaces a text that is once in a file of the checkout."""
+        path = self.checkout / file
+        text = path.read_text(encoding="utf-8")
+        self.assertEqual(text.count(old), 1)
+        path.write_text(text.replace(old, new), encoding="utf-8")
 
     def script(self, path, body):
         """A script in the checkout, or in the place of one."""
-        path = self.checkout / path
-        path.parent.mkdir(parents=True, exist_ok=True)
-        path.write_text(f"#!/bin/bash\n{CALL_LOG}{body}", encoding="utf-8")
-        path.chmod(0o755)
+        self.write(self.checkout / path, f"#!/bin/bash\n{CALL_LOG}{body}", 0o755)
 
     def fake(self, name, body):
         self.script(self.fakes / name, body)
 
-    def environment(self, **changes):
+    def start_script(self, script, *words, **changes):
+        """Starts a script of the checkout, in a process group of its own, with changes to its environment."""
         environment = {
             "PATH": f"{self.fakes}:/usr/bin:/bin",
             "HOME": str(self.base),
@@ -154,16 +177,11 @@ class Sandbox:
             "KVX_CACHE_DIR": str(self.cache),
             "KVX_DEBIAN_MIRROR": "file:/no/mirror",
             "CALLS": str(self.calls),
-        }
-        environment.update(changes)
-        return {name: value for name, value in environment.items() if value is not None}
-
-    def start_script(self, script, *words, **changes):
-        """Starts a script of the checkout, in a process group of its own, with changes to its environment."""
+        } | changes
         process = subprocess.Popen(
-            [str(self.checkout / script), *words],
+            [self.checkout / script, *words],
             cwd=self.base,
-            env=self.environment(**changes),
+            env={name: value for name, value in environment.items() if value is not None},
             stdin=subprocess.DEVNULL,
             stdout=subprocess.PIPE,
             stderr=subprocess.PIPE,
@@ -183,14 +201,14 @@ class Sandbox:
         try:
             process.out, process.err = process.communicate(timeout=LIMIT)
         except subprocess.TimeoutExpired:
-            raise AssertionError(f"still running after {LIMIT} s: {process.args} {self.kill(process)}") from None
+            self.fail(f"still running after {LIMIT} s: {process.args} {self.kill(process)}")
         return process
 
     def dev(self, *words, **changes):
         return self.run_script("dev", *words, **changes)
 
-    def gate(self, name="gate"):
-        return Gate(self.base / name)
+    def gate(self):
+        return Gate(self.base / "gate")
 
     def kill(self, process, number=signal.SIGKILL):
         """Sends the signal to the process and to all in its group, and waits for their end."""
@@ -204,39 +222,15 @@ class Sandbox:
                 self.kill(process)
 
     def called(self, program=""):
-        if not self.calls.exists():
-            return []
-        lines = self.calls.read_text(encoding="utf-8").splitlines()
+        lines = self.calls.read_text(encoding="utf-8").splitlines() if self.calls.exists() else []
         return [line for line in lines if line.startswith(program)]
 
     def toolbox(self):
         """The folder of the toolbox that the checkout wants now."""
         return self.cache / "toolbox" / self.run_script("tools/toolbox-key").out.strip()
 
-
-class FolderTest(unittest.TestCase):
-    maxDiff = None
-
-    def setUp(self):
-        folder = tempfile.TemporaryDirectory()
-        self.addCleanup(folder.cleanup)
-        self.base = Path(os.path.realpath(folder.name))
-
-
-class SandboxTest(FolderTest):
-    """cache_folder is where, in the cache, the tested script puts what it makes."""
-
-    cache_folder = ""
-
-    def setUp(self):
-        super().setUp()
-        self.sandbox = Sandbox(self.base)
-        self.addCleanup(self.sandbox.end_started)
-        self.dev = self.sandbox.dev
-        self.folders = self.sandbox.cache / self.cache_folder
-
     def left(self):
-        """What is in that folder, except locks and logs."""
+        """What is in the cache's folder, except locks and logs."""
         return sorted(entry for entry in self.folders.iterdir() if entry.suffix not in (".lock", ".log"))
 
 
@@ -252,13 +246,6 @@ class ToolTest(FolderTest):
         (self.base / "tools").mkdir()
         for name in (self.tool, "common.py"):
             shutil.copy(REPOSITORY / "tools" / name, self.base / "tools")
-
-    def write(self, name, text="", mode=0o644):
-        path = self.base / name
-        path.parent.mkdir(parents=True, exist_ok=True)
-        path.write_text(text, encoding="utf-8")
-        path.chmod(mode)
-        return path
 
     def run_tool(self, *words, **variables):
         # Not those of the ./dev that runs this test.

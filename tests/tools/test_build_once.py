@@ -20,16 +20,6 @@ else
 fi
 """
 
-# Only the version that it is asked for gets fetched.
-FAKE_APT_GET = FAKE_TOOL + r"""
-[[ " $* " != *" source "* ]] || printf '%s' "${*: -1}" >qt6-base.dsc
-"""
-
-FAKE_DPKG_SOURCE = FAKE_TOOL + r"""
-mkdir "${*: -1}"
-cp ./*.dsc "${*: -1}/version"
-"""
-
 # With progress as Ninja reports it.
 FAKE_CMAKE = r"""
 case $1 in
@@ -49,22 +39,30 @@ case $1 in
         ;;
     *) mkdir build ;;
 esac
-""" + FAKE_TOOL
+"""
+
+FAKES = {
+    "dpkg-query": FAKE_DPKG_QUERY,
+    # Only the version that it is asked for gets fetched.
+    "apt-get": FAKE_TOOL + """[[ " $* " != *" source "* ]] || printf '%s' "${*: -1}" >qt6-base.dsc\n""",
+    "dpkg-source": FAKE_TOOL + 'mkdir "${*: -1}"\ncp ./*.dsc "${*: -1}/version"\n',
+    "cmake": FAKE_CMAKE + FAKE_TOOL,
+}
 
 
 class BuildOnceTest(SandboxTest):
-    """script is what builds, with variables in its environment."""
+    """tool is what builds, with variables in its environment."""
 
     variables = {}
 
     def start(self, **changes):
-        return self.sandbox.start_script(self.script, **(self.variables | changes))
+        return self.start_script(self.tool, **(self.variables | changes))
 
     def provide(self, **changes):
-        return self.sandbox.finish(self.start(**changes))
+        return self.finish(self.start(**changes))
 
     def append(self, file):
-        with (self.sandbox.checkout / file).open("a", encoding="utf-8") as end:
+        with (self.checkout / file).open("a", encoding="utf-8") as end:
             end.write("# another\n")
 
     def log(self):
@@ -89,25 +87,19 @@ class BuildOnceTest(SandboxTest):
 
     def start_up_to_gate(self, **changes):
         """A call that is in the middle, and the gate that holds it there."""
-        gate = self.sandbox.gate()
+        gate = self.gate()
         process = self.start(BUILD_GATE=str(gate), **changes)
         gate.wait_for(process)
         return process, gate
 
 
 class QtBuild(BuildOnceTest):
-    script = "tools/tsan-qt-build"
+    tool = "tools/tsan-qt-build"
     cache_folder = "tsan-qt"
-
-    def setUp(self):
-        super().setUp()
-        self.sandbox.fake("dpkg-query", FAKE_DPKG_QUERY)
-        self.sandbox.fake("apt-get", FAKE_APT_GET)
-        self.sandbox.fake("dpkg-source", FAKE_DPKG_SOURCE)
-        self.sandbox.fake("cmake", FAKE_CMAKE)
+    own_fakes = FAKES
 
     def builds(self):
-        return len(self.sandbox.called("cmake --build"))
+        return len(self.called("cmake --build"))
 
     def assert_built(self, process, version="6.8.2-9"):
         folder = self.assert_provided(process)
@@ -116,12 +108,12 @@ class QtBuild(BuildOnceTest):
         return folder
 
     def test_makes_the_folder_and_nothing_else(self):
-        before = sorted(self.sandbox.checkout.rglob("*"))
+        before = sorted(self.checkout.rglob("*"))
         process = self.provide()
         folder = self.assert_built(process)
         self.assertEqual(sorted(self.folders.iterdir()), [folder, folder.with_suffix(".lock")])
-        self.assertEqual(sorted(self.sandbox.checkout.rglob("*")), before)
-        self.assertIn("-DFEATURE_sanitize_thread=ON", self.sandbox.called("cmake -S")[0].split())
+        self.assertEqual(sorted(self.checkout.rglob("*")), before)
+        self.assertIn("-DFEATURE_sanitize_thread=ON", self.called("cmake -S")[0].split())
         progress = re.findall(r"(?m)^tsan-qt-build: .*?(\d+) %", process.err)
         self.assertEqual(progress, [f"{tenth}0" for tenth in range(1, 11)])
 
@@ -130,15 +122,12 @@ class QtBuild(BuildOnceTest):
         folders = [self.assert_built(self.provide())]
         for changes, version in (({"COMPILER": "14.3.0-1"}, "6.8.2-9"), ({"QT_SOURCE": "6.8.3-1"}, "6.8.3-1")):
             folders.append(self.assert_built(self.provide(**changes), version))
-        for file, old, new in (
+        for change in (
             ("tools/tsan-qt-build", "-DFEATURE_icu=OFF", "-DFEATURE_icu=ON"),
             ("tools/tsan-qt-build", "dpkg-source --no-check", "dpkg-source -q --no-check"),
             ("tools/build-once.sh", "apt source --download-only", "apt source -q --download-only"),
         ):
-            script = self.sandbox.checkout / file
-            text = script.read_text(encoding="utf-8")
-            self.assertEqual(text.count(old), 1)
-            script.write_text(text.replace(old, new), encoding="utf-8")
+            self.replace(*change)
             folders.append(self.assert_built(self.provide()))
         self.assertEqual((self.left(), self.builds()), (sorted(set(folders)), len(folders)))
         for file in ("dev", "tools/tsan-qt-build", "tools/build-once.sh"):
@@ -169,27 +158,27 @@ class QtBuild(BuildOnceTest):
         ):
             with self.subTest(failing=failing, output=output):
                 self.assert_fails(self.provide(FAILING=failing, FAILING_SAYS=f"{output}\n"), step, why)
-                self.assertIn(failing, self.sandbox.called()[-1])
+                self.assertIn(failing, self.called()[-1])
                 self.assertIn(output, self.log().read_text(encoding="utf-8"))
         folder = self.assert_built(self.provide())
         self.assertEqual(self.left(), [folder])
 
-        folder.rename(self.sandbox.base / "another folder")
+        folder.rename(self.base / "another folder")
         folder.with_suffix(".log").symlink_to("/dev/full")
         self.assert_fails(self.provide(FAILING="cmake -S"), built, "No space left on device")
 
     def test_outside_of_the_toolbox(self):
         reason = "the package qt6-base-dev is not installed here; the toolbox has it: ./dev build tsan"
         self.assert_cannot(self.provide(NOT_INSTALLED="1"), reason)
-        self.assertEqual(self.sandbox.called("apt-get") + self.sandbox.called("cmake"), [])
+        self.assertEqual(self.called("apt-get") + self.called("cmake"), [])
 
     def test_cannot_be_written_to(self):
         """A file is where a folder has to be, and the other way round: root may write into any folder."""
         folder = self.assert_built(self.provide())
         not_writable = f"Qt for ThreadSanitizer cannot be built: {self.folders} cannot be written to"
-        shutil.rmtree(self.sandbox.cache)
+        shutil.rmtree(self.cache)
         for path, create, sentence, builds in (
-            (self.sandbox.cache, Path.touch, not_writable, 1),
+            (self.cache, Path.touch, not_writable, 1),
             (self.folders, Path.touch, not_writable, 1),
             (folder.with_suffix(".lock"), Path.mkdir, not_writable, 1),
             (folder.with_suffix(".building"), Path.touch, not_writable, 1),
@@ -204,7 +193,7 @@ class QtBuild(BuildOnceTest):
 
     def test_killed_build_is_not_taken_for_whole(self):
         process, gate = self.start_up_to_gate()
-        self.sandbox.kill(process)
+        self.kill(process)
         gate.close()
         (building,) = self.left()
         (building / "leftover").write_text("", encoding="utf-8")
@@ -213,7 +202,7 @@ class QtBuild(BuildOnceTest):
 
     def test_terminated_build_removes_what_it_made(self):
         process, gate = self.start_up_to_gate()
-        out, _ = self.sandbox.kill(process, signal.SIGTERM)
+        out, _ = self.kill(process, signal.SIGTERM)
         gate.close()
         self.assertNotEqual(process.returncode, 0)
         self.assertEqual((out, self.left()), ("", []))
@@ -223,7 +212,7 @@ class QtBuild(BuildOnceTest):
         (stale,) = self.left()
         second = self.assert_built(self.provide())
         self.assertTrue(stale.exists(), "its builder still lives")
-        self.sandbox.kill(process)
+        self.kill(process)
         gate.close()
         third = self.assert_built(self.provide(QT_SOURCE="6.8.3-1"), "6.8.3-1")
         self.assertEqual(self.left(), sorted([second, third]))
@@ -235,7 +224,7 @@ class QtBuild(BuildOnceTest):
         self.assertIn("waiting for another build", second.stderr.readline())
         self.assertIsNone(second.poll())
         gate.open()
-        return self.sandbox.finish(first), self.sandbox.finish(second)
+        return self.finish(first), self.finish(second)
 
     def test_two_calls_at_once_make_one_build(self):
         first, second = self.start_two()

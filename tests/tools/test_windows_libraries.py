@@ -64,8 +64,9 @@ def files_in(folder):
 
 
 class WindowsLibraries(BuildOnceTest):
-    script = "tools/windows-libraries"
+    tool = "tools/windows-libraries"
     cache_folder = "windows"
+    own_fakes = FAKES
 
     @classmethod
     def setUpClass(cls):
@@ -74,13 +75,11 @@ class WindowsLibraries(BuildOnceTest):
 
     def setUp(self):
         super().setUp()
-        self.wheels = self.sandbox.base / "wheels"
+        self.wheels = self.base / "wheels"
         self.wheels.mkdir()
         self.variables = {"PIP_NO_INDEX": "1", "PIP_FIND_LINKS": str(self.wheels)}
-        shutil.copytree(REPOSITORY / "windows", self.sandbox.checkout / "windows")
-        for name, body in FAKES.items():
-            self.sandbox.fake(name, body)
-        shutil.copy(self.sandbox.fakes / "import-library", self.sandbox.checkout / "tools")
+        shutil.copytree(REPOSITORY / "windows", self.checkout / "windows")
+        shutil.copy(self.fakes / "import-library", self.checkout / "tools")
         self.good = self.wheel("good", self.dll, RUNTIME)
         self.list(self.good)
 
@@ -101,8 +100,7 @@ class WindowsLibraries(BuildOnceTest):
         return f"{name}==1 --hash=sha256:{hashlib.sha256(content).hexdigest()}"
 
     def list(self, *lines):
-        path = self.sandbox.checkout / "windows" / "qt-wheels.txt"
-        path.write_text("\n".join(("# why", "", *lines)) + "\n", encoding="utf-8")
+        self.write(self.checkout / "windows/qt-wheels.txt", "\n".join(("# why", "", *lines)) + "\n")
 
     def test_holds_what_programs_are_linked_to_and_run_with(self):
         self.list(self.wheel("no_runtime", self.dll), "# another", self.wheel("other", self.other_dll, RUNTIME))
@@ -121,7 +119,7 @@ class WindowsLibraries(BuildOnceTest):
         )
         headers = ["QtCore", "QtGui", "QtSvg", "QtTest", "QtWidgets"]
         self.assertEqual(sorted(part.name for part in (folder / "include").iterdir()), headers)
-        self.assertNotIn("qt-6.0.1", " ".join(self.sandbox.called("import-library")))
+        self.assertNotIn("qt-6.0.1", " ".join(self.called("import-library")))
         self.assertEqual(
             sorted((folder / "lib/sources").read_text(encoding="utf-8").split()),
             ["llvm/compiler-rt/lib/builtins/src/a.cpp", "llvm/libcxx/src/a.cpp", "rapidcheck/CMakeLists.txt"],
@@ -197,4 +195,4 @@ class WindowsLibraries(BuildOnceTest):
         }.items():
             with self.subTest(failing=failing):
                 self.assert_fails(self.provide(FAILING=failing, FAILING_SAYS=f"error: odd\n{why}\n"), step, why)
-                self.assertIn(failing, self.sandbox.called()[-1])
+                self.assertIn(failing, self.called()[-1])

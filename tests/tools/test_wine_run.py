@@ -46,22 +46,16 @@ def is_gone(process):
 
 class WineRunTest(SandboxTest):
     cache_folder = "wine"
-
-    def setUp(self):
-        super().setUp()
-        self.sandbox.fake("wine", FAKE_WINE)
-        self.sandbox.fake("wineserver", FAKE_WINESERVER)
+    own_fakes = {"wine": FAKE_WINE, "wineserver": FAKE_WINESERVER}
 
     def program(self, text, name="a program.exe"):
-        path = self.sandbox.base / name
-        path.write_text(text + "\n", encoding="utf-8")
-        return str(path)
+        return str(self.write(name, text + "\n"))
 
     def start(self, *words, **changes):
-        return self.sandbox.start_script("tools/wine-run", *words, **changes)
+        return self.start_script("tools/wine-run", *words, **changes)
 
     def wine_run(self, *words, **changes):
-        return self.sandbox.run_script("tools/wine-run", *words, **changes)
+        return self.run_script("tools/wine-run", *words, **changes)
 
     def eventually(self, condition, message):
         end = time.monotonic() + LIMIT
@@ -103,12 +97,12 @@ class Programs(WineRunTest):
     def test_environment(self):
         """Where it was called, in Wine's folder, without a screen, with DLLs named as Windows does."""
         program = self.program('echo "$PWD|$WINEPREFIX|${DISPLAY-none}|$WINEDEBUG"; printf "%s" "$WINEPATH"')
-        base = str(self.sandbox.base).replace("/", "\\")
+        base = str(self.base).replace("/", "\\")
         self.wine_run(program)
-        start = f"{self.sandbox.base}|{self.left()[0]}|none"
+        start = f"{self.base}|{self.left()[0]}|none"
         self.assert_ends(self.wine_run(program, DISPLAY=":0"), f"{start}|-all\n")
         process = self.wine_run(
-            "--dlls", str(self.sandbox.base / "Qt's bin"), "--dlls", "x/../relative", program, WINEDEBUG="+relay"
+            "--dlls", str(self.base / "Qt's bin"), "--dlls", "x/../relative", program, WINEDEBUG="+relay"
         )
         self.assert_ends(process, f"{start}|+relay\nZ:{base}\\Qt's bin;Z:{base}\\relative")
 
@@ -127,14 +121,14 @@ class Prefix(WineRunTest):
     def test_is_made_once_for_each_version(self):
         for version, count in (("10.0", 1), ("10.0", 1), ("11.2", 2), ("10.0", 2)):
             self.assert_ends(self.wine_run(self.greeter, PACKAGE_VERSION=version), "hello\n")
-            self.assertEqual((len(self.sandbox.called("wine wineboot")), len(self.left())), (count, count))
+            self.assertEqual((len(self.called("wine wineboot")), len(self.left())), (count, count))
             for prefix in self.left():
                 # Made to the end, and that waited for.
                 entries = sorted(entry.name for entry in prefix.iterdir())
                 self.assertEqual(entries, ["drive_c", "system.reg", "written"])
 
     def test_failure_is_one_line_and_leaves_nothing(self):
-        gate = self.sandbox.gate()
+        gate = self.gate()
         for words, part, changes in (
             ([], "(no reason given; ", {"WINEBOOT_CODE": "3"}),
             ([], "system.reg': No such file or directory; ", {"NO_REGISTRY": "1"}),
@@ -145,22 +139,21 @@ class Prefix(WineRunTest):
                 process = self.wine_run(*words, self.greeter, **changes)
                 self.assert_one_line(process, 125, "wine-run: Wine could not make its folder (", part)
                 self.assertEqual(self.left(), [])
-                self.assertIn("wineserver --kill", self.sandbox.called()[-1])
+                self.assertIn("wineserver --kill", self.called()[-1])
 
 
 class Runtime(WineRunTest):
     def setUp(self):
         super().setUp()
-        self.runtime = self.sandbox.base / "the runtime"
-        self.runtime.mkdir()
-        (self.runtime / "ORDER.txt").write_text("no DLL", encoding="utf-8")
+        self.runtime = self.base / "the runtime"
+        self.write("the runtime/ORDER.txt", "no DLL")
         self.lister = self.program('cd "$WINEPREFIX/drive_c/windows/system32"; echo "$(echo *):$(cat *):$WINEDLLOVERRIDES"')
 
     def run_with(self, dlls, **changes):
         for file in self.runtime.glob("*.dll"):
             file.unlink()
         for name, content in dlls.items():
-            (self.runtime / f"{name}.dll").write_text(content, encoding="utf-8")
+            self.write(f"the runtime/{name}.dll", content)
         return self.wine_run("--runtime", str(self.runtime), self.lister, **changes)
 
     def test_each_content_is_installed_in_a_folder_of_its_own(self):
@@ -180,36 +173,36 @@ class Runtime(WineRunTest):
     def test_folder_without_dlls(self):
         self.assert_one_line(self.run_with({}), 125, f"{self.runtime} has no DLLs to install")
         self.assert_one_line(self.wine_run("--runtime", "missing", self.lister), 125, "missing has no DLLs to install")
-        self.assertEqual(self.sandbox.called("wine"), [])
+        self.assertEqual(self.called("wine"), [])
 
 
 class Refusals(WineRunTest):
     def test_bad_usage(self):
         program = self.program("echo ran")
-        missing = str(self.sandbox.base / "build" / "kvx.exe")
+        missing = str(self.base / "build" / "kvx.exe")
         for words, part in {
             (missing,): f"{missing} is not there; build it first: ./dev build windows",
-            (str(self.sandbox.base),): "is not there",
+            (str(self.base),): "is not there",
             (): "program",
             ("--deadline", "soon", program): "--deadline: invalid int value: 'soon'",
             ("--unknown", program): "--unknown",
         }.items():
             with self.subTest(words=words):
                 self.assert_one_line(self.wine_run(*words), 2, part)
-        self.assertEqual(self.sandbox.called("wine"), [])
+        self.assertEqual(self.called("wine"), [])
 
     def test_wine_cannot_be_used(self):
         program = self.program("echo ran")
         process = self.wine_run(program, MISSING_PACKAGES="wine")
         self.assert_one_line(process, 125, "the package wine is not installed here; the toolbox has it: ./dev exec tools/wine-run")
-        self.sandbox.cache.write_text("", encoding="utf-8")
-        self.assert_one_line(self.wine_run(program), 125, str(self.sandbox.cache))
+        self.cache.write_text("", encoding="utf-8")
+        self.assert_one_line(self.wine_run(program), 125, str(self.cache))
 
 
 class Show(WineRunTest):
     def setUp(self):
         super().setUp()
-        self.file = self.sandbox.base / "the output.txt"
+        self.file = self.base / "the output.txt"
 
     def show(self, text):
         return self.wine_run("--show", str(self.file), self.program(text), str(self.file))
@@ -239,7 +232,7 @@ class Ending(WineRunTest):
     def setUp(self):
         super().setUp()
         self.addCleanup(self.end_noted)
-        self.notes = self.sandbox.base / "notes"
+        self.notes = self.base / "notes"
         self.notes.mkdir()
 
     def sleeper(self, name):
@@ -261,14 +254,14 @@ class Ending(WineRunTest):
         process = self.start(*words)
         self.eventually(lambda: sorted(self.noted()) == sorted(names), f"{names} did not all come up")
         os.kill(process.pid, signal.SIGINT)
-        return self.sandbox.finish(process)
+        return self.finish(process)
 
     def assert_ended(self, *names):
         for name in names:
             self.eventually(lambda: is_gone(self.noted()[name]), f"{name} still runs")
 
     def test_ends_the_program_and_all_that_it_started(self):
-        shown = self.sandbox.base / "shown"
+        shown = self.base / "shown"
         program = self.program(
             f"""
             {self.sleeper('child')} &
@@ -286,17 +279,17 @@ class Ending(WineRunTest):
         self.assert_ended(*names)
 
     def test_leaves_the_processes_of_another_call_alone(self):
-        gate = self.sandbox.gate()
+        gate = self.gate()
         other = self.start(self.program("read -r _ <gate; exit 5", "other.exe"))
         gate.wait_for(other)
         self.interrupt(self.program(f"exec {self.sleeper('itself')}"), names=["itself"])
         self.assert_ended("itself")
         self.assertIsNone(other.poll())
         gate.open()
-        self.assert_ends(self.sandbox.finish(other), "", "", 5)
+        self.assert_ends(self.finish(other), "", "", 5)
 
     def test_leaves_the_server_alone(self):
-        shutil.copy2("/bin/sleep", self.sandbox.fakes / "wineserver64")
+        shutil.copy2("/bin/sleep", self.fakes / "wineserver64")
         program = self.program(
             f"""
             wineserver64 1000 >/dev/null 2>&1 &
@@ -310,7 +303,7 @@ class Ending(WineRunTest):
 
     def test_deadline(self):
         """A program that only speaks of the server is ended, too."""
-        gate = self.sandbox.gate()
+        gate = self.gate()
         program = self.program(f"({self.sleeper('child')} &)\nread -r _ <\"$1\"", "test of wineserver.exe")
         process = self.wine_run("--deadline", "1", program, str(gate), "wineserver64")
         self.assert_one_line(process, 124, program, " was not done after 1 s; ended it with ")
