@@ -267,13 +267,14 @@ class ToolTest(FolderTest):
         )
 
     def content(self):
-        return {path: path.is_file() and path.read_bytes() for path in self.base.rglob("*")}
+        files = (path for path in self.base.rglob("*") if not path.is_symlink())
+        return {path: path.is_file() and path.read_bytes() for path in files}
 
-    def assert_refused(self, part, *words, **variables):
+    def assert_refused(self, part, *words, code=2, **variables):
         """In one line, and nothing is written."""
         before = self.content()
         process = self.run_tool(*words, **variables)
-        self.assertEqual((process.stdout, process.returncode, process.stderr.count("\n")), ("", 2, 1), process.stderr)
+        self.assertEqual((process.stdout, process.returncode, process.stderr.count("\n")), ("", code, 1), process.stderr)
         self.assertTrue(process.stderr.startswith(f"{self.tool}: "), process.stderr)
         self.assertIn(part, process.stderr)
         self.assertEqual(self.content(), before)

@@ -138,7 +138,7 @@ class WindowsLibraries(BuildOnceTest):
         windows = "CMakeLists.txt toolchain.cmake qt-wheels.txt standard-names.txt include/stdlib.h runtime/TypeInfo.cpp"
         windows += " include/QtGui/qwindowdefs_win.h"
         files = [f"windows/{name}" for name in windows.split()] + ["windows/Qt6/Qt6Config.cmake"]
-        files += ["tools/import-library", "tools/unpack-qt-wheel", "cmake/KvxWarnings.cmake"]
+        files += ["tools/common.py", "tools/import-library", "tools/unpack-qt-wheel", "cmake/KvxWarnings.cmake"]
         for number, file in enumerate(files, start=1):
             with self.subTest(file=file):
                 self.append(file)
