@@ -7,10 +7,7 @@ toolboxMark=/kvx-toolbox
 
 # Prints where toolboxes, ccache's files and the toolbox's home folder lie: outside of every checkout.
 cache_dir() {
-    local home="${HOME:-}"
-    if [[ -z $home ]]; then
-        home=$(getent passwd "$(id -u)" | cut -d: -f6)
-    fi
+    local home=${HOME:-$(getent passwd "$(id -u)" | cut -d: -f6)}
     realpath -m -- "${KVX_CACHE_DIR:-${XDG_CACHE_HOME:-$home/.cache}/kvx}"
 }
 
