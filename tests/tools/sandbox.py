@@ -131,10 +131,15 @@ class FolderTest(unittest.TestCase):
 
 
 class SandboxTest(FolderTest):
-    """cache_folder is where, in the cache, the tested script puts what it makes; own_fakes are a class's own."""
+    """Runs a script of the checkout, which the class names, with its own fakes and variables.
 
+    cache_folder is where, in the cache, the script puts what it makes.
+    """
+
+    tool = "dev"
     cache_folder = ""
     own_fakes = {}
+    variables = {}
 
     def setUp(self):
         super().setUp()
@@ -161,6 +166,10 @@ class SandboxTest(FolderTest):
         self.assertEqual(text.count(old), 1)
         path.write_text(text.replace(old, new), encoding="utf-8")
 
+    def append(self, file, text="# another\n"):
+        with (self.checkout / file).open("a", encoding="utf-8") as end:
+            end.write(text)
+
     def script(self, path, body):
         """A script in the checkout, or in the place of one."""
         self.write(self.checkout / path, f"#!/bin/bash\n{CALL_LOG}{body}", 0o755)
@@ -168,8 +177,8 @@ class SandboxTest(FolderTest):
     def fake(self, name, body):
         self.script(self.fakes / name, body)
 
-    def start_script(self, script, *words, **changes):
-        """Starts a script of the checkout, in a process group of its own, with changes to its environment."""
+    def start(self, *words, **changes):
+        """Starts the script, in a process group of its own, with changes to its environment."""
         environment = {
             "PATH": f"{self.fakes}:/usr/bin:/bin",
             "HOME": str(self.base),
@@ -177,9 +186,9 @@ class SandboxTest(FolderTest):
             "KVX_CACHE_DIR": str(self.cache),
             "KVX_DEBIAN_MIRROR": "file:/no/mirror",
             "CALLS": str(self.calls),
-        } | changes
+        } | self.variables | changes
         process = subprocess.Popen(
-            [self.checkout / script, *words],
+            [self.checkout / self.tool, *words],
             cwd=self.base,
             env={name: value for name, value in environment.items() if value is not None},
             stdin=subprocess.DEVNULL,
@@ -193,8 +202,8 @@ class SandboxTest(FolderTest):
         self.started.append(process)
         return process
 
-    def run_script(self, script, *words, **changes):
-        return self.finish(self.start_script(script, *words, **changes))
+    def run_tool(self, *words, **changes):
+        return self.finish(self.start(*words, **changes))
 
     def finish(self, process):
         """Waits for the end of the process; what it wrote is then its 'out' and 'err'."""
@@ -203,9 +212,6 @@ class SandboxTest(FolderTest):
         except subprocess.TimeoutExpired:
             self.fail(f"still running after {LIMIT} s: {process.args} {self.kill(process)}")
         return process
-
-    def dev(self, *words, **changes):
-        return self.run_script("dev", *words, **changes)
 
     def gate(self):
         return Gate(self.base / "gate")
@@ -227,7 +233,8 @@ class SandboxTest(FolderTest):
 
     def toolbox(self):
         """The folder of the toolbox that the checkout wants now."""
-        return self.cache / "toolbox" / self.run_script("tools/toolbox-key").out.strip()
+        key = subprocess.run([self.checkout / "tools/toolbox-key"], stdout=subprocess.PIPE, text=True, check=True)
+        return self.cache / "toolbox" / key.stdout.strip()
 
     def left(self):
         """What is in the cache's folder, except locks and logs."""

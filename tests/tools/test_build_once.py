@@ -51,20 +51,6 @@ FAKES = {
 
 
 class BuildOnceTest(SandboxTest):
-    """tool is what builds, with variables in its environment."""
-
-    variables = {}
-
-    def start(self, **changes):
-        return self.start_script(self.tool, **(self.variables | changes))
-
-    def provide(self, **changes):
-        return self.finish(self.start(**changes))
-
-    def append(self, file):
-        with (self.checkout / file).open("a", encoding="utf-8") as end:
-            end.write("# another\n")
-
     def log(self):
         (log,) = self.folders.glob("*.log")
         return log
@@ -109,7 +95,7 @@ class QtBuild(BuildOnceTest):
 
     def test_makes_the_folder_and_nothing_else(self):
         before = sorted(self.checkout.rglob("*"))
-        process = self.provide()
+        process = self.run_tool()
         folder = self.assert_built(process)
         self.assertEqual(sorted(self.folders.iterdir()), [folder, folder.with_suffix(".lock")])
         self.assertEqual(sorted(self.checkout.rglob("*")), before)
@@ -119,20 +105,20 @@ class QtBuild(BuildOnceTest):
 
     def test_another_input_makes_another_folder(self):
         """What was built from the old one is neither used nor touched. With the same input nothing is built."""
-        folders = [self.assert_built(self.provide())]
+        folders = [self.assert_built(self.run_tool())]
         for changes, version in (({"COMPILER": "14.3.0-1"}, "6.8.2-9"), ({"QT_SOURCE": "6.8.3-1"}, "6.8.3-1")):
-            folders.append(self.assert_built(self.provide(**changes), version))
+            folders.append(self.assert_built(self.run_tool(**changes), version))
         for change in (
             ("tools/tsan-qt-build", "-DFEATURE_icu=OFF", "-DFEATURE_icu=ON"),
             ("tools/tsan-qt-build", "dpkg-source --no-check", "dpkg-source -q --no-check"),
             ("tools/build-once.sh", "apt source --download-only", "apt source -q --download-only"),
         ):
             self.replace(*change)
-            folders.append(self.assert_built(self.provide()))
+            folders.append(self.assert_built(self.run_tool()))
         self.assertEqual((self.left(), self.builds()), (sorted(set(folders)), len(folders)))
         for file in ("dev", "tools/tsan-qt-build", "tools/build-once.sh"):
             self.append(file)
-        process = self.provide()
+        process = self.run_tool()
         self.assertEqual((self.assert_built(process), process.err, self.builds()), (folders[-1], "", len(folders)))
 
     def test_step_and_reason_of_a_failure_are_one_sentence(self):
@@ -157,24 +143,24 @@ class QtBuild(BuildOnceTest):
             (" update", "", fetched, "no reason given"),
         ):
             with self.subTest(failing=failing, output=output):
-                self.assert_fails(self.provide(FAILING=failing, FAILING_SAYS=f"{output}\n"), step, why)
+                self.assert_fails(self.run_tool(FAILING=failing, FAILING_SAYS=f"{output}\n"), step, why)
                 self.assertIn(failing, self.called()[-1])
                 self.assertIn(output, self.log().read_text(encoding="utf-8"))
-        folder = self.assert_built(self.provide())
+        folder = self.assert_built(self.run_tool())
         self.assertEqual(self.left(), [folder])
 
         folder.rename(self.base / "another folder")
         folder.with_suffix(".log").symlink_to("/dev/full")
-        self.assert_fails(self.provide(FAILING="cmake -S"), built, "No space left on device")
+        self.assert_fails(self.run_tool(FAILING="cmake -S"), built, "No space left on device")
 
     def test_outside_of_the_toolbox(self):
         reason = "the package qt6-base-dev is not installed here; the toolbox has it: ./dev build tsan"
-        self.assert_cannot(self.provide(NOT_INSTALLED="1"), reason)
+        self.assert_cannot(self.run_tool(NOT_INSTALLED="1"), reason)
         self.assertEqual(self.called("apt-get") + self.called("cmake"), [])
 
     def test_cannot_be_written_to(self):
         """A file is where a folder has to be, and the other way round: root may write into any folder."""
-        folder = self.assert_built(self.provide())
+        folder = self.assert_built(self.run_tool())
         not_writable = f"Qt for ThreadSanitizer cannot be built: {self.folders} cannot be written to"
         shutil.rmtree(self.cache)
         for path, create, sentence, builds in (
@@ -187,7 +173,7 @@ class QtBuild(BuildOnceTest):
             with self.subTest(path=path):
                 path.parent.mkdir(parents=True, exist_ok=True)
                 create(path)
-                self.assert_cannot(self.provide(), sentence)
+                self.assert_cannot(self.run_tool(), sentence)
                 self.assertEqual((self.builds(), path.exists()), (builds, path.suffix != ".building"))
                 path.rmdir() if path.is_dir() else path.unlink(missing_ok=True)
 
@@ -197,7 +183,7 @@ class QtBuild(BuildOnceTest):
         gate.close()
         (building,) = self.left()
         (building / "leftover").write_text("", encoding="utf-8")
-        folder = self.assert_provided(self.provide())
+        folder = self.assert_provided(self.run_tool())
         self.assertEqual((folder, self.left()), (building.with_suffix(""), [folder]))
 
     def test_terminated_build_removes_what_it_made(self):
@@ -210,11 +196,11 @@ class QtBuild(BuildOnceTest):
     def test_leftovers_of_another_version_are_removed_when_their_builder_is_dead(self):
         process, gate = self.start_up_to_gate(QT_SOURCE="6.8.1-1")
         (stale,) = self.left()
-        second = self.assert_built(self.provide())
+        second = self.assert_built(self.run_tool())
         self.assertTrue(stale.exists(), "its builder still lives")
         self.kill(process)
         gate.close()
-        third = self.assert_built(self.provide(QT_SOURCE="6.8.3-1"), "6.8.3-1")
+        third = self.assert_built(self.run_tool(QT_SOURCE="6.8.3-1"), "6.8.3-1")
         self.assertEqual(self.left(), sorted([second, third]))
 
     def start_two(self, **changes):

@@ -92,9 +92,6 @@ class ContractCoverage(ToolTest):
     def unseen(self, text):
         self.write("tests/coverage/unseen.toml", text)
 
-    def new_log_line(self, code):
-        self.write("plugin/New.cpp", f"void f()\n{{\n    {code}\n}}\n")
-
     def write_timelines(self, entries):
         """In two files: what one program did not see another one may have."""
         for number, part in enumerate((entries[::2], entries[1::2])):
@@ -108,9 +105,6 @@ class ContractCoverage(ToolTest):
         process = self.check()
         self.assert_ends(process, 1, *problems, out=process.stdout)
         self.assertIn("device slot ", process.stdout)
-
-    def assert_bad(self, part):
-        self.assert_refused(part, "timelines")
 
     def test_all_was_seen(self):
         self.assert_ends(self.check(), 0, out=TABLE)
@@ -155,7 +149,7 @@ class ContractCoverage(ToolTest):
             'deviceWarning() << "new (text)";': "warning LogicalDevice: new (text)",
             'deviceDebug() << "rate :" << rate;': "debug LogicalDevice: rate : *",
         }.items():
-            self.new_log_line(code)
+            self.write("plugin/New.cpp", f"void f()\n{{\n    {code}\n}}\n")
             self.assert_problems(f"log text never seen: {text}")
 
     def test_what_nothing_tells_of(self):
@@ -195,11 +189,11 @@ class ContractCoverage(ToolTest):
             with self.subTest(part):
                 self.setUp()
                 self.write(name, text)
-                self.assert_bad(part)
+                self.assert_refused(part, "timelines")
 
     def test_no_timelines(self):
         for path in self.timelines.iterdir():
             path.unlink()
-        self.assert_bad("timelines holds no timelines (*.jsonl); the test cli_check writes them")
+        self.assert_refused("timelines holds no timelines (*.jsonl); the test cli_check writes them", "timelines")
         self.timelines.rmdir()
-        self.assert_bad("timelines holds no timelines")
+        self.assert_refused("timelines holds no timelines", "timelines")

@@ -54,7 +54,7 @@ for preset in ("tsan", "fuzz", "coverage", "tidy", "windows"):
 
 class Refusals(SandboxTest):
     def assert_refused(self, expected, *words, **changes):
-        process = self.dev(*words, **changes)
+        process = self.run_tool(*words, **changes)
         self.assertEqual((process.out, process.err, process.returncode), ("", f"./dev: {expected}\n", 2))
         self.assertEqual(self.called("cmake"), [])
 
@@ -70,7 +70,7 @@ class Refusals(SandboxTest):
                 with self.subTest(name=name, line=line):
                     sentence = f"{name} is set and would change what the tests do; unset it"
                     self.assert_refused(sentence, *line.split(), **{name: ""})
-                    self.assertEqual(self.dev("--dry-run", "exec", "true", **{name: "1"}).returncode, 0)
+                    self.assertEqual(self.run_tool("--dry-run", "exec", "true", **{name: "1"}).returncode, 0)
 
     def test_without_a_toolbox(self):
         """Known only after it was tried."""
@@ -78,7 +78,7 @@ class Refusals(SandboxTest):
             "build windows": NATIVE.format("windows"),
             "coverage": REFUSALS["--native coverage"],
         }.items():
-            process = self.dev(*line.split(), BWRAP_FAILS="no namespaces")
+            process = self.run_tool(*line.split(), BWRAP_FAILS="no namespaces")
             self.assertEqual((process.err.splitlines()[-1], process.returncode), (f"./dev: {sentence}", 2))
             self.assertEqual(self.called("cmake"), [])
 
@@ -172,12 +172,12 @@ DRY_RUNS = {
 
 class DryRun(SandboxTest):
     def test_prints_what_would_run(self):
-        self.dev("exec", "true")
+        self.run_tool("exec", "true")
         self.calls.unlink()
         checkout = str(self.checkout).replace("'", "'\\''")
         for line, commands in DRY_RUNS.items():
             with self.subTest(line):
-                process = self.dev("--dry-run", *shlex.split(line), DISPLAY=":0")
+                process = self.run_tool("--dry-run", *shlex.split(line), DISPLAY=":0")
                 expected = "".join(f"$ {command}\n" for command in commands).replace("{checkout}", checkout)
                 self.assertEqual((process.out, process.err, process.returncode), (expected, "", 0))
         self.assertEqual([call for call in self.called() if not call.startswith(("bwrap", "id", "dpkg"))], [])
@@ -185,21 +185,21 @@ class DryRun(SandboxTest):
 
 class Commands(SandboxTest):
     def test_help_names_every_verb(self):
-        process = self.dev("help")
+        process = self.run_tool("help")
         self.assertEqual((process.err, process.returncode), ("", 0))
-        self.assertEqual(self.dev("--help").out, process.out)
+        self.assertEqual(self.run_tool("--help").out, process.out)
         verbs = {line.split()[0] for line in DRY_RUNS if not line.startswith("-")} | {"package", "help"}
         for verb in verbs:
             self.assertRegex(process.out, rf"(?m)^  {verb}\b")
 
     def test_exec_keeps_words_output_and_exit_code(self):
-        process = self.dev("exec", "bash", "-c", 'printf "%s|" "$PWD" "$@"; exit 7', "bash", "a  b", "", "*")
+        process = self.run_tool("exec", "bash", "-c", 'printf "%s|" "$PWD" "$@"; exit 7', "bash", "a  b", "", "*")
         self.assertEqual((process.out, process.returncode), (f"{self.checkout}|a  b||*|", 7))
 
     def test_run_leaves_stdout_to_the_session(self):
         self.script("build/release/kvx", 'echo "played: $*"\n')
         self.fake("cmake", "echo noise\n")
-        process = self.dev("run", "--json")
+        process = self.run_tool("run", "--json")
         self.assertEqual((process.out, process.returncode), ("played: session --json\n", 0))
         self.assertIn("noise", process.err)
 
@@ -209,7 +209,7 @@ class Commands(SandboxTest):
             self.script(f"build/{preset}/kvx-workbench", window)
             for display in {"DISPLAY": ":9"}, {"WAYLAND_DISPLAY": "wayland-9"}:
                 with self.subTest(preset=preset, display=display):
-                    process = self.dev(*native, "workbench", "a b.kvx", **display)
+                    process = self.run_tool(*native, "workbench", "a b.kvx", **display)
                     self.assertEqual((process.out, process.returncode), (f"{display.popitem()[1]} a b.kvx ", 3))
                     repeat = shlex.join(["./dev", *native, "workbench", "a b.kvx"])
                     self.assertEqual(process.err.splitlines()[-1].partition("just this: ")[2], repeat)
@@ -218,7 +218,7 @@ class Commands(SandboxTest):
 
     def test_inside_the_toolbox_commands_run_directly(self):
         self.toolbox_mark.mkdir()
-        process = self.dev("exec", "echo", "inside")
+        process = self.run_tool("exec", "echo", "inside")
         self.assertEqual((process.out, process.err), ("inside\n", "$ echo inside\n"))
         self.assertEqual(self.called("bwrap"), [])
 
@@ -240,7 +240,7 @@ class Libraries(SandboxTest):
     def test_libraries_are_built_first_and_reach_cmake(self):
         """Another build's cache of CMake is forgotten."""
         self.script("tools/tsan-qt-build", "echo /cache/tsan-qt/new\n")
-        process = self.dev("build", "tsan")
+        process = self.run_tool("build", "tsan")
         self.assertEqual((process.out, process.returncode), ("", 0), process.err)
         self.assertEqual(self.called("tsan"), ["tsan-qt-build "])
         configured, built = self.called("cmake")
@@ -251,7 +251,7 @@ class Libraries(SandboxTest):
                 if cached:
                     self.configured_with(cached)
                 self.calls.unlink(missing_ok=True)
-                process = self.dev("build", "windows")
+                process = self.run_tool("build", "windows")
                 self.assertEqual((process.out, process.returncode), ("", 0), process.err)
                 self.assertIn("working", process.err.splitlines())
                 self.assertEqual(
@@ -265,14 +265,14 @@ class Libraries(SandboxTest):
 
     def test_dry_run_does_not_claim_other_libraries(self):
         self.configured_with("/cache/windows/new")
-        self.assertNotIn("--fresh", self.dev("--dry-run", "build", "windows").out)
+        self.assertNotIn("--fresh", self.run_tool("--dry-run", "build", "windows").out)
 
     def test_reason_of_failed_libraries_is_one_line(self):
         reason = "Qt for Windows, good==1, could not be fetched (ERROR: no network)"
         for answer, said in {reason: reason, "": "tools/windows-libraries failed"}.items():
             with self.subTest(answer=answer):
                 self.script_answers(answer, 3)
-                process = self.dev("build", "windows")
+                process = self.run_tool("build", "windows")
                 self.assertEqual(process.err.splitlines()[-1], f"./dev: {said}")
                 self.assertEqual((process.out, process.returncode), ("", 1))
                 self.assertEqual(self.called("cmake"), [])
@@ -282,7 +282,7 @@ class Failures(SandboxTest):
     """The last line says how to repeat just what failed."""
 
     def assert_fails(self, line, code, repeat, **changes):
-        process = self.dev(*shlex.split(line), **changes)
+        process = self.run_tool(*shlex.split(line), **changes)
         expected = f"./dev: failed (exit code {code}); to repeat just this: ./dev {repeat}"
         self.assertEqual((process.err.splitlines()[-1], process.returncode), (expected, code))
         return process
@@ -326,7 +326,7 @@ class Coverage(SandboxTest):
 
     def test_tables_stand_alone_and_counts_of_earlier_runs_are_forgotten(self):
         self.fake("ctest", "echo noise\n")
-        process = self.dev("coverage")
+        process = self.run_tool("coverage")
         self.assertEqual((process.out, process.returncode), ("code table\ncode table\ncontract table\n", 0), process.err)
         self.assertIn("noise", process.err)
         self.assertFalse(self.stale.exists())
@@ -335,12 +335,12 @@ class Coverage(SandboxTest):
         for codes in ((4, 0), (0, 1), (2, 1)):
             with self.subTest(codes=codes):
                 self.judge(*codes)
-                process = self.dev("coverage")
+                process = self.run_tool("coverage")
                 self.assertEqual((process.out, process.returncode), ("code table\ncode table\ncontract table\n", 1))
                 self.assertRegex(process.err, r"failed \(exit code 1\); to repeat just this: ./dev coverage\n$")
 
     def test_nothing_is_judged_after_a_failed_test(self):
-        process = self.dev("coverage", FAILING="ctest")
+        process = self.run_tool("coverage", FAILING="ctest")
         self.assertEqual((process.out, process.returncode), ("", 1))
         self.assertEqual(self.called("gcovr") + self.called("contract-coverage"), [])
 

@@ -104,7 +104,7 @@ class WindowsLibraries(BuildOnceTest):
 
     def test_holds_what_programs_are_linked_to_and_run_with(self):
         self.list(self.wheel("no_runtime", self.dll), "# another", self.wheel("other", self.other_dll, RUNTIME))
-        folder = self.assert_provided(self.provide())
+        folder = self.assert_provided(self.run_tool())
         self.assertEqual(sorted(self.folders.iterdir()), [folder, folder.with_suffix(".lock")])
         linked = ["kernel32", "ucrtbase", "vcruntime140", "msvcp140", *(name.removesuffix(".dll") for name in QT)]
         qt = ["LICENSE", *(f"bin/{name}" for name in QT), *(f"plugins/{name}" for name in PLUGINS)]
@@ -131,10 +131,10 @@ class WindowsLibraries(BuildOnceTest):
 
     def test_no_package_has_the_runtime(self):
         self.list(self.wheel("no_runtime", self.dll))
-        self.assert_cannot(self.provide(), "no package in windows/qt-wheels.txt has microsoft-runtime")
+        self.assert_cannot(self.run_tool(), "no package in windows/qt-wheels.txt has microsoft-runtime")
 
     def test_another_file_makes_another_folder(self):
-        folder = self.assert_provided(self.provide())
+        folder = self.assert_provided(self.run_tool())
         windows = "CMakeLists.txt toolchain.cmake qt-wheels.txt standard-names.txt include/stdlib.h runtime/TypeInfo.cpp"
         windows += " include/QtGui/qwindowdefs_win.h"
         files = [f"windows/{name}" for name in windows.split()] + ["windows/Qt6/Qt6Config.cmake"]
@@ -143,7 +143,7 @@ class WindowsLibraries(BuildOnceTest):
             with self.subTest(file=file):
                 self.append(file)
                 # The log that stays is named after the folder.
-                self.assertEqual(self.provide(FAILING=" -m pip ").returncode, 3)
+                self.assertEqual(self.run_tool(FAILING=" -m pip ").returncode, 3)
                 self.assertEqual(len(list(self.folders.glob("*.log"))), number)
         self.assertEqual(self.left(), [folder])
 
@@ -164,7 +164,7 @@ class WindowsLibraries(BuildOnceTest):
             with self.subTest(line=line):
                 shutil.rmtree(self.folders, ignore_errors=True)
                 self.list(line, self.good)
-                process = self.provide(**variables)
+                process = self.run_tool(**variables)
                 why = next(line for line in self.log().read_text(encoding="utf-8").splitlines() if "ERROR: " in line)
                 self.assertIn(part, why)
                 self.assert_fails(process, f"Qt for Windows, {line.split()[0]}, could not be {step}", why)
@@ -173,7 +173,7 @@ class WindowsLibraries(BuildOnceTest):
         for lines, found in {(self.wheel("other", self.other_dll), self.good): "6.0.1", (): "missing"}.items():
             self.list(*lines)
             self.assert_cannot(
-                self.provide(),
+                self.run_tool(),
                 f"the headers of Qt are {VERSION} and Qt6Core.dll is {found}: "
                 "name a package with the headers' version first in windows/qt-wheels.txt",
             )
@@ -194,5 +194,5 @@ class WindowsLibraries(BuildOnceTest):
             "cmake --install": built,
         }.items():
             with self.subTest(failing=failing):
-                self.assert_fails(self.provide(FAILING=failing, FAILING_SAYS=f"error: odd\n{why}\n"), step, why)
+                self.assert_fails(self.run_tool(FAILING=failing, FAILING_SAYS=f"error: odd\n{why}\n"), step, why)
                 self.assertIn(failing, self.called()[-1])

@@ -45,17 +45,12 @@ def is_gone(process):
 
 
 class WineRunTest(SandboxTest):
+    tool = "tools/wine-run"
     cache_folder = "wine"
     own_fakes = {"wine": FAKE_WINE, "wineserver": FAKE_WINESERVER}
 
     def program(self, text, name="a program.exe"):
         return str(self.write(name, text + "\n"))
-
-    def start(self, *words, **changes):
-        return self.start_script("tools/wine-run", *words, **changes)
-
-    def wine_run(self, *words, **changes):
-        return self.run_script("tools/wine-run", *words, **changes)
 
     def eventually(self, condition, message):
         end = time.monotonic() + LIMIT
@@ -77,9 +72,9 @@ class Programs(WineRunTest):
     def test_output_and_exit_code_are_handed_on(self):
         program = self.program('echo out; echo err >&2; exit "$1"')
         for code in (0, 1, 3, 124, 255):
-            self.assert_ends(self.wine_run(program, str(code)), "out\n", "err\n", code)
+            self.assert_ends(self.run_tool(program, str(code)), "out\n", "err\n", code)
         # A signal becomes what a shell makes of it.
-        self.assertEqual(self.wine_run(self.program("kill -KILL $$")).returncode, 128 + signal.SIGKILL)
+        self.assertEqual(self.run_tool(self.program("kill -KILL $$")).returncode, 128 + signal.SIGKILL)
 
     def test_arguments_are_unchanged(self):
         """Options after the program are its own."""
@@ -91,24 +86,24 @@ class Programs(WineRunTest):
         ):
             with self.subTest(words=words):
                 out = "".join(f"<{word}>" for word in words)
-                self.assert_ends(self.wine_run("--deadline", "1000", program, *words), out)
-                self.assert_ends(self.wine_run(program, *words), out)
+                self.assert_ends(self.run_tool("--deadline", "1000", program, *words), out)
+                self.assert_ends(self.run_tool(program, *words), out)
 
     def test_environment(self):
         """Where it was called, in Wine's folder, without a screen, with DLLs named as Windows does."""
         program = self.program('echo "$PWD|$WINEPREFIX|${DISPLAY-none}|$WINEDEBUG"; printf "%s" "$WINEPATH"')
         base = str(self.base).replace("/", "\\")
-        self.wine_run(program)
+        self.run_tool(program)
         start = f"{self.base}|{self.left()[0]}|none"
-        self.assert_ends(self.wine_run(program, DISPLAY=":0"), f"{start}|-all\n")
-        process = self.wine_run(
+        self.assert_ends(self.run_tool(program, DISPLAY=":0"), f"{start}|-all\n")
+        process = self.run_tool(
             "--dlls", str(self.base / "Qt's bin"), "--dlls", "x/../relative", program, WINEDEBUG="+relay"
         )
         self.assert_ends(process, f"{start}|+relay\nZ:{base}\\Qt's bin;Z:{base}\\relative")
 
     def test_variables_of_qt(self):
         program = self.program('printf "%s" "$WINEQT_QPA_PLATFORM"')
-        self.assert_ends(self.wine_run(program, QT_QPA_PLATFORM="offscreen"), "offscreen")
+        self.assert_ends(self.run_tool(program, QT_QPA_PLATFORM="offscreen"), "offscreen")
 
 
 class Prefix(WineRunTest):
@@ -120,7 +115,7 @@ class Prefix(WineRunTest):
 
     def test_is_made_once_for_each_version(self):
         for version, count in (("10.0", 1), ("10.0", 1), ("11.2", 2), ("10.0", 2)):
-            self.assert_ends(self.wine_run(self.greeter, PACKAGE_VERSION=version), "hello\n")
+            self.assert_ends(self.run_tool(self.greeter, PACKAGE_VERSION=version), "hello\n")
             self.assertEqual((len(self.called("wine wineboot")), len(self.left())), (count, count))
             for prefix in self.left():
                 # Made to the end, and that waited for.
@@ -136,7 +131,7 @@ class Prefix(WineRunTest):
             (["--deadline", "1"], "(timeout: sending signal TERM to ", {"WINEBOOT_GATE": str(gate)}),
         ):
             with self.subTest(changes=changes):
-                process = self.wine_run(*words, self.greeter, **changes)
+                process = self.run_tool(*words, self.greeter, **changes)
                 self.assert_one_line(process, 125, "wine-run: Wine could not make its folder (", part)
                 self.assertEqual(self.left(), [])
                 self.assertIn("wineserver --kill", self.called()[-1])
@@ -154,7 +149,7 @@ class Runtime(WineRunTest):
             file.unlink()
         for name, content in dlls.items():
             self.write(f"the runtime/{name}.dll", content)
-        return self.wine_run("--runtime", str(self.runtime), self.lister, **changes)
+        return self.run_tool("--runtime", str(self.runtime), self.lister, **changes)
 
     def test_each_content_is_installed_in_a_folder_of_its_own(self):
         overrides = "mscoree,mshtml,winemenubuilder.exe="
@@ -163,7 +158,7 @@ class Runtime(WineRunTest):
             said = f"{' '.join(f'{name}.dll' for name in dlls)}:{''.join(dlls.values())}:{overrides};{','.join(dlls)}=n\n"
             self.assert_ends(self.run_with(dlls), said)
             self.assertEqual(len(self.left()), min(number + 1, len(contents)))
-        self.assert_ends(self.wine_run(self.program('echo "$WINEDLLOVERRIDES"')), f"{overrides}\n")
+        self.assert_ends(self.run_tool(self.program('echo "$WINEDLLOVERRIDES"')), f"{overrides}\n")
         self.assertEqual(len(self.left()), len(contents) + 1)
 
     def test_folder_without_the_whole_runtime_is_not_used(self):
@@ -172,7 +167,7 @@ class Runtime(WineRunTest):
 
     def test_folder_without_dlls(self):
         self.assert_one_line(self.run_with({}), 125, f"{self.runtime} has no DLLs to install")
-        self.assert_one_line(self.wine_run("--runtime", "missing", self.lister), 125, "missing has no DLLs to install")
+        self.assert_one_line(self.run_tool("--runtime", "missing", self.lister), 125, "missing has no DLLs to install")
         self.assertEqual(self.called("wine"), [])
 
 
@@ -188,15 +183,15 @@ class Refusals(WineRunTest):
             ("--unknown", program): "--unknown",
         }.items():
             with self.subTest(words=words):
-                self.assert_one_line(self.wine_run(*words), 2, part)
+                self.assert_one_line(self.run_tool(*words), 2, part)
         self.assertEqual(self.called("wine"), [])
 
     def test_wine_cannot_be_used(self):
         program = self.program("echo ran")
-        process = self.wine_run(program, MISSING_PACKAGES="wine")
+        process = self.run_tool(program, MISSING_PACKAGES="wine")
         self.assert_one_line(process, 125, "the package wine is not installed here; the toolbox has it: ./dev exec tools/wine-run")
         self.cache.write_text("", encoding="utf-8")
-        self.assert_one_line(self.wine_run(program), 125, str(self.cache))
+        self.assert_one_line(self.run_tool(program), 125, str(self.cache))
 
 
 class Show(WineRunTest):
@@ -205,7 +200,7 @@ class Show(WineRunTest):
         self.file = self.base / "the output.txt"
 
     def show(self, text):
-        return self.wine_run("--show", str(self.file), self.program(text), str(self.file))
+        return self.run_tool("--show", str(self.file), self.program(text), str(self.file))
 
     def test_file_is_printed_at_the_end(self):
         process = self.show('printf "Gr\\303\\274n\\r\\nend\\r\\n" >"$1"; echo first; exit 3')
@@ -221,7 +216,7 @@ class Show(WineRunTest):
 
     def test_what_lives_on_does_not_hold_the_output(self):
         # As Wine's server, which the first program starts.
-        process = self.wine_run(self.program("sleep 1000 & echo $!"))
+        process = self.run_tool(self.program("sleep 1000 & echo $!"))
         os.kill(int(process.out), signal.SIGKILL)
         self.assertEqual((process.err, process.returncode), ("", 0))
 
@@ -305,6 +300,6 @@ class Ending(WineRunTest):
         """A program that only speaks of the server is ended, too."""
         gate = self.gate()
         program = self.program(f"({self.sleeper('child')} &)\nread -r _ <\"$1\"", "test of wineserver.exe")
-        process = self.wine_run("--deadline", "1", program, str(gate), "wineserver64")
+        process = self.run_tool("--deadline", "1", program, str(gate), "wineserver64")
         self.assert_one_line(process, 124, program, " was not done after 1 s; ended it with ")
         self.assert_ended(*self.noted())
