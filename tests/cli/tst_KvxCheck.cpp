@@ -3,6 +3,7 @@
 #include "ScenarioFiles.h"
 #include "ThisSystem.h"
 
+#include <QtCore/QDir>
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
 #include <QtCore/QJsonArray>
@@ -144,6 +145,8 @@ private Q_SLOTS:
     void inProcessFindsTheSame();
     void logRulesOfTheUserChangeNothing();
     void reportsAreWritten();
+    void reportReplacesNoOtherFile_data();
+    void reportReplacesNoOtherFile();
     void listHasEveryScenario();
     void levelsIncludeThoseBefore_data();
     void levelsIncludeThoseBefore();
@@ -457,6 +460,46 @@ void tst_KvxCheck::reportsAreWritten()
     }
 }
 
+void tst_KvxCheck::reportReplacesNoOtherFile_data()
+{
+    QTest::addColumn<QStringList>("options");
+    QTest::addColumn<QString>("says");
+    const QString library = m_files.path(QFileInfo(PluginFixture::builtPluginFile()).fileName());
+    const QString waivers = m_files.path(u"waivers.toml"_s);
+    const QString scenario = m_files.path(u"passes.kvx"_s);
+    const QString other = m_files.path(u"new"_s);
+    const QString otherWay = m_files.path(u"../%1/new"_s.arg(QFileInfo(m_files.path({})).dir().dirName()));
+    QTest::newRow("library") << QStringList{u"--json"_s, other, u"--html"_s, library}
+                             << u"--html \"%1\" is the library to check"_s.arg(library);
+    QTest::newRow("waivers") << QStringList{u"--json"_s, waivers}
+                             << u"--json \"%1\" is the file of waivers"_s.arg(waivers);
+    QTest::newRow("scenario") << QStringList{u"--junit"_s, scenario}
+                              << u"--junit \"%1\" is a scenario to run"_s.arg(scenario);
+    QTest::newRow("another-report") << QStringList{u"--json"_s, other, u"--html"_s, otherWay}
+                                    << u"--html \"%1\" is the file of --json"_s.arg(otherWay);
+#ifndef Q_OS_WIN
+    const QString link = m_files.path(u"link"_s);
+    QFile::link(library, link);
+    QTest::newRow("link") << QStringList{u"--html"_s, link}
+                          << u"--html \"%1\" is the library to check"_s.arg(link);
+#endif
+}
+
+void tst_KvxCheck::reportReplacesNoOtherFile()
+{
+    QFETCH(const QStringList, options);
+    QFETCH(const QString, says);
+    const QString library = m_files.path(QFileInfo(PluginFixture::builtPluginFile()).fileName());
+    QFile::copy(PluginFixture::builtPluginFile(), library);
+    const QString waivers = m_files.writeText(u"waivers.toml"_s, {});
+    const KvxRun run =
+        check(QStringList{m_files.write(u"passes"_s, passes()), u"--waivers"_s, waivers} + options, library);
+    QCOMPARE(run.exitCode, 2);
+    QCOMPARE(run.output, QStringList());
+    QCOMPARE(run.errors, QStringList{u"kvx: %1; give another file"_s.arg(says)});
+    QVERIFY(!QFile::exists(m_files.path(u"new"_s)));
+}
+
 void tst_KvxCheck::listHasEveryScenario()
 {
     QStringList names;
@@ -565,6 +608,7 @@ void tst_KvxCheck::badUsage_data()
     for (const char *const option : {"--junit", "--json", "--html"})
         row(option, {library, QString::fromLatin1(option), u"/nowhere/x"_s},
             u"\"/nowhere/x\" cannot be written"_s);
+    row("no-regular-file", {library, u"--json"_s, u"/"_s}, u"\"/\" is no regular file; give the name"_s);
 }
 
 void tst_KvxCheck::badUsage()

@@ -1,5 +1,6 @@
 #include "CheckPlan.h"
 
+#include <QtCore/QFileInfo>
 #include <QtCore/QSaveFile>
 #include <QtCore/QThread>
 #include <QtCore/QUuid>
@@ -51,14 +52,45 @@ QString takeWaivers(const QString &file, CheckPlan &plan)
 }
 
 // Nobody waits for a check whose reports cannot be written.
-QString whyNotWritable(const QStringList &names)
+QString whyNotWritable(const QString &name)
 {
-    for (const QString &name : names) {
-        QSaveFile file(name);
-        if (!name.isEmpty() && !file.open(QSaveFile::WriteOnly))
-            return u"\"%1\" cannot be written: %2; give a file in a folder that is there"_s.arg(
-                name, file.errorString());
-        file.cancelWriting();
+    const QFileInfo info(name);
+    if (info.exists() && !info.isFile())
+        return u"\"%1\" is no regular file; give the name of a file"_s.arg(name);
+    QSaveFile file(name);
+    if (!file.open(QSaveFile::WriteOnly))
+        return u"\"%1\" cannot be written: %2; give a file in a folder that is there"_s.arg(
+            name, file.errorString());
+    file.cancelWriting();
+    return {};
+}
+
+bool isSameFile(const QFileInfo &one, const QFileInfo &other)
+{
+    return one.exists() || other.exists()
+               ? one == other
+               : one.fileName() == other.fileName() && QFileInfo(one.path()) == QFileInfo(other.path());
+}
+
+// Checks the files of the reports: none may replace one that the check reads, or another report.
+QString whyNoReports(const CheckOptions &options, const QList<ContractScenario> &scenarios)
+{
+    QList<std::pair<QString, QString>> taken{{options.pluginFile, u"the library to check"_s},
+                                             {options.waiverFile, u"the file of waivers"_s}};
+    for (const ContractScenario &scenario : scenarios)
+        taken.append({scenario.file, u"a scenario to run"_s});
+    for (const auto &[file, option] : {std::pair(options.junitFile, u"--junit"_s),
+                                       {options.jsonFile, u"--json"_s},
+                                       {options.htmlFile, u"--html"_s}}) {
+        if (file.isEmpty())
+            continue;
+        if (const QString problem = whyNotWritable(file); !problem.isEmpty())
+            return problem;
+        for (const auto &[other, what] : std::as_const(taken)) {
+            if (isSameFile(QFileInfo(file), QFileInfo(other)))
+                return u"%1 \"%2\" is %3; give another file"_s.arg(option, file, what);
+        }
+        taken.append({file, u"the file of "_s + option});
     }
     return {};
 }
@@ -77,6 +109,5 @@ QString makePlan(const CheckOptions &options, CheckPlan &plan)
         problem = takeScenarios(options, plan);
     if (problem.isEmpty())
         problem = takeWaivers(options.waiverFile, plan);
-    return problem.isEmpty() ? whyNotWritable({options.junitFile, options.jsonFile, options.htmlFile})
-                             : problem;
+    return problem.isEmpty() ? whyNoReports(options, plan.scenarios) : problem;
 }
