@@ -1,7 +1,7 @@
 // report_sample SAMPLE FILE: writes the report of a check that never was, with what no library makes on
 // demand, in the format that the file's suffix says. The samples: "broken" has all verdicts and texts that
-// are hard to write, "kept" and "mild" keep the contract, "incomplete" and "stale" do not, though no scenario
-// fails.
+// are hard to write, "kept" and "mild" keep the contract, "part" keeps a part of it, "incomplete", "skipped" and
+// "stale" do not, though no scenario fails.
 
 #include "CheckReport.h"
 #include "ReportFiles.h"
@@ -119,6 +119,7 @@ CheckReport kept()
     report.verdicts.append(skipped());
     report.verdicts.append(waived());
     report.planned = report.verdicts.size();
+    report.contractSize = report.planned;
     return report;
 }
 
@@ -127,6 +128,7 @@ CheckReport withMore(const QList<ScenarioVerdict> &verdicts)
     CheckReport report = kept();
     report.verdicts.append(verdicts);
     report.planned = report.verdicts.size();
+    report.contractSize = report.planned;
     return report;
 }
 
@@ -139,6 +141,14 @@ std::optional<CheckReport> sample(const QString &name)
     if (name == u"incomplete") {
         CheckReport report = kept();
         report.planned = 60;
+        report.contractSize = 60;
+        report.interruption = u"SIGINT"_s;
+        return report;
+    }
+    if (name == u"part" || name == u"skipped") {
+        CheckReport report = kept();
+        report.verdicts = {name == u"part" ? verdictOf(u"identity/type"_s, Verdict::Pass) : skipped()};
+        report.planned = 1;
         return report;
     }
     CheckReport report =

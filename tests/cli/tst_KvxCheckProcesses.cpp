@@ -99,13 +99,15 @@ void tst_KvxCheckProcesses::startHanging(QProcess &process)
 void tst_KvxCheckProcesses::interruptedCheckSaysHowFarItCame_data()
 {
     QTest::addColumn<int>("signal");
-    QTest::newRow("ctrl-c") << SIGINT;
-    QTest::newRow("request-to-end") << SIGTERM;
+    QTest::addColumn<QString>("name");
+    QTest::newRow("ctrl-c") << SIGINT << u"SIGINT"_s;
+    QTest::newRow("request-to-end") << SIGTERM << u"SIGTERM"_s;
 }
 
 void tst_KvxCheckProcesses::interruptedCheckSaysHowFarItCame()
 {
     QFETCH(const int, signal);
+    QFETCH(const QString, name);
     QProcess process;
     startHanging(process);
     kill(static_cast<pid_t>(process.processId()), signal);
@@ -114,12 +116,15 @@ void tst_KvxCheckProcesses::interruptedCheckSaysHowFarItCame()
     QCOMPARE(process.exitCode(), 3);
     const QByteArray output = process.readAllStandardOutput();
     QVERIFY2(output.contains("\n1 of 2 scenarios in "), output.constData());
-    QVERIFY2(output.endsWith("no answer, the check is incomplete: 1 pass\n"), output.constData());
+    const QString answer = u"interrupted (%1) after 1 of 2 scenarios, no answer"_s.arg(name);
+    QVERIFY2(output.endsWith(answer.toUtf8() + ": 1 pass\n"), output.constData());
     QCOMPARE(processesWith({m_hanging}), 0);
     QFile report(m_files.path(u"report.json"_s));
     QVERIFY(report.open(QFile::ReadOnly));
     const QJsonObject object = QJsonDocument::fromJson(report.readAll()).object();
     QCOMPARE(object.value("planned"_L1).toInt(), 2);
+    QCOMPARE(object.value("interruption"_L1).toString(), name);
+    QCOMPARE(object.value("answer"_L1).toString(), answer);
     QCOMPARE(object.value("scenarios"_L1).toArray().size(), 1);
 }
 

@@ -69,6 +69,8 @@ public:
         m_report.level = plan.level;
         m_report.started = QDateTime::currentDateTimeUtc();
         m_report.planned = plan.scenarios.size();
+        m_report.contractSize =
+            select({{}, {}, std::max(plan.level, Level::Contract)}).scenarios.size();
     }
 
     ExitCode run()
@@ -89,7 +91,10 @@ private:
     {
         Checker checker(m_plan.settings, m_plan.scenarios,
                         [this](ScenarioVerdict verdict) { note(std::move(verdict)); });
-        const CheckSystem::Interruption interruption([&] { checker.stop(); });
+        const CheckSystem::Interruption interruption([&](const QString &name) {
+            m_report.interruption = name;
+            checker.stop();
+        });
         checker.run();
     }
 
@@ -133,13 +138,15 @@ private:
     {
         switch (outcomeOf(m_report)) {
         case Outcome::Keeps:
+        case Outcome::KeepsPart:
             return ExitCode::Success;
         case Outcome::Breaks:
+        case Outcome::WrongWaivers:
             return ExitCode::Difference;
-        case Outcome::Incomplete:
+        case Outcome::NoAnswer:
             break;
         }
-        return ExitCode::Incomplete;
+        return ExitCode::NoAnswer;
     }
 
     bool writeReports() const

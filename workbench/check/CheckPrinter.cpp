@@ -23,17 +23,11 @@ bool wentWrong(const ScenarioVerdict &verdict)
            verdict.verdict == Verdict::Timeout || verdict.verdict == Verdict::KitError;
 }
 
-qsizetype count(const QList<ScenarioVerdict> &verdicts, Verdict wanted)
-{
-    return std::count_if(verdicts.cbegin(), verdicts.cend(),
-                         [&](const ScenarioVerdict &verdict) { return verdict.verdict == wanted; });
-}
-
 QString counts(const CheckReport &report)
 {
     QStringList parts;
     for (const Verdict verdict : verdictsInOrder) {
-        if (const qsizetype number = count(report.verdicts, verdict))
+        if (const qsizetype number = countOf(report.verdicts, verdict))
             parts.append(u"%1 %2"_s.arg(number).arg(wordOf(verdict)));
     }
     return parts.isEmpty() ? u"nothing finished"_s : parts.join(u", "_s);
@@ -67,15 +61,6 @@ QString heading(const ScenarioVerdict &verdict)
            (isError ? QString() : u" (%1)"_s.arg(severityName(verdict.head.severity)));
 }
 
-// Waivers that are not right fail a check, too, but not because of the library.
-QString answer(const CheckReport &report)
-{
-    const auto &verdicts = report.verdicts;
-    const bool isForWaivers = outcomeOf(report) == Outcome::Breaks &&
-                              std::none_of(verdicts.cbegin(), verdicts.cend(), breaksTheContract);
-    return isForWaivers ? u"the waivers are not right"_s : wordOf(outcomeOf(report));
-}
-
 }  // namespace
 
 CheckPrinter::CheckPrinter(qsizetype planned) : m_planned(planned), m_isTerminal(CheckSystem::isTerminal())
@@ -86,8 +71,7 @@ CheckPrinter::CheckPrinter(qsizetype planned) : m_planned(planned), m_isTerminal
 void CheckPrinter::printBeginning(const CheckReport &report)
 {
     print(u"library  "_s + report.pluginFile);
-    print(u"plan     %1 scenarios, level %2, seed %3"_s.arg(m_planned)
-              .arg(levelName(report.level))
+    print(u"plan     %1, level %2, seed %3"_s.arg(counted(m_planned, u"scenario"_s), levelName(report.level))
               .arg(report.seed));
     printProgress();
 }
@@ -119,11 +103,10 @@ void CheckPrinter::printEnd(const CheckReport &report)
     }
     for (const QString &problem : report.problems)
         print(u"problem: "_s + problem);
-    print(u"%1 of %2 scenarios in %3, seed %4"_s.arg(report.verdicts.size())
-              .arg(report.planned)
-              .arg(seconds(report.time))
+    print(u"%1 of %2 in %3, seed %4"_s.arg(report.verdicts.size())
+              .arg(counted(report.planned, u"scenario"_s), seconds(report.time))
               .arg(report.seed));
-    print(u"%1: %2"_s.arg(answer(report), counts(report)));
+    print(u"%1: %2"_s.arg(answerOf(report), counts(report)));
 }
 
 void CheckPrinter::print(const QString &line)
@@ -190,7 +173,7 @@ void CheckPrinter::printTable(const CheckReport &report)
     const auto row = [](const QString &name, const QList<ScenarioVerdict> &verdicts) {
         QString line = name.leftJustified(nameWidth);
         for (const Verdict verdict : verdictsInOrder)
-            line += QString::number(count(verdicts, verdict)).rightJustified(numberWidth);
+            line += QString::number(countOf(verdicts, verdict)).rightJustified(numberWidth);
         return line;
     };
     QString head(nameWidth, u' ');

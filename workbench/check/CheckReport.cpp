@@ -4,6 +4,54 @@
 
 using namespace Qt::StringLiterals;
 
+namespace {
+
+bool isOfTheContract(const ScenarioVerdict &verdict)
+{
+    return !verdict.name.endsWith(u".kvx");
+}
+
+// A scenario that is named runs at any level.
+bool isWhole(const CheckReport &report)
+{
+    const Level level = std::max(report.level, Level::Contract);
+    return report.contractSize == std::count_if(report.verdicts.cbegin(), report.verdicts.cend(),
+                                                [&](const ScenarioVerdict &verdict) {
+                                                    return isOfTheContract(verdict) &&
+                                                           verdict.head.level <= level;
+                                                });
+}
+
+bool hasRunNothing(const CheckReport &report)
+{
+    return countOf(report.verdicts, Verdict::Skipped) == report.verdicts.size();
+}
+
+QString outcomeWithNumbers(const CheckReport &report)
+{
+    const Outcome outcome = outcomeOf(report);
+    const qsizetype waived = countOf(report.verdicts, Verdict::Waived);
+    QString answer = wordOf(outcome);
+    if (outcome == Outcome::KeepsPart) {
+        const qsizetype run = std::count_if(report.verdicts.cbegin(), report.verdicts.cend(),
+                                            [](const ScenarioVerdict &verdict) {
+                                                return isOfTheContract(verdict) &&
+                                                       verdict.verdict != Verdict::Skipped;
+                                            });
+        answer += u" (%1 of %2)"_s.arg(run).arg(counted(report.contractSize, u"scenario"_s));
+    }
+    if (waived > 0 && (outcome == Outcome::Keeps || outcome == Outcome::KeepsPart))
+        answer += u" except for "_s + counted(waived, u"waived failure"_s);
+    if (outcome == Outcome::NoAnswer && report.verdicts.size() == report.planned)
+        answer += hasRunNothing(report)
+                      ? u", no scenario ran"_s
+                      : u", kvx could not run "_s +
+                            counted(countOf(report.verdicts, Verdict::KitError), u"scenario"_s);
+    return answer;
+}
+
+}  // namespace
+
 bool breaksTheContract(const ScenarioVerdict &verdict)
 {
     switch (verdict.verdict) {
@@ -23,15 +71,14 @@ bool breaksTheContract(const ScenarioVerdict &verdict)
 
 Outcome outcomeOf(const CheckReport &report)
 {
-    const auto isKitError = [](const ScenarioVerdict &verdict) {
-        return verdict.verdict == Verdict::KitError;
-    };
     const QList<ScenarioVerdict> &verdicts = report.verdicts;
-    if (!report.problems.isEmpty() || std::any_of(verdicts.cbegin(), verdicts.cend(), breaksTheContract))
+    if (std::any_of(verdicts.cbegin(), verdicts.cend(), breaksTheContract))
         return Outcome::Breaks;
-    if (verdicts.size() < report.planned || std::any_of(verdicts.cbegin(), verdicts.cend(), isKitError))
-        return Outcome::Incomplete;
-    return Outcome::Keeps;
+    if (!report.problems.isEmpty())
+        return Outcome::WrongWaivers;
+    if (verdicts.size() < report.planned || countOf(verdicts, Verdict::KitError) > 0 || hasRunNothing(report))
+        return Outcome::NoAnswer;
+    return isWhole(report) ? Outcome::Keeps : Outcome::KeepsPart;
 }
 
 QString wordOf(Verdict verdict)
@@ -60,12 +107,37 @@ QString wordOf(Outcome outcome)
     switch (outcome) {
     case Outcome::Keeps:
         return u"keeps the contract"_s;
+    case Outcome::KeepsPart:
+        return u"keeps the part of the contract that was run"_s;
     case Outcome::Breaks:
         return u"does not keep the contract"_s;
-    case Outcome::Incomplete:
-        return u"no answer, the check is incomplete"_s;
+    case Outcome::WrongWaivers:
+        return u"the waivers are not right"_s;
+    case Outcome::NoAnswer:
+        return u"no answer"_s;
     }
     return {};
+}
+
+QString answerOf(const CheckReport &report)
+{
+    const QString answer = outcomeWithNumbers(report);
+    if (report.verdicts.size() == report.planned)
+        return answer;
+    return u"interrupted (%1) after %2 of %3, %4"_s.arg(
+        report.interruption, QString::number(report.verdicts.size()),
+        counted(report.planned, u"scenario"_s), answer);
+}
+
+qsizetype countOf(const QList<ScenarioVerdict> &verdicts, Verdict wanted)
+{
+    return std::count_if(verdicts.cbegin(), verdicts.cend(),
+                         [&](const ScenarioVerdict &verdict) { return verdict.verdict == wanted; });
+}
+
+QString counted(qsizetype number, const QString &noun)
+{
+    return u"%1 %2%3"_s.arg(QString::number(number), noun, number == 1 ? QString() : u"s"_s);
 }
 
 QString featureOf(const QString &scenario)

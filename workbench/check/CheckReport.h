@@ -57,6 +57,10 @@ struct CheckReport
     std::chrono::milliseconds time{0};
     /// Fewer verdicts than planned: the check was ended early.
     qsizetype planned = 0;
+    /// What ended it early: "SIGINT".
+    QString interruption;
+    /// How many scenarios the contract has, up to this level.
+    qsizetype contractSize = 0;
     QList<ScenarioVerdict> verdicts;
     /// What fails the check beside the scenarios, one sentence each: waivers that are no longer right.
     QStringList problems;
@@ -64,9 +68,11 @@ struct CheckReport
 
 /// The answer of a check.
 enum class Outcome {
-    Keeps,       ///< the library keeps the contract
-    Breaks,      ///< it does not
-    Incomplete,  ///< not known: scenarios are missing, or kvx could not run them
+    Keeps,         ///< the library keeps the contract
+    KeepsPart,     ///< it keeps what was run, and the contract has more
+    Breaks,        ///< it does not keep the contract
+    WrongWaivers,  ///< it is not its fault that the check fails
+    NoAnswer,      ///< scenarios are missing, or kvx could not run them, or none could run here
 };
 
 /// Whether the library does not keep the contract because of it.
@@ -77,6 +83,15 @@ Outcome outcomeOf(const CheckReport &report);
 /// As reports and output write it: "kit error".
 QString wordOf(Verdict verdict);
 QString wordOf(Outcome outcome);
+
+/// The outcome with its numbers, for people: "keeps the contract except for 1 waived failure".
+QString answerOf(const CheckReport &report);
+
+/// How many verdicts of a kind there are.
+qsizetype countOf(const QList<ScenarioVerdict> &verdicts, Verdict wanted);
+
+/// "1 scenario", "2 scenarios".
+QString counted(qsizetype number, const QString &noun);
 
 /// What a scenario is counted under: its folder in the contract, or "files".
 QString featureOf(const QString &scenario);

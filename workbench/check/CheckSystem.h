@@ -32,12 +32,12 @@ private:
     std::unique_ptr<Data> m_data;
 };
 
-/// Calls the function from the event loop at the first Ctrl-C or request to end; the second one ends kvx at once.
-/// One at a time.
+/// Calls the function from the event loop at the first Ctrl-C or request to end, with the name of what came: "SIGINT".
+/// The second one ends kvx at once. One at a time.
 class Interruption
 {
 public:
-    explicit Interruption(std::function<void()> function);
+    explicit Interruption(std::function<void(const QString &)> function);
     ~Interruption();
     Q_DISABLE_COPY_MOVE(Interruption)
 

@@ -55,9 +55,9 @@ namespace {
 constexpr int signalNumbers[] = {SIGINT, SIGTERM, SIGHUP};
 int pipeEnds[2] = {-1, -1};  // to read, to write
 
-void noteSignal(int /*number*/)
+void noteSignal(int number)
 {
-    const char byte = 0;
+    const char byte = static_cast<char>(number);
     static_cast<void>(write(pipeEnds[1], &byte, 1));
 }
 
@@ -69,7 +69,7 @@ struct Interruption::Data
     struct sigaction before[std::size(signalNumbers)];
 };
 
-Interruption::Interruption(std::function<void()> function) : m_data(std::make_unique<Data>())
+Interruption::Interruption(std::function<void(const QString &)> function) : m_data(std::make_unique<Data>())
 {
     if (pipe(pipeEnds) != 0)
         return;
@@ -77,7 +77,9 @@ Interruption::Interruption(std::function<void()> function) : m_data(std::make_un
     QObject::connect(m_data->notifier.get(), &QSocketNotifier::activated, m_data->notifier.get(),
                      [this, function = std::move(function)] {
                          m_data->notifier->setEnabled(false);
-                         function();
+                         char number = 0;
+                         static_cast<void>(read(pipeEnds[0], &number, 1));
+                         function(crashName(number));
                      });
     struct sigaction action = {};
     action.sa_handler = noteSignal;

@@ -68,15 +68,16 @@ void ProcessTree::end()
 namespace {
 
 std::atomic<QObject *> receiverOfInterruption = nullptr;
-std::function<void()> interruptionFunction;
+std::function<void(const QString &)> interruptionFunction;
 
 // Runs on a thread of the system's. FALSE: the next handler, which ends the program.
-BOOL WINAPI noteInterruption(DWORD /*kind*/)
+BOOL WINAPI noteInterruption(DWORD kind)
 {
     QObject *const receiver = receiverOfInterruption.exchange(nullptr);
     if (!receiver)
         return FALSE;
-    QMetaObject::invokeMethod(receiver, [] { interruptionFunction(); }, Qt::QueuedConnection);
+    const QString name = kind == CTRL_C_EVENT ? u"Ctrl-C"_s : u"request to end"_s;
+    QMetaObject::invokeMethod(receiver, [name] { interruptionFunction(name); }, Qt::QueuedConnection);
     return TRUE;
 }
 
@@ -87,7 +88,7 @@ struct Interruption::Data
     QObject receiver;
 };
 
-Interruption::Interruption(std::function<void()> function) : m_data(std::make_unique<Data>())
+Interruption::Interruption(std::function<void(const QString &)> function) : m_data(std::make_unique<Data>())
 {
     interruptionFunction = std::move(function);
     receiverOfInterruption = &m_data->receiver;

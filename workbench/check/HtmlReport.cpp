@@ -160,6 +160,7 @@ QJsonObject pageOf(const CheckReport &report)
     page[u"fileName"_s] = QFileInfo(report.pluginFile).fileName();
     page[u"time"_s] = seconds(report.time);
     page[u"finished"_s] = report.verdicts.size();
+    page[u"plannedScenarios"_s] = counted(report.planned, u"scenario"_s);
     page[u"counts"_s] = counts;
     page[u"scenarios"_s] = scenarios;
     page[u"hasProblems"_s] = !report.problems.isEmpty();

@@ -98,17 +98,11 @@ QList<Case> casesOf(const CheckReport &report)
     QList<Case> cases;
     for (const ScenarioVerdict &verdict : report.verdicts)
         cases.append(caseOf(verdict));
-    if (const qsizetype missing = report.planned - report.verdicts.size(); missing > 0) {
-        cases.append({u"check"_s,
-                      u"complete"_s,
-                      Kind::Error,
-                      u"incomplete"_s,
-                      u"%1 of %2 scenarios did not run"_s.arg(missing).arg(report.planned),
-                      {},
-                      {},
-                      {},
-                      {}});
-    }
+    // Kit errors are cases of their own.
+    const bool hasKitErrors = countOf(report.verdicts, Verdict::KitError) > 0;
+    if (report.verdicts.size() < report.planned || (outcomeOf(report) == Outcome::NoAnswer && !hasKitErrors))
+        cases.append(
+            {u"check"_s, u"complete"_s, Kind::Error, u"incomplete"_s, answerOf(report), {}, {}, {}, {}});
     if (!report.problems.isEmpty())
         cases.append({u"check"_s,
                       u"problems"_s,
@@ -170,6 +164,7 @@ private:
     {
         m_xml.writeStartElement(u"properties"_s);
         writeProperty(u"library"_s, report.pluginFile);
+        writeProperty(u"answer"_s, answerOf(report));
         writeProperty(u"level"_s, levelName(report.level));
         writeProperty(u"seed"_s, QString::number(report.seed));
         for (const auto &[name, value] : report.environment)

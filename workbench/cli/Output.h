@@ -10,7 +10,7 @@ enum class ExitCode {
     Unusable = 2,    ///< bad usage, or a file that cannot be used
     Refused = 3,     ///< the receiver refused a request, and nobody said that this is right
     Pending = 4,     ///< a request was never confirmed, and nobody said that this is right
-    Incomplete = 3,  ///< of kvx check: not all that was planned has an answer
+    NoAnswer = 3,    ///< of kvx check: not all that was planned was run, or nothing
 };
 
 /// Writes a line to standard output, at once.
