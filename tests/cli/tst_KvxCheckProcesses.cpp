@@ -72,6 +72,9 @@ private Q_SLOTS:
     void killedCheckLeavesNoProcess();
     void deadlineEndsTheWholeTree();
     void terminalShowsProgress();
+    void closedPipeLosesNoReport();
+    void lostOutputIsSaid_data();
+    void lostOutputIsSaid();
 
 private:
     // Starts a check that does not come to its end by itself, and waits until it hangs.
@@ -169,6 +172,44 @@ void tst_KvxCheckProcesses::terminalShowsProgress()
     // Only what went wrong has a line.
     QVERIFY2(text.contains("\rfail       ") && !text.contains("\rpass       "), text.constData());
     QVERIFY2(text.contains("\rdoes not keep the contract: 1 pass, 1 fail\r\n"), text.constData());
+}
+
+void tst_KvxCheckProcesses::closedPipeLosesNoReport()
+{
+    int ends[2] = {};  // to read, to write
+    QCOMPARE(pipe(ends), 0);
+    close(ends[0]);
+    const QString report = m_files.path(u"piped.json"_s);
+    QProcess process;
+    process.setChildProcessModifier([&] { dup2(ends[1], STDOUT_FILENO); });
+    process.start(QStringLiteral(KVX_COMMAND),
+                  {u"check"_s, PluginFixture::builtPluginFile(), m_passing, u"--json"_s, report});
+    QVERIFY(process.waitForFinished(mostMilliseconds));
+    close(ends[1]);
+    QCOMPARE(process.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(process.exitCode(), 0);
+    QCOMPARE(process.readAllStandardError(), QByteArray());
+    QVERIFY(QFile::exists(report));
+}
+
+void tst_KvxCheckProcesses::lostOutputIsSaid_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::newRow("check") << QStringList{u"check"_s, PluginFixture::builtPluginFile(), u"load/one-device"_s};
+    QTest::newRow("list") << QStringList{u"check"_s, u"--list"_s};
+    QTest::newRow("inspect") << QStringList{u"inspect"_s, PluginFixture::builtPluginFile()};
+}
+
+void tst_KvxCheckProcesses::lostOutputIsSaid()
+{
+    QFETCH(const QStringList, arguments);
+    QProcess process;
+    process.setStandardOutputFile(u"/dev/full"_s);
+    process.start(QStringLiteral(KVX_COMMAND), arguments);
+    QVERIFY(process.waitForFinished(mostMilliseconds));
+    QCOMPARE(process.readAllStandardError(),
+             QByteArray("kvx: the output cannot be written: No space left on device\n"));
+    QCOMPARE(process.exitCode(), 2);
 }
 
 QTEST_GUILESS_MAIN(tst_KvxCheckProcesses)

@@ -177,6 +177,7 @@ private:
 
 ExitCode runCheck(const CheckOptions &options)
 {
+    CheckSystem::ignoreClosedPipes();
     CheckPlan plan;
     if (const QString problem = makePlan(options, plan); !problem.isEmpty()) {
         printError(problem);

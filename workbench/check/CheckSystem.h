@@ -52,6 +52,9 @@ QString crashName(int exitCode);
 /// Whether a process that ended by itself with this exit code did so by an exception of the system.
 bool isException(int exitCode);
 
+/// From now on, writing to a pipe that nobody reads is an error and does not end this process.
+void ignoreClosedPipes();
+
 /// Whether standard output is a terminal.
 bool isTerminal();
 

@@ -112,6 +112,11 @@ bool isException(int /*exitCode*/)
     return false;
 }
 
+void ignoreClosedPipes()
+{
+    static_cast<void>(std::signal(SIGPIPE, SIG_IGN));
+}
+
 bool isTerminal()
 {
     return isatty(STDOUT_FILENO) == 1;

@@ -131,6 +131,8 @@ bool isException(int exitCode)
     return static_cast<DWORD>(exitCode) >= first;
 }
 
+void ignoreClosedPipes() {}
+
 bool isTerminal()
 {
     return _isatty(_fileno(stdout)) != 0;

@@ -1,15 +1,21 @@
 #include "Output.h"
 
+#include <atomic>
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
-void write(std::FILE *stream, const QByteArray &lines)
+std::atomic<int> outputError = 0;
+
+// 0, or the error.
+int write(std::FILE *stream, const QByteArray &lines)
 {
-    std::fwrite(lines.constData(), 1, static_cast<std::size_t>(lines.size()), stream);
-    std::fflush(stream);
+    const auto size = static_cast<std::size_t>(lines.size());
+    return std::fwrite(lines.constData(), 1, size, stream) == size && std::fflush(stream) == 0 ? 0 : errno;
 }
 
 }  // namespace
@@ -21,7 +27,14 @@ void printLine(const QString &line)
 
 void printLines(const QByteArray &lines)
 {
-    write(stdout, lines);
+    if (const int error = write(stdout, lines))
+        outputError = error;
+}
+
+QString outputProblem()
+{
+    const int error = outputError;
+    return error == 0 || error == EPIPE ? QString() : QString::fromLocal8Bit(std::strerror(error));
 }
 
 void printError(const QString &message)

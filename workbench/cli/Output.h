@@ -19,6 +19,10 @@ void printLine(const QString &line);
 /// Writes whole lines with their ends to standard output, at once.
 void printLines(const QByteArray &lines);
 
+/// Why a line could not be written to standard output: "No space left on device". Empty when all could, and when their
+/// reader has gone.
+QString outputProblem();
+
 /// Writes "kvx: " and the message as one line to standard error.
 void printError(const QString &message);
 

@@ -104,5 +104,10 @@ int main(int argc, char **argv)
 {
     const QCoreApplication application(argc, argv);
     unifyStandardStreams();
-    return parseAndRun();
+    const int exitCode = parseAndRun();
+    const QString problem = outputProblem();
+    if (problem.isEmpty())
+        return exitCode;
+    printError(u"the output cannot be written: "_s + problem);
+    return static_cast<int>(ExitCode::Unusable);
 }
