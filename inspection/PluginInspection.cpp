@@ -53,6 +53,19 @@ QString sentence(const QString &file, const QString &refusal)
 
 }  // namespace
 
+QString noteOnName(const PluginInspection &inspection)
+{
+    const QString iid = u"com.orvane.KVX.Plugin.LogicalDevice.RV418"_s;
+    const bool isForWindows = inspection.contents.system == LibraryFile::System::Windows;
+    const QString right = iid + (isForWindows ? u".dll"_s : u".so"_s);
+    const QString name = QFileInfo(inspection.file).fileName();
+    if (!inspection.metadata || inspection.metadata->iid != iid ||
+        name.compare(right, isForWindows ? Qt::CaseInsensitive : Qt::CaseSensitive) == 0)
+        return {};
+    return u"the file is named %1; the host loads %2, and under another name start() fails; rename it and "
+           "check again"_s.arg(name, right);
+}
+
 PluginInspection inspectPlugin(const QString &file, QByteArrayView bytes)
 {
     PluginInspection inspection;

@@ -16,6 +16,10 @@ struct PluginInspection
     QString refusal;
 };
 
+/// What is wrong with the file's name, by which the RV418 library finds itself among the loaded ones; empty when it is
+/// right.
+QString noteOnName(const PluginInspection &inspection);
+
 /// Never throws, whatever the file holds.
 PluginInspection inspectPlugin(const QString &file);
 

@@ -144,6 +144,7 @@ private Q_SLOTS:
     void jobsChangeNothing();
     void inProcessFindsTheSame();
     void logRulesOfTheUserChangeNothing();
+    void renamedLibraryIsNoted();
     void reportsAreWritten();
     void reportReplacesNoOtherFile_data();
     void reportReplacesNoOtherFile();
@@ -166,12 +167,12 @@ void tst_KvxCheck::soundLibraryKeepsWhatWasRun()
     const KvxRun run = check({u"session"_s, m_files.write(u"rate"_s, requestsARate())});
     QCOMPARE(run.errors, QStringList());
     QCOMPARE(run.exitCode, 0);
+    QCOMPARE(run.output.filter(u"note: "_s), QStringList());
     QCOMPARE(verdicts(run),
              QStringList({u"pass       "_s + m_files.path(u"rate.kvx"_s), u"pass       session"_s}));
     const QJsonArray all = listedScenarios({u"--list"_s, u"--level"_s, u"contract"_s});
-    QCOMPARE(
-        lastLine(run),
-        u"keeps the part of the contract that was run (1 of %1 scenarios): 2 pass"_s.arg(all.size()));
+    QCOMPARE(lastLine(run),
+             u"keeps the part of the contract that was run (1 of %1 scenarios): 2 pass"_s.arg(all.size()));
 }
 
 void tst_KvxCheck::failureSaysWhatAndWhy()
@@ -450,6 +451,17 @@ void tst_KvxCheck::logRulesOfTheUserChangeNothing()
     qunsetenv("QT_LOGGING_RULES");
     qunsetenv("QT_FATAL_WARNINGS");
     QCOMPARE(run.exitCode, 0);
+}
+
+void tst_KvxCheck::renamedLibraryIsNoted()
+{
+    const QString renamed = m_files.path(u"other"_s);
+    QVERIFY(QFile::copy(PluginFixture::builtPluginFile(), renamed));
+    const KvxRun run = check({m_files.write(u"passes"_s, passes())}, renamed);
+    QCOMPARE(
+        run.output.value(2),
+        u"note: the file is named other; the host loads %1, and under another name start() fails; rename "
+        "it and check again"_s.arg(QFileInfo(PluginFixture::builtPluginFile()).fileName()));
 }
 
 void tst_KvxCheck::reportsAreWritten()

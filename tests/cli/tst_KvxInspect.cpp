@@ -48,6 +48,7 @@ class tst_KvxInspect : public QObject
 
 private Q_SLOTS:
     void builtPluginLoadsHere();
+    void renamedPluginIsNoted();
     void unusablePluginIsShown_data();
     void unusablePluginIsShown();
     void missingLibraryIsNamed();
@@ -74,6 +75,15 @@ void tst_KvxInspect::builtPluginLoadsHere()
     QVERIFY(fields.value(u"needs"_s).contains(ThisSystem::qtCoreLibrary));
     QVERIFY2(fields.value(u"not found"_s).startsWith(u"none ("_s), qPrintable(fields.value(u"not found"_s)));
     QVERIFY(fields.value(u"loads here"_s).startsWith(u"yes"_s));
+    QVERIFY(!fields.contains(u"note"_s));
+}
+
+void tst_KvxInspect::renamedPluginIsNoted()
+{
+    const QTemporaryDir folder;
+    const Fields fields = inspect(written(folder, u"other.so"_s, pluginBytes()));
+    QVERIFY2(fields.value(u"note"_s).startsWith(u"the file is named other.so; the host loads com.orvane."_s),
+             qPrintable(fields.value(u"note"_s)));
 }
 
 void tst_KvxInspect::unusablePluginIsShown_data()

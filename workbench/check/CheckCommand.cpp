@@ -69,13 +69,12 @@ public:
         m_report.level = plan.level;
         m_report.started = QDateTime::currentDateTimeUtc();
         m_report.planned = plan.scenarios.size();
-        m_report.contractSize =
-            select({{}, {}, std::max(plan.level, Level::Contract)}).scenarios.size();
+        m_report.contractSize = select({{}, {}, std::max(plan.level, Level::Contract)}).scenarios.size();
     }
 
     ExitCode run()
     {
-        m_printer.printBeginning(m_report);
+        m_printer.printBeginning(m_report, noteOnName(m_plan.inspection));
         QElapsedTimer clock;
         clock.start();
         m_options.isInProcess ? runHere() : runChildren();

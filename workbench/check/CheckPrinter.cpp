@@ -68,11 +68,13 @@ CheckPrinter::CheckPrinter(qsizetype planned) : m_planned(planned), m_isTerminal
     m_clock.start();
 }
 
-void CheckPrinter::printBeginning(const CheckReport &report)
+void CheckPrinter::printBeginning(const CheckReport &report, const QString &note)
 {
     print(u"library  "_s + report.pluginFile);
     print(u"plan     %1, level %2, seed %3"_s.arg(counted(m_planned, u"scenario"_s), levelName(report.level))
               .arg(report.seed));
+    if (!note.isEmpty())
+        print(u"note: "_s + note);
     printProgress();
 }
 

@@ -11,7 +11,8 @@ class CheckPrinter
 public:
     explicit CheckPrinter(qsizetype planned);
 
-    void printBeginning(const CheckReport &report);
+    /// note: what is wrong with the library's name; may be empty.
+    void printBeginning(const CheckReport &report, const QString &note);
     void printVerdict(const ScenarioVerdict &verdict);
     void printEnd(const CheckReport &report);
 

@@ -73,5 +73,7 @@ ExitCode runInspect(const QString &file)
     printContents(contents);
     printField(u"not found"_s, librariesNotFound(inspection.file, contents));
     printField(u"loads here"_s, loadingResult(file));
+    if (const QString note = noteOnName(inspection); !note.isEmpty())
+        printField(u"note"_s, note);
     return ExitCode::Success;
 }
