@@ -10,6 +10,7 @@
 #include "StepReader.h"
 
 #include <QtCore/QCoreApplication>
+#include <QtCore/QFileInfo>
 #include <QtCore/QMutex>
 
 #include <algorithm>
@@ -19,15 +20,16 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// As the user typed them, so that it works where the user is.
-QString repeatCommand(const CheckOptions &options, const ScenarioVerdict &verdict, quint32 seed)
+// With absolute paths: reports are read in other folders.
+QString repeatCommand(const CheckOptions &options, const CheckReport &report, const ScenarioVerdict &verdict)
 {
     QStringList words{QCoreApplication::arguments().constFirst(),
                       u"check"_s,
-                      options.pluginFile,
-                      verdict.name,
+                      report.pluginFile,
+                      isScenarioFile(verdict.name) ? QFileInfo(verdict.name).absoluteFilePath()
+                                                   : verdict.name,
                       u"--seed"_s,
-                      QString::number(seed)};
+                      QString::number(report.seed)};
     if (!options.timeout.isEmpty())
         words += {u"--timeout"_s, options.timeout};
     std::transform(words.cbegin(), words.cend(), words.begin(), CheckSystem::quoted);
@@ -106,7 +108,7 @@ private:
     void note(ScenarioVerdict verdict)
     {
         applyWaiver(m_plan.waivers, m_today, verdict);
-        verdict.repeatCommand = repeatCommand(m_options, verdict, m_report.seed);
+        verdict.repeatCommand = repeatCommand(m_options, m_report, verdict);
         m_printer.printVerdict(verdict);
         m_report.verdicts.append(std::move(verdict));
     }

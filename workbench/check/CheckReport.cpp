@@ -6,18 +6,13 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-bool isOfTheContract(const ScenarioVerdict &verdict)
-{
-    return !verdict.name.endsWith(u".kvx");
-}
-
 // A scenario that is named runs at any level.
 bool isWhole(const CheckReport &report)
 {
     const Level level = std::max(report.level, Level::Contract);
     return report.contractSize == std::count_if(report.verdicts.cbegin(), report.verdicts.cend(),
                                                 [&](const ScenarioVerdict &verdict) {
-                                                    return isOfTheContract(verdict) &&
+                                                    return !isScenarioFile(verdict.name) &&
                                                            verdict.head.level <= level;
                                                 });
 }
@@ -33,11 +28,10 @@ QString outcomeWithNumbers(const CheckReport &report)
     const qsizetype waived = countOf(report.verdicts, Verdict::Waived);
     QString answer = wordOf(outcome);
     if (outcome == Outcome::KeepsPart) {
-        const qsizetype run = std::count_if(report.verdicts.cbegin(), report.verdicts.cend(),
-                                            [](const ScenarioVerdict &verdict) {
-                                                return isOfTheContract(verdict) &&
-                                                       verdict.verdict != Verdict::Skipped;
-                                            });
+        const qsizetype run = std::count_if(
+            report.verdicts.cbegin(), report.verdicts.cend(), [](const ScenarioVerdict &verdict) {
+                return !isScenarioFile(verdict.name) && verdict.verdict != Verdict::Skipped;
+            });
         answer += u" (%1 of %2)"_s.arg(run).arg(counted(report.contractSize, u"scenario"_s));
     }
     if (waived > 0 && (outcome == Outcome::Keeps || outcome == Outcome::KeepsPart))
@@ -124,9 +118,9 @@ QString answerOf(const CheckReport &report)
     const QString answer = outcomeWithNumbers(report);
     if (report.verdicts.size() == report.planned)
         return answer;
-    return u"interrupted (%1) after %2 of %3, %4"_s.arg(
-        report.interruption, QString::number(report.verdicts.size()),
-        counted(report.planned, u"scenario"_s), answer);
+    return u"interrupted (%1) after %2 of %3, %4"_s.arg(report.interruption,
+                                                        QString::number(report.verdicts.size()),
+                                                        counted(report.planned, u"scenario"_s), answer);
 }
 
 qsizetype countOf(const QList<ScenarioVerdict> &verdicts, Verdict wanted)
@@ -140,9 +134,14 @@ QString counted(qsizetype number, const QString &noun)
     return u"%1 %2%3"_s.arg(QString::number(number), noun, number == 1 ? QString() : u"s"_s);
 }
 
+bool isScenarioFile(const QString &scenario)
+{
+    return scenario.endsWith(u".kvx");
+}
+
 QString featureOf(const QString &scenario)
 {
-    return scenario.endsWith(u".kvx") ? u"files"_s : scenario.section(u'/', 0, 0);
+    return isScenarioFile(scenario) ? u"files"_s : scenario.section(u'/', 0, 0);
 }
 
 QList<Verdict> allVerdicts()

@@ -93,6 +93,9 @@ qsizetype countOf(const QList<ScenarioVerdict> &verdicts, Verdict wanted);
 /// "1 scenario", "2 scenarios".
 QString counted(qsizetype number, const QString &noun);
 
+/// Whether a scenario is a file of the user's.
+bool isScenarioFile(const QString &scenario);
+
 /// What a scenario is counted under: its folder in the contract, or "files".
 QString featureOf(const QString &scenario);
 
