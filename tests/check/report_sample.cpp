@@ -1,7 +1,7 @@
 // report_sample SAMPLE FILE: writes the report of a check that never was, with what no library makes on
 // demand, in the format that the file's suffix says. The samples: "broken" has all verdicts and texts that
-// are hard to write, "kept" and "mild" keep the contract, "part" keeps a part of it, "incomplete", "skipped" and
-// "stale" do not, though no scenario fails.
+// are hard to write, "kept" and "mild" keep the contract, "part" keeps a part of it, "incomplete", "skipped"
+// and "stale" do not, though no scenario fails.
 
 #include "CheckReport.h"
 #include "ReportFiles.h"
@@ -82,7 +82,7 @@ ScenarioVerdict warning()
 ScenarioVerdict crash()
 {
     ScenarioVerdict made =
-        verdictOf(u"settings/capability"_s, Verdict::Crash, u"SIGSEGV in \"applySettings\" (line 7)"_s);
+        verdictOf(u"settings/capability"_s, Verdict::Crash, u"SIGSEGV in \"applySettings\""_s);
     made.line = 7;
     made.lastCall = u"call applySettings({\"dpi\": 800})"_s;
     made.standardError = u"Segmentation fault\n"_s;

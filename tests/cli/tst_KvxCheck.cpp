@@ -182,8 +182,8 @@ void tst_KvxCheck::failureSaysWhatAndWhy()
     QCOMPARE(run.exitCode, 1);
     QVERIFY(run.output.contains(u"FAIL "_s + file));
     QCOMPARE(field(run, u"promise"_s), u"What rate promises"_s);
-    QCOMPARE(field(run, u"why"_s), u"A host suffers"_s);
-    QVERIFY2(field(run, u"found"_s).startsWith(u"line 9: "_s), qPrintable(field(run, u"found"_s)));
+    QCOMPARE(field(run, u"otherwise"_s), u"A host suffers"_s);
+    QVERIFY2(field(run, u"found"_s).startsWith(u"scenario line 9: "_s), qPrintable(field(run, u"found"_s)));
     const qsizetype block = run.output.indexOf(u"  expected (-) and actual (+):"_s);
     QCOMPARE(run.output.mid(block + 1, 5),
              QStringList({u"         call setReportRate(1000)"_s,
@@ -219,14 +219,14 @@ void tst_KvxCheck::crashNamesTheLastCall()
 {
     const KvxRun run = checkBroken(crash, {m_files.write(u"crash"_s, crashes())});
     QCOMPARE(run.exitCode, 1);
-    QCOMPARE(field(run, u"last call"_s), u"call query26(1, 2, 3)"_s);
+    QCOMPARE(field(run, u"last step"_s), u"call query26(1, 2, 3)"_s);
 #ifdef KVX_SANITIZED
     const QString how = u"the process ended with exit code 1"_s;
     QVERIFY(!run.output.filter(u"standard error"_s).isEmpty());  // of its standard error
 #else
     const QString how = ThisSystem::isWindows ? u"0xC0000005 (access violation)"_s : u"SIGSEGV"_s;
 #endif
-    QCOMPARE(field(run, u"found"_s), u"line 6: "_s + how + u" in \"query26 1 2 3\" (line 6)"_s);
+    QCOMPARE(field(run, u"found"_s), u"scenario line 6: "_s + how + u" in \"query26 1 2 3\""_s);
     QCOMPARE(lastLine(run), u"does not keep the contract: 1 crash"_s);
 }
 
@@ -242,11 +242,11 @@ void tst_KvxCheck::hangIsATimeout()
     const KvxRun run = checkBroken(hang, {file, m_files.write(u"passes"_s, makesNoDevice())});
     QCOMPARE(run.exitCode, 1);
     QVERIFY(verdicts(run).contains(u"timeout    "_s + file));
-    QVERIFY2(QRegularExpression(u"^line 5: no progress for [0-9.]+ s in \"start\" \\(line 5\\)$"_s)
+    QVERIFY2(QRegularExpression(u"^scenario line 5: no progress for [0-9.]+ s in \"start\"$"_s)
                  .match(field(run, u"found"_s))
                  .hasMatch(),
              qPrintable(field(run, u"found"_s)));
-    QCOMPARE(field(run, u"last call"_s), u"receiver getLevelValue() -> 3"_s);
+    QCOMPARE(field(run, u"last step"_s), u"receiver getLevelValue() -> 3"_s);
     QCOMPARE(lastLine(run), u"does not keep the contract: 1 pass, 1 timeout"_s);
 }
 
@@ -263,20 +263,17 @@ void tst_KvxCheck::scenarioForAnotherSystemIsSkipped()
 
 void tst_KvxCheck::wrongScenarioIsNoFaultOfTheLibrary_data()
 {
-    QTest::addColumn<QStringList>("lines");
-    QTest::addColumn<QStringList>("head");
+    QTest::addColumn<QString>("line");
     QTest::addColumn<QString>("says");
-    QTest::newRow("no-command") << QStringList{u"frobnicate"_s} << QStringList() << u"is no command"_s;
-    QTest::newRow("expects-nothing") << QStringList{u"mouse 1"_s} << QStringList() << u"expects nothing"_s;
-    QTest::newRow("wrong-head") << passes() << QStringList{u"# colour: red"_s} << u"colour"_s;
+    QTest::newRow("no-command") << u"frobnicate"_s << u"is no command"_s;
+    QTest::newRow("expects-nothing") << u"mouse 1"_s << u"expects nothing"_s;
 }
 
 void tst_KvxCheck::wrongScenarioIsNoFaultOfTheLibrary()
 {
-    QFETCH(const QStringList, lines);
-    QFETCH(const QStringList, head);
+    QFETCH(const QString, line);
     QFETCH(const QString, says);
-    const KvxRun run = check({m_files.write(u"wrong"_s, lines, head), m_files.write(u"passes"_s, passes())});
+    const KvxRun run = check({m_files.write(u"wrong"_s, {line}), m_files.write(u"passes"_s, passes())});
     QCOMPARE(run.exitCode, 3);
     QVERIFY2(field(run, u"found"_s).contains(says), qPrintable(field(run, u"found"_s)));
     QCOMPARE(lastLine(run), u"no answer, kvx could not run 1 scenario: 1 pass, 1 kit error"_s);
@@ -312,6 +309,9 @@ void tst_KvxCheck::waivers_data()
     QTest::newRow("no-scenario")
         << QString() << u"no/such"_s << 1
         << u"problem: the waiver for \"no/such\" names no scenario; correct or delete it"_s;
+    QTest::newRow("folder") << QString() << u"report-rate"_s << 1
+                            << u"problem: the waiver for \"report-rate\" names a folder, which cannot be "
+                               "waived; name its scenarios"_s;
 }
 
 void tst_KvxCheck::waivers()
@@ -344,7 +344,7 @@ void tst_KvxCheck::wrongWaivers_data()
     QTest::addColumn<QString>("text");
     QTest::addColumn<QString>("says");
     const QString whole = u"[[waiver]]\nname = \"a\"\nreason = \"b\"\n"_s;
-    QTest::newRow("no-toml") << u"[[waiver\n"_s << u"line 1: "_s;
+    QTest::newRow("no-toml") << u"[[waiver\n"_s << u"; a waiver begins with [[waiver]]"_s;
     QTest::newRow("other-table") << u"\n[other]\n"_s << u"line 2: only tables [[waiver]] may be here"_s;
     QTest::newRow("no-tables") << u"waiver = [1]\n"_s << u"line 1: only tables [[waiver]] may be here"_s;
     QTest::newRow("no-reason") << u"[[waiver]]\nname = \"a\"\n"_s
@@ -586,16 +586,22 @@ void tst_KvxCheck::explanationHasTheLines()
     const KvxRun run = runKvx({u"check"_s, u"--explain"_s, u"session"_s});
     QCOMPARE(run.exitCode, 0);
     QCOMPARE(run.output.value(0), u"scenario  session"_s);
-    for (const QString &line : {u"level     contract"_s, u"severity  error"_s, u"system    any"_s,
-                                u"mouse 42"_s, u"= call createLogicalDevice()"_s})
+    for (const QString &line :
+         {u"level     contract"_s, u"severity  error"_s, u"system    any"_s, u"    7  mouse 42"_s})
         QVERIFY2(run.output.contains(line), qPrintable(line));
     QCOMPARE(run.output.filter(QRegularExpression(u"^(promise|why)   +\\S"_s)).size(), 2);
 
     const QJsonArray explained = listedScenarios({u"--explain"_s, u"session"_s});
     QCOMPARE(explained.size(), 1);
     QJsonObject scenario = explained.first().toObject();
-    constexpr int headLines = 6;
-    QCOMPARE(QJsonArray::fromStringList(run.output.sliced(headLines)), scenario.take("lines"_L1).toArray());
+    // The table has what the head has.
+    constexpr int tableLines = 6;
+    constexpr int headLines = 3;
+    QStringList numbered;
+    const QJsonArray lines = scenario.take("lines"_L1).toArray();
+    for (int index = headLines; index < lines.size() - 1; ++index)
+        numbered.append(u"%1  %2"_s.arg(index + 1, 5).arg(lines.at(index).toString()));
+    QCOMPARE(run.output.sliced(tableLines), numbered);
     QVERIFY(listedScenarios().contains(scenario));
 }
 
@@ -608,9 +614,18 @@ void tst_KvxCheck::badUsage_data()
         QTest::newRow(tag) << QStringList{u"check"_s} + arguments << says;
     };
     row("no-library", {}, u"the library is missing"_s);
-    row("unknown-option", {library, u"--loud"_s}, u"--loud"_s);
+    row("unknown-option", {library, u"--loud"_s}, u"--loud; see kvx check --help"_s);
     row("near-name", {library, u"sesion"_s},
         u"\"sesion\" is no scenario and no folder of the contract; near are session"_s);
+    row("far-name", {library, u"nosuch"_s},
+        u"\"nosuch\" is no scenario and no folder of the contract; see kvx check --list"_s);
+    row("second-library", {library, library},
+        u"is a file, but no scenario (*.kvx); check one library at a time"_s);
+    row("library-last", {u"load/one-device"_s, library}, u"; the library comes first"_s);
+    row("wrong-head", {library, m_files.write(u"red"_s, passes(), {u"# colour: red"_s})},
+        u"red.kvx\" line 4: \"colour\" is no key"_s);
+    row("no-head", {library, m_files.writeText(u"bare.kvx"_s, u"mouse 1\n"_s)},
+        u"bare.kvx\" line 1: the head has no title; write \"# title: ...\""_s);
     row("near-exclusion", {library, u"--exclude"_s, u"sessions"_s}, u"near are session"_s);
     row("explain-nothing", {u"--explain"_s, u"sesion"_s}, u"near are session"_s);
     row("list-nothing", {u"--list"_s, u"sesion"_s}, u"near are session"_s);

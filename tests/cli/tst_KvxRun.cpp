@@ -430,16 +430,16 @@ void tst_KvxRun::allLinesOfACommandAreCompared_data()
                                                 u"= debug RV418.LogicalDevice: dpiSlotValuesConfirmed exit"_s}
                                  << QString();
     QTest::newRow("another") << QStringList{u"setReportRate 500"_s, u"= call stop()"_s}
-                             << u"4: line 1 of the last command: expected call stop(), seen call "
+                             << u"4: line 1 of what the command caused: expected call stop(), seen call "
                                 "setReportRate(500)"_s;
     QTest::newRow("too-many")
         << QStringList{u"setReportRate 500"_s, call, call}
-        << u"5: line 2 of the last command: expected call setReportRate(500), seen none"_s;
+        << u"5: line 2 of what the command caused: expected call setReportRate(500), seen none"_s;
     QTest::newRow("too-few")
         << stop + QStringList{u"expect dpiMin 100"_s}
-        << u"6: line 3 of the last command: expected none, seen signal stopped(\"this\")"_s;
+        << u"6: line 3 of what the command caused: expected none, seen signal stopped(\"this\")"_s;
     QTest::newRow("too-few-at-the-end") << stop + QStringList{signal}
-                                        << u"6: line 4 of the last command: expected none, seen debug "
+                                        << u"6: line 4 of what the command caused: expected none, seen debug "
                                            "RV418.LogicalDevice: stop exit"_s;
 }
 

@@ -139,24 +139,30 @@ void tst_KvxSession::badUsage_data()
 {
     QTest::addColumn<QStringList>("arguments");
     QTest::addColumn<QString>("word");
-    QTest::newRow("unknown-command") << QStringList{u"frobnicate"_s} << u"frobnicate"_s;
-    QTest::newRow("unknown-option") << QStringList{u"session"_s, u"--loud"_s} << u"--loud"_s;
-    QTest::newRow("option-without-value") << QStringList{u"session"_s, u"--plugin"_s} << u"--plugin"_s;
-    QTest::newRow("extra-word") << QStringList{u"session"_s, u"more"_s} << u"more"_s;
-    QTest::newRow("inspect-nothing") << QStringList{u"inspect"_s} << u"FILE"_s;
-    QTest::newRow("two-commands") << QStringList{u"session"_s, u"inspect"_s, u"x"_s} << u"inspect"_s;
+    QTest::addColumn<QString>("help");
+    const QString ofSession = u"see kvx session --help"_s;
+    QTest::newRow("unknown-command") << QStringList{u"frobnicate"_s} << u"frobnicate"_s
+                                     << u"see kvx --help"_s;
+    QTest::newRow("unknown-option") << QStringList{u"session"_s, u"--loud"_s} << u"--loud"_s << ofSession;
+    QTest::newRow("option-without-value")
+        << QStringList{u"session"_s, u"--plugin"_s} << u"--plugin"_s << ofSession;
+    QTest::newRow("extra-word") << QStringList{u"session"_s, u"more"_s} << u"more"_s << ofSession;
+    QTest::newRow("inspect-nothing") << QStringList{u"inspect"_s} << u"FILE"_s << u"see kvx inspect --help"_s;
+    QTest::newRow("two-commands") << QStringList{u"session"_s, u"inspect"_s, u"x"_s} << u"inspect"_s
+                                  << ofSession;
 }
 
 void tst_KvxSession::badUsage()
 {
     QFETCH(const QStringList, arguments);
     QFETCH(const QString, word);
+    QFETCH(const QString, help);
     const KvxRun run = runKvx(arguments);
     QCOMPARE(run.exitCode, 2);
     QCOMPARE(run.output, QStringList());
     QCOMPARE(run.errors.size(), 1);
     QVERIFY2(run.errors.first().startsWith(u"kvx: "_s) && run.errors.first().contains(word) &&
-                 run.errors.first().endsWith(u"see kvx --help"_s),
+                 run.errors.first().endsWith(help),
              qPrintable(run.errors.first()));
 }
 

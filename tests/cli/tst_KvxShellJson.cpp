@@ -236,8 +236,8 @@ void tst_KvxShellJson::answers_data()
     row("difference", started() + QStringList{u"expect reportRate 125"_s}, u"expect reportRate 125"_s,
         u"difference"_s, u"reportRate: expected \"125\", seen \"500\""_s, u"\"125\""_s, u"\"500\""_s);
     row("lines-differ", started() + QStringList{u"call iid"_s, u"= call iid()"_s}, u"= call iid()"_s,
-        u"difference"_s, u"line 1 of the last command: expected call iid(), seen "_s + iid, u"call iid()"_s,
-        iid);
+        u"difference"_s, u"line 1 of what the command caused: expected call iid(), seen "_s + iid,
+        u"call iid()"_s, iid);
     row("unknown", {u"frobnicate"_s}, u"frobnicate"_s, u"unusable"_s,
         u"\"frobnicate\" is no command; see help"_s);
     row("open-quote", {u"mouse \"1"_s}, u"mouse \"1"_s, u"unusable"_s, u"a quote is left open"_s);

@@ -147,11 +147,13 @@ void tst_KvxSteps::results_data()
          u"= "_s + wrongLines.at(2),
          u"stop"_s,
          u"= other"_s},
-        resultOf(u"difference"_s, 8, u"line 2 of the last command: expected more, seen "_s + stopLines.at(1),
-                 wrongLines, stopLines, 2),
+        resultOf(u"difference"_s, 8,
+                 u"line 2 of what the command caused: expected more, seen "_s + stopLines.at(1), wrongLines,
+                 stopLines, 2),
         1);
     row("block-too-short", {u"stop"_s, u"= "_s + stopLines.first(), u"stop"_s},
-        resultOf(u"difference"_s, 8, u"line 2 of the last command: expected none, seen "_s + stopLines.at(1),
+        resultOf(u"difference"_s, 8,
+                 u"line 2 of what the command caused: expected none, seen "_s + stopLines.at(1),
                  {stopLines.first()}, stopLines, 2),
         1);
     row("log", {u"stop"_s, u"expect log a | b"_s},

@@ -63,9 +63,9 @@ void tst_KvxStress::theRoundThatDiffersEndsIt()
                                     u"= signal batteryLevelChanged(70)"_s, u"end"_s});
     QCOMPARE(run.exitCode, 1);
     QCOMPARE(run.errors,
-             QStringList{
-                 errorAt(6, u"line 1 of the last command: expected report setBatteryLevel(70), seen report "
-                            "setBatteryLevel(60)"_s)});
+             QStringList{errorAt(
+                 6, u"line 1 of what the command caused: expected report setBatteryLevel(70), seen report "
+                    "setBatteryLevel(60)"_s)});
 }
 
 void tst_KvxStress::badLines_data()

@@ -51,7 +51,9 @@ CheckArguments::CheckArguments(CLI::App &program)
         ->option_text("NUMBER");
     m_command->add_option("--timeout", m_timeout, "How long a scenario may be silent (default: 20), or off")
         ->option_text("SECONDS");
-    m_command->add_option("--waivers", m_waiverFile, "Failures that are known and accepted")
+    m_command
+        ->add_option("--waivers", m_waiverFile,
+                     "Failures that are known and accepted (TOML: [[waiver]] name, reason, until)")
         ->option_text("FILE");
     m_command->add_option("--junit", m_junitFile, "Write a report for build servers")->option_text("FILE");
     m_command
@@ -65,9 +67,9 @@ CheckArguments::CheckArguments(CLI::App &program)
     m_command->add_flag("--list", m_isList, "List the scenarios; needs no library");
     m_command->add_option("--explain", m_explained, "Show what a scenario promises, and its lines")
         ->option_text("NAME");
-    m_command->footer(
-        "Exit codes: 0 the library keeps the contract, 1 it does not, 2 bad usage or an unusable file, "
-        "3 the check is incomplete.");
+    m_command->footer("Exit codes: 0 the library keeps the contract, 1 it does not, or a waiver is not "
+                      "right, 2 bad usage or "
+                      "an unusable file, 3 no answer: interrupted, or a scenario could not run.");
 }
 
 ExitCode CheckArguments::run()

@@ -59,6 +59,16 @@ void printTable(const QList<ContractScenario> &scenarios)
                   levelName(scenario.head.level).leftJustified(levelWidth) + scenario.head.title);
 }
 
+// As a failure numbers them; what the head has is printed already.
+void printNumbered(const QStringList &lines, qsizetype first)
+{
+    constexpr int numberWidth = 5;
+    // The last one ends with a line feed, which is no line of its own.
+    const qsizetype end = lines.size() - (lines.endsWith(QString()) ? 1 : 0);
+    for (qsizetype index = first; index < end; ++index)
+        printLine(QString::number(index + 1).rightJustified(numberWidth) + u"  "_s + lines.at(index));
+}
+
 void printExplanations(const QList<ContractScenario> &scenarios)
 {
     for (const ContractScenario &scenario : scenarios) {
@@ -68,7 +78,7 @@ void printExplanations(const QList<ContractScenario> &scenarios)
         printLine(u"level     "_s + levelName(scenario.head.level));
         printLine(u"severity  "_s + severityName(scenario.head.severity));
         printLine(u"system    "_s + (scenario.head.system.isEmpty() ? u"any"_s : scenario.head.system));
-        printLine(linesOf(scenario).join(u'\n'));
+        printNumbered(linesOf(scenario), scenario.head.length);
     }
 }
 

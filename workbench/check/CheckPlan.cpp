@@ -32,7 +32,9 @@ QString takeLibrary(const QString &file, CheckPlan &plan)
 {
     plan.inspection = inspectPlugin(file);
     plan.settings.pluginFile = plan.inspection.file;
-    return plan.inspection.refusal;
+    const bool isScenario =
+        !plan.inspection.refusal.isEmpty() && select({{file}, {}, Level::Stress}).problem.isEmpty();
+    return plan.inspection.refusal + (isScenario ? u"; the library comes first"_s : QString());
 }
 
 QString takeScenarios(const CheckOptions &options, CheckPlan &plan)

@@ -145,14 +145,14 @@ void CheckPrinter::printFailure(const ScenarioVerdict &verdict)
     print({});
     print(heading(verdict));
     print(u"  promise   "_s + verdict.head.title);
-    print(u"  why       "_s + verdict.head.why);
-    const QString line = verdict.line > 0 ? u"line %1: "_s.arg(verdict.line) : QString();
+    print(u"  otherwise "_s + verdict.head.why);
+    const QString line = verdict.line > 0 ? u"scenario line %1: "_s.arg(verdict.line) : QString();
     print(u"  found     "_s + line + verdict.message);
     if (!verdict.expected.isEmpty() || !verdict.actual.isEmpty())
         printBlock(u"expected (-) and actual (+)"_s, difference(verdict.expected, verdict.actual));
     const bool hasEndedEarly = verdict.verdict == Verdict::Crash || verdict.verdict == Verdict::Timeout;
     if (!verdict.lastCall.isEmpty())
-        print(u"  last call "_s + verdict.lastCall);
+        print(u"  last step "_s + verdict.lastCall);
     printBlock(u"log of the library"_s, lastLines(verdict.log));
     if (hasEndedEarly || verdict.verdict == Verdict::KitError)
         printBlock(u"standard error"_s, lastLines(verdict.standardError.split(u'\n', Qt::SkipEmptyParts)));

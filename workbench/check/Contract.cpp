@@ -24,7 +24,7 @@ ContractScenario scenarioOf(const QString &name, const QString &file)
     if (!lines)
         return scenario;
     if (const std::optional<HeadProblem> problem = readScenarioHead(*lines, scenario.head))
-        scenario.defect = u"line %1: %2"_s.arg(problem->line).arg(problem->message);
+        scenario.defect = u"\"%1\" line %2: %3"_s.arg(name, QString::number(problem->line), problem->message);
     return scenario;
 }
 
@@ -49,10 +49,14 @@ qsizetype distanceBetween(const QString &one, const QString &other)
 QStringList nearest(const QString &word, QStringList names)
 {
     constexpr qsizetype most = 3;
+    constexpr qsizetype lettersToAFault = 3;
     const auto distance = [&](const QString &name) {
         const QString last = name.section(u'/', -1);
         return std::min(distanceBetween(word, name), distanceBetween(word, last));
     };
+    names.removeIf([&](const QString &name) {
+        return distance(name) > std::max(qsizetype{1}, word.size() / lettersToAFault);
+    });
     std::stable_sort(names.begin(), names.end(),
                      [&](const QString &a, const QString &b) { return distance(a) < distance(b); });
     return names.first(std::min(most, names.size()));
@@ -66,8 +70,9 @@ QString unknownName(const QString &word, const QList<ContractScenario> &contract
         if (!scenario.folder().isEmpty() && !names.contains(scenario.folder()))
             names.append(scenario.folder());
     }
-    return u"\"%1\" is no scenario and no folder of the contract; near are %2; see kvx check --list"_s.arg(
-        word, nearest(word, names).join(u", "_s));
+    names = nearest(word, names);
+    return u"\"%1\" is no scenario and no folder of the contract%2; see kvx check --list"_s.arg(
+        word, names.isEmpty() ? QString() : u"; near are "_s + names.join(u", "_s));
 }
 
 bool isIn(const QString &folder, const ContractScenario &scenario)
@@ -122,9 +127,12 @@ private:
     void takeWord(const QString &word)
     {
         if (word.endsWith(suffix)) {
+            const ContractScenario scenario = scenarioOf(word, word);
             if (!QFileInfo(word).isFile())
                 m_selected.problem = u"\"%1\" is no file; give a scenario"_s.arg(word);
-            add(scenarioOf(word, word));
+            else if (!scenario.defect.isEmpty())
+                m_selected.problem = scenario.defect;
+            add(scenario);
             return;
         }
         const QString name = withoutLastSlash(word);
@@ -135,7 +143,10 @@ private:
             isKnown = isKnown || scenario.name == name || isIn(name, scenario);
         }
         if (!isKnown)
-            m_selected.problem = unknownName(word, m_contract);
+            m_selected.problem =
+                QFileInfo(word).isFile()
+                    ? u"\"%1\" is a file, but no scenario (*.kvx); check one library at a time"_s.arg(word)
+                    : unknownName(word, m_contract);
         take([&](const ContractScenario &scenario) { return isIn(name, scenario); });
     }
 

@@ -14,7 +14,7 @@ struct ContractScenario
     /// What kvx run is given.
     QString file;
     ScenarioHead head;
-    /// Why its head cannot be used; empty when it can.
+    /// Why it cannot be used, in one sentence that names the file; empty when it can.
     QString defect;
 
     /// The folder in the contract: "report-rate".

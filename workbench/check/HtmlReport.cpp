@@ -126,6 +126,7 @@ QJsonObject pageOf(const ScenarioVerdict &verdict, QJsonObject scenario)
     scenario[u"key"_s] = withHyphens(wordOf(verdict.verdict));
     scenario[u"isOpen"_s] = breaksTheContract(verdict) || verdict.verdict == Verdict::Fail ||
                             verdict.verdict == Verdict::KitError;
+    scenario[u"found"_s] = verdict.verdict == Verdict::Skipped ? u"Reason"_s : u"Found"_s;
     scenario[u"isWaived"_s] = verdict.verdict == Verdict::Waived;
     scenario[u"mildness"_s] =
         verdict.head.severity == Severity::Error ? QString() : severityName(verdict.head.severity);

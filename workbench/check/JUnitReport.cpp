@@ -68,12 +68,12 @@ QString block(const QString &title, const QStringList &lines)
 
 QString detailsOf(const ScenarioVerdict &verdict)
 {
-    QString details = u"Promise: %1\nWhy: %2\n"_s.arg(verdict.head.title, verdict.head.why);
+    QString details = u"Promise: %1\nOtherwise: %2\n"_s.arg(verdict.head.title, verdict.head.why);
     if (verdict.line > 0)
         details += u"Line of the scenario: %1\n"_s.arg(verdict.line);
     details += block(u"Expected"_s, verdict.expected) + block(u"Actual"_s, verdict.actual);
     if (!verdict.lastCall.isEmpty())
-        details += u"Last call: %1\n"_s.arg(verdict.lastCall);
+        details += u"Last step: %1\n"_s.arg(verdict.lastCall);
     return details + u"Seed: %1\nRepeat: %2\n"_s.arg(verdict.seed).arg(verdict.repeatCommand);
 }
 

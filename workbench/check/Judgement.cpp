@@ -9,8 +9,7 @@ namespace {
 
 QString lastCommand(const StepReader &steps)
 {
-    return steps.line() == 0 ? u"before the first command"_s
-                             : u"in \"%1\" (line %2)"_s.arg(steps.command()).arg(steps.line());
+    return steps.line() == 0 ? u"before the first command"_s : u"in \"%1\""_s.arg(steps.command());
 }
 
 void end(ScenarioVerdict &verdict, Verdict how, const QString &message)
@@ -78,11 +77,9 @@ ScenarioVerdict newVerdict(const ContractScenario &scenario, quint32 seed)
 bool judgeUnrun(const ContractScenario &scenario, ScenarioVerdict &verdict)
 {
     const QString reasonToSkip = scenario.head.reasonToSkip();
-    if (!scenario.defect.isEmpty())
-        end(verdict, Verdict::KitError, scenario.defect);
-    else if (!reasonToSkip.isEmpty())
+    if (!reasonToSkip.isEmpty())
         end(verdict, Verdict::Skipped, reasonToSkip);
-    return !scenario.defect.isEmpty() || !reasonToSkip.isEmpty();
+    return !reasonToSkip.isEmpty();
 }
 
 void judge(const ChildProcess &child, ScenarioVerdict &verdict)

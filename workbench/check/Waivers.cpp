@@ -39,7 +39,8 @@ public:
         if (parsed)
             readTable(parsed.table());
         else
-            refuse(parsed.error().source().begin.line, textOf(parsed.error().description()));
+            refuse(parsed.error().source().begin.line,
+                   textOf(parsed.error().description()) + u"; a waiver begins with [[waiver]]"_s);
         return m_waivers;
     }
 
@@ -124,7 +125,12 @@ QStringList staleWaivers(const QList<Waiver> &waivers, const QDate &today,
         });
     };
     for (const Waiver &waiver : waivers) {
-        if (!names.contains(waiver.name))
+        const auto isInside = [&](const QString &name) { return name.startsWith(waiver.name + u'/'); };
+        if (std::any_of(names.cbegin(), names.cend(), isInside))
+            problems.append(
+                u"the waiver for \"%1\" names a folder, which cannot be waived; name its scenarios"_s.arg(
+                    waiver.name));
+        else if (!names.contains(waiver.name))
             problems.append(
                 u"the waiver for \"%1\" names no scenario; correct or delete it"_s.arg(waiver.name));
         else if (isOver(waiver, today))

@@ -69,7 +69,8 @@ std::optional<HeadProblem> readScenarioHead(const QStringList &lines, ScenarioHe
     static const QRegularExpression headLine(u"^#\\s*([a-z]+):(.*)$"_s,
                                              QRegularExpression::DotMatchesEverythingOption);
     QStringList given;
-    int number = 0;
+    int &number = head.length;
+    number = 0;
     for (const QString &line : lines) {
         const QRegularExpressionMatch match = headLine.match(line);
         if (!match.hasMatch())

@@ -29,6 +29,8 @@ struct ScenarioHead
     Severity severity = Severity::Error;
     /// "linux" or "windows" for a scenario that is for this system only; empty for any.
     QString system;
+    /// How many lines it has.
+    int length = 0;
 
     /// Why the scenario is not for this system; empty when it is.
     QString reasonToSkip() const;

@@ -103,7 +103,7 @@ CommandResult Scenario::compareLine(qsizetype index, const QString &expected)
     for (QString &line : seen)
         line = withoutAddresses(line);
     CommandResult result =
-        compare(u"line %1 of the last command"_s.arg(index + 1), expected, seen.value(index));
+        compare(u"line %1 of what the command caused"_s.arg(index + 1), expected, seen.value(index));
     if (result.code != ExitCode::Success) {
         result.expected = m_comparedLines;
         result.actual = seen;

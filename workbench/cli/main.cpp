@@ -35,7 +35,8 @@ int parseAndRun()
     // The same on every system: a word with a slash in front is a path.
     app.allow_windows_style_options(false);
     app.footer("Exit codes: 0 all went as it should, 1 something differed, 2 bad usage or an unusable file, "
-               "3 a request was refused, 4 a request was never confirmed.");
+               "3 a request was refused, 4 a request was never confirmed; check has its own, see kvx check "
+               "--help.");
 
     CLI::App *session = app.add_subcommand(
         "session", "Play a session on one simulated mouse that checks itself at every step");
@@ -76,7 +77,10 @@ int parseAndRun()
     } catch (const CLI::Success &answer) {  // --help and --version
         return app.exit(answer);
     } catch (const CLI::ParseError &error) {
-        printError(QString::fromUtf8(error.what()) + u"; see kvx --help"_s);
+        QString command = u"kvx "_s;
+        for (const CLI::App *const given : app.get_subcommands())
+            command += QString::fromUtf8(given->get_name()) + u' ';
+        printError(u"%1; see %2--help"_s.arg(QString::fromUtf8(error.what()), command));
         return static_cast<int>(ExitCode::Unusable);
     }
 
