@@ -73,6 +73,7 @@ private Q_SLOTS:
     void deadlineEndsTheWholeTree();
     void terminalShowsProgress();
     void closedPipeLosesNoReport();
+    void reportIsNoStream();
     void lostOutputIsSaid_data();
     void lostOutputIsSaid();
 
@@ -190,6 +191,20 @@ void tst_KvxCheckProcesses::closedPipeLosesNoReport()
     QCOMPARE(process.exitCode(), 0);
     QCOMPARE(process.readAllStandardError(), QByteArray());
     QVERIFY(QFile::exists(report));
+}
+
+void tst_KvxCheckProcesses::reportIsNoStream()
+{
+    for (const QString &name : {u"/dev/stdout"_s, u"/dev/fd/1"_s}) {
+        QProcess process;
+        process.setStandardOutputFile(m_files.path(u"output"_s));
+        process.start(QStringLiteral(KVX_COMMAND),
+                      {u"check"_s, PluginFixture::builtPluginFile(), m_passing, u"--json"_s, name});
+        QVERIFY(process.waitForFinished(mostMilliseconds));
+        QCOMPARE(QString::fromUtf8(process.readAllStandardError()),
+                 u"kvx: \"%1\" is no regular file; give the name of a file\n"_s.arg(name));
+        QCOMPARE(process.exitCode(), 2);
+    }
 }
 
 void tst_KvxCheckProcesses::lostOutputIsSaid_data()

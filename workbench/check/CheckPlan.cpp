@@ -53,11 +53,21 @@ QString takeWaivers(const QString &file, CheckPlan &plan)
     return read.problem;
 }
 
+// "/dev/stdout" and the like: writing a new file there would take the old one, with all output, from its
+// reader.
+bool isOpenStream(const QFileInfo &file)
+{
+    const auto isInProc = [](const QString &name) {
+        return QFileInfo(QFileInfo(name).path()).canonicalFilePath().startsWith("/proc/"_L1);
+    };
+    return isInProc(file.filePath()) || isInProc(file.symLinkTarget());
+}
+
 // Nobody waits for a check whose reports cannot be written.
 QString whyNotWritable(const QString &name)
 {
     const QFileInfo info(name);
-    if (info.exists() && !info.isFile())
+    if (isOpenStream(info) || (info.exists() && !info.isFile()))
         return u"\"%1\" is no regular file; give the name of a file"_s.arg(name);
     QSaveFile file(name);
     if (!file.open(QSaveFile::WriteOnly))
