@@ -88,6 +88,7 @@ private Q_SLOTS:
     void changesAreAskedFor();
     void theHeadMakesItACheck();
     void examplesAreInTheMenu();
+    void anExampleIsNotOverwritten();
     void theContractIsInTheMenu();
     void aFileIsNotDroppedIntoTheText();
 };
@@ -357,6 +358,24 @@ void tst_ScenarioDock::examplesAreInTheMenu()
     menu->actions().constFirst()->trigger();
     QCOMPARE(shown.editor()->toPlainText().toUtf8(),
              contentOf(QStringLiteral(KVX_EXAMPLES) + u'/' + files.first()));
+}
+
+void tst_ScenarioDock::anExampleIsNotOverwritten()
+{
+    const ShownDock shown;
+    QSignalSpy used(&shown.dock, &ScenarioDock::fileUsed);
+    const auto *button = shown.child<QToolButton>("scenarioMenuButton");
+    QMenu *menu = button->menu()->actions().at(0)->menu();
+    Q_EMIT menu->aboutToShow();
+    menu->actions().constFirst()->trigger();
+    QVERIFY(!shown.editor()->toPlainText().isEmpty());
+    const auto *tabs = shown.child<QTabWidget>("scenarioTabs");
+    QCOMPARE(tabs->tabText(tabs->currentIndex()),
+             QDir(QStringLiteral(KVX_EXAMPLES)).entryList({u"*.kvx"_s}).constFirst());
+    QCOMPARE(shown.dock.path(), QString());
+    QVERIFY(used.isEmpty());
+    shown.click("saveScenarioButton");
+    QVERIFY(shown.dock.findChild<QFileDialog *>());
 }
 
 void tst_ScenarioDock::theContractIsInTheMenu()

@@ -70,7 +70,7 @@ ScenarioDock::ScenarioDock(Engine *engine, const Transcript *transcript, QWidget
     makeActions();
     connectPlayer();
     followTranscript();
-    connect(m_library, &ScenarioLibrary::fileWanted, this, &ScenarioDock::openFile);
+    connect(m_library, &ScenarioLibrary::fileWanted, this, &ScenarioDock::openExample);
     connect(m_library, &ScenarioLibrary::textWanted, this, &ScenarioDock::openText);
     connect(m_library, &ScenarioLibrary::problem, this, &ScenarioDock::say);
     connect(m_editor, &QPlainTextEdit::modificationChanged, this, &ScenarioDock::showTitle);
@@ -207,6 +207,16 @@ bool ScenarioDock::openFile(const QString &path)
 void ScenarioDock::openText(const QString &title, const QString &text)
 {
     whenSaved([this, title, text] { showText(title, {}, text); });
+}
+
+// As a text without a file, so that Save does not change what comes with kvx.
+void ScenarioDock::openExample(const QString &path)
+{
+    QString problem;
+    if (const std::optional<QString> text = textOf(path, problem))
+        openText(QFileInfo(path).fileName(), *text);
+    else
+        say(problem);
 }
 
 void ScenarioDock::showText(const QString &title, const QString &path, const QString &text)

@@ -46,6 +46,7 @@ private:
     void makeWidgets();
     void connectPlayer();
     void followTranscript();
+    void openExample(const QString &path);
     void showText(const QString &title, const QString &path, const QString &text);
     void say(const QString &message);
     void showPlay();
