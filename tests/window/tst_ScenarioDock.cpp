@@ -83,6 +83,7 @@ private Q_SLOTS:
     void stopEndsAHang();
     void aCrashIsMarkedAtItsLine();
     void aFileIsOpenedChangedAndSaved();
+    void undoStaysInItsFile();
     void aNewTextIsSavedUnderAName();
     void aFileThatCannotBeRead();
     void changesAreAskedFor();
@@ -276,6 +277,20 @@ void tst_ScenarioDock::aFileIsOpenedChangedAndSaved()
     QVERIFY(!dock.isModified());
     QCOMPARE(contentOf(path), QByteArray("mouse 1\nset ppid \xC3\xA4\nstart\n"));
     QCOMPARE(used.size(), 2);
+}
+
+void tst_ScenarioDock::undoStaysInItsFile()
+{
+    ShownDock shown;
+    shown.dock.openText(u"one"_s, u"mouse 1\n"_s);
+    shown.dock.openText(u"other"_s, u"mouse 2\n"_s);
+    QTest::keyClick(shown.editor(), Qt::Key_Z, Qt::ControlModifier);
+    QCOMPARE(shown.editor()->toPlainText(), u"mouse 2\n"_s);
+    QVERIFY(!shown.dock.isModified());
+    QTest::keyClicks(shown.editor(), u"# "_s);
+    QTest::keyClick(shown.editor(), Qt::Key_Z, Qt::ControlModifier);
+    QCOMPARE(shown.editor()->toPlainText(), u"mouse 2\n"_s);
+    QVERIFY(!shown.dock.isModified());
 }
 
 void tst_ScenarioDock::aNewTextIsSavedUnderAName()

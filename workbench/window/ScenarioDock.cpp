@@ -224,6 +224,7 @@ void ScenarioDock::showText(const QString &title, const QString &path, const QSt
     m_title = title;
     m_path = path;
     m_editor->replaceText(text);
+    m_editor->document()->clearUndoRedoStacks();
     forgetChanges();
     m_tabs->setCurrentWidget(m_editor);
     say({});
