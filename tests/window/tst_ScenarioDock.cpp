@@ -57,6 +57,17 @@ struct ShownDock
 
     ScenarioEditor *editor() const { return child<ScenarioEditor>("scenarioEditor"); }
 
+    /// What becomes of the changes; false when it is not asked.
+    bool answer(QMessageBox::StandardButton button) const
+    {
+        auto *question = child<QMessageBox>("unsavedQuestion");
+        if (!question)
+            return false;
+        QTest::mouseClick(question->button(button), Qt::LeftButton);
+        return QTest::qWaitFor([this] { return !child<QMessageBox>("unsavedQuestion"); },
+                               StartedEngine::limit);
+    }
+
     StartedEngine started;
     Transcript transcript;
     ScenarioDock dock;
@@ -110,6 +121,10 @@ void tst_ScenarioDock::theTranscriptIsTakenAndUndone()
     QVERIFY(shown.started.play({u"mouse 1"_s, u"start"_s}));
     QTest::keyClicks(shown.editor(), u"old"_s);
     shown.click("takeTranscriptButton");
+    QVERIFY(shown.answer(QMessageBox::Cancel));
+    QCOMPARE(shown.editor()->toPlainText(), u"old"_s);
+    shown.click("takeTranscriptButton");
+    QVERIFY(shown.answer(QMessageBox::Discard));
     QCOMPARE(shown.editor()->toPlainText(), u"mouse 1\nstart\n"_s);
     QTest::keyClick(shown.editor(), Qt::Key_Z, Qt::ControlModifier);
     QCOMPARE(shown.editor()->toPlainText(), u"old"_s);
@@ -325,17 +340,11 @@ void tst_ScenarioDock::changesAreAskedFor()
 {
     ShownDock shown;
     QTest::keyClicks(shown.editor(), u"mine"_s);
-    const auto answer = [&shown](QMessageBox::StandardButton button) {
-        auto *question = shown.child<QMessageBox>("unsavedQuestion");
-        QVERIFY(question);
-        QTest::mouseClick(question->button(button), Qt::LeftButton);
-    };
     shown.dock.openText(u"other"_s, u"other"_s);
-    answer(QMessageBox::Cancel);
+    QVERIFY(shown.answer(QMessageBox::Cancel));
     QCOMPARE(shown.editor()->toPlainText(), u"mine"_s);
-    KVX_EVENTUALLY(!shown.child<QMessageBox>("unsavedQuestion"));
     shown.dock.openText(u"other"_s, u"other"_s);
-    answer(QMessageBox::Discard);
+    QVERIFY(shown.answer(QMessageBox::Discard));
     QCOMPARE(shown.editor()->toPlainText(), u"other"_s);
 }
 

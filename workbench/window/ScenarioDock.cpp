@@ -134,7 +134,7 @@ void ScenarioDock::makeActions()
                  [this] { m_player.stop(); });
     bar->addSeparator();
     m_take = add(tr("&Take Transcript"), QStyle::SP_ArrowDown, Qt::CTRL | Qt::Key_T, "takeTranscript",
-                 [this] { takeTranscript(); });
+                 [this] { whenSaved([this] { takeTranscript(); }); });
     m_head = add(tr("Insert &Head"), QStyle::SP_FileDialogDetailedView, {}, "insertHead",
                  [this] { insertHead(); });
     m_open = add(tr("&Open Scenario..."), QStyle::SP_DialogOpenButton, QKeySequence::Open, "openScenario",
