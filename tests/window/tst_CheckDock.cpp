@@ -126,6 +126,7 @@ private Q_SLOTS:
     void cancelTwiceEndsAtOnce();
     void whatCannotRunIsSaid_data();
     void whatCannotRunIsSaid();
+    void resultOfAnotherLibraryIsSaid();
     void filterShowsOneVerdict();
     void scenarioIsOpened();
     void scenarioThatIsGoneIsSaid();
@@ -261,6 +262,29 @@ void tst_CheckDock::whatCannotRunIsSaid()
     QVERIFY(shown.find<QPushButton>("checkStart")->isEnabled());
     QVERIFY(!shown.find<QPushButton>("checkSaveReport")->isEnabled());
     QVERIFY(!shown.find<QPushButton>("checkOpenReport")->isEnabled());
+}
+
+void tst_CheckDock::resultOfAnotherLibraryIsSaid()
+{
+    const QString checked = brokenLibrary(u"report-rate-flag-without-signal"_s);
+    ShownDock shown(checked);
+    const auto *note = shown.find<QLabel>("checkOtherLibrary");
+    const auto open = [&shown](const QString &library) {
+        shown.engine.setSetup({QStringLiteral(KVX_COMMAND), library, {}});
+        QSignalSpy started(&shown.engine, &Engine::started);
+        shown.engine.restart();
+        return waitFor([&] { return !started.isEmpty(); });
+    };
+    QVERIFY(open(checked));
+    QVERIFY(shown.check(u"report-rate/confirmed"_s));
+    QVERIFY(!note->isVisible());
+    QVERIFY(open(QStringLiteral(KVX_LIBRARY)));
+    QVERIFY(note->isVisible());
+    QCOMPARE(note->text(), u"Result of %1; the window now has another library."_s.arg(checked));
+    shown.click("checkStart");
+    QVERIFY(!note->isVisible());
+    QVERIFY(shown.waitForEnd());
+    QVERIFY2(shown.outcome().contains("keeps the contract; "_L1), qPrintable(shown.outcome()));
 }
 
 void tst_CheckDock::filterShowsOneVerdict()

@@ -45,7 +45,8 @@ Widget *named(Widget *widget, const QString &objectName, const QString &accessib
 
 }  // namespace
 
-CheckDock::CheckDock(Engine *engine, QWidget *parent) : QWidget(parent), m_engine(engine)
+CheckDock::CheckDock(Engine *engine, QWidget *parent)
+    : QWidget(parent), m_engine(engine), m_otherLibrary(new QLabel)
 {
     auto *const layout = new QVBoxLayout(this);
     layout->addWidget(makeWishes());
@@ -60,12 +61,18 @@ CheckDock::CheckDock(Engine *engine, QWidget *parent) : QWidget(parent), m_engin
     m_outcome->setTextFormat(Qt::PlainText);
     m_outcome->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     layout->addWidget(m_outcome);
+    m_otherLibrary->setObjectName(u"checkOtherLibrary"_s);
+    m_otherLibrary->setWordWrap(true);
+    m_otherLibrary->setTextFormat(Qt::PlainText);
+    m_otherLibrary->hide();
+    layout->addWidget(m_otherLibrary);
     layout->addWidget(makeResults(), 1);
     layout->addWidget(makeActions());
 
     connect(&m_run, &CheckRun::planned, this, &CheckDock::notePlan);
     connect(&m_run, &CheckRun::verdictCame, this, &CheckDock::noteVerdict);
     connect(&m_run, &CheckRun::ended, this, &CheckDock::noteEnd);
+    connect(m_engine, &Engine::started, this, &CheckDock::noteLibrary);
     noteRunning(false);
     noteCurrent();
 }
@@ -214,6 +221,7 @@ void CheckDock::start()
         m_outcome->setText(tr("There is no library to check; open one first."));
         return;
     }
+    noteLibrary();
     m_tree->removeAll();
     noteCounts();
     m_hasReport = false;
@@ -221,6 +229,14 @@ void CheckDock::start()
     m_outcome->setText(tr("Checking %1").arg(m_setup.pluginFile));
     m_run.start(m_setup, {m_level->currentText(), QProcess::splitCommand(m_names->text()), m_jobs->value()});
     noteRunning(m_run.isRunning());
+}
+
+// The verdicts stay.
+void CheckDock::noteLibrary()
+{
+    const QString checked = m_setup.pluginFile;
+    m_otherLibrary->setText(tr("Result of %1; the window now has another library.").arg(checked));
+    m_otherLibrary->setVisible(!checked.isEmpty() && checked != m_engine->setup().pluginFile);
 }
 
 void CheckDock::cancel()

@@ -36,6 +36,7 @@ private:
     QWidget *makeActions();
     void fillFilter();
     void noteCounts();
+    void noteLibrary();
     void start();
     void cancel();
     void notePlan(int scenarios);
@@ -61,6 +62,7 @@ private:
     QPushButton *m_cancel = nullptr;
     QProgressBar *m_progress = nullptr;
     QLabel *m_outcome = nullptr;
+    QLabel *const m_otherLibrary;
     QSplitter *m_results = nullptr;
     QComboBox *m_filter = nullptr;
     CheckTree *m_tree = nullptr;
