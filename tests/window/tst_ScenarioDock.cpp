@@ -8,11 +8,13 @@
 #include <QtCore/QProcess>
 #include <QtCore/QTemporaryDir>
 #include <QtGui/QDragEnterEvent>
+#include <QtGui/QTextBlock>
 #include <QtTest/QSignalSpy>
 #include <QtWidgets/QFileDialog>
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QMenu>
 #include <QtWidgets/QMessageBox>
+#include <QtWidgets/QScrollBar>
 #include <QtWidgets/QTabWidget>
 #include <QtWidgets/QToolButton>
 
@@ -86,6 +88,7 @@ private Q_SLOTS:
     void eachExampleGoesAsItWants_data();
     void eachExampleGoesAsItWants();
     void aDifferenceIsMarkedAtItsLine();
+    void aRunKeepsTheCursorAndShowsItsLine();
     void aLineThatCannotBeUsedEndsThePlay();
     void linesThatWereNotComparedAreADifference();
     void stepsGoFromCommandToCommand();
@@ -182,6 +185,26 @@ void tst_ScenarioDock::aDifferenceIsMarkedAtItsLine()
     QVERIFY2(message.contains(u"\nactual    "_s) && message.contains(u"500"_s), qPrintable(message));
     QVERIFY(shown.child<QLabel>("scenarioMessage")->isVisible());
     QVERIFY(!shown.started.lines.contains(u"stop"_s));
+}
+
+void tst_ScenarioDock::aRunKeepsTheCursorAndShowsItsLine()
+{
+    ShownDock shown;
+    constexpr int comments = 60;
+    shown.dock.openText(u"own"_s, QString(u"# comment\n"_s).repeated(comments) + u"foo\n"_s);
+    QTest::keyClick(shown.editor(), Qt::Key_Down);
+    shown.click("runScenarioButton");
+    KVX_EVENTUALLY(shown.isIdle());
+    QCOMPARE(shown.editor()->problemLine(), comments);
+    QCOMPARE(shown.editor()->textCursor().blockNumber(), 1);
+    const QTextCursor problem(shown.editor()->document()->findBlockByNumber(comments));
+    QVERIFY(shown.editor()->viewport()->rect().contains(shown.editor()->cursorRect(problem)));
+    // A problem above the view is shown, too.
+    shown.dock.openText(u"own"_s, u"foo\n"_s + QString(u"# comment\n"_s).repeated(comments));
+    shown.editor()->verticalScrollBar()->setValue(comments);
+    shown.click("runScenarioButton");
+    KVX_EVENTUALLY(shown.isIdle());
+    QCOMPARE(shown.editor()->verticalScrollBar()->value(), 0);
 }
 
 void tst_ScenarioDock::aLineThatCannotBeUsedEndsThePlay()

@@ -7,6 +7,7 @@
 #include <QtGui/QFontDatabase>
 #include <QtGui/QPainter>
 #include <QtGui/QTextBlock>
+#include <QtWidgets/QScrollBar>
 
 #include <algorithm>
 
@@ -73,13 +74,13 @@ void ScenarioEditor::replaceText(const QString &text)
     moveCursor(QTextCursor::Start);
 }
 
+// The text cursor stays where the user left it. No line is wrapped, so the bar counts lines.
 void ScenarioEditor::showLine(qsizetype line)
 {
-    const QTextBlock block = document()->findBlockByNumber(static_cast<int>(line));
-    if (line < 0 || !block.isValid())
-        return;
-    setTextCursor(QTextCursor(block));
-    ensureCursorVisible();
+    QScrollBar *bar = verticalScrollBar();
+    const int value = static_cast<int>(line);
+    if (line >= 0 && (value < bar->value() || value >= bar->value() + bar->pageStep()))
+        bar->setValue(value - bar->pageStep() / 2);
 }
 
 void ScenarioEditor::markLines()
