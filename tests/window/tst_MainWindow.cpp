@@ -142,7 +142,10 @@ void tst_MainWindow::aSessionFromTheFirstLineToTheEnd()
     QVERIFY(shown.settle());
     QCOMPARE(shown.lines.last(), u"setReportRate 250"_s);
     KVX_EVENTUALLY(shown.child<QLabel>("lastAnswer")->text() == u"setReportRate 250: done"_s);
-    const QStringList transcript{u"mouse 1"_s, u"start"_s, u"setReportRate 250"_s};
+    shown.type(u"# a comment"_s);
+    QVERIFY(shown.settle());
+    QCOMPARE(shown.child<QLabel>("lastAnswer")->text(), u"setReportRate 250: done"_s);
+    const QStringList transcript{u"mouse 1"_s, u"start"_s, u"setReportRate 250"_s, u"# a comment"_s};
     QCOMPARE(shown.window.transcript()->lines(), transcript);
 
     shown.trigger("stopSession");

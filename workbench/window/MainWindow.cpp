@@ -99,6 +99,9 @@ void MainWindow::takeAnswer(const Answer &answer)
         m_command->setCommands(commandsOf(m_help));
         return;
     }
+    // Of an empty line or a comment.
+    if (answer.command.isEmpty() && answer.result == "done"_L1)
+        return;
     QString text = answer.command + u": "_s + answer.result;
     if (!answer.message.isEmpty())
         text += u", "_s + answer.message;
