@@ -89,6 +89,7 @@ private Q_SLOTS:
     void eachExampleGoesAsItWants();
     void aDifferenceIsMarkedAtItsLine();
     void aRunKeepsTheCursorAndShowsItsLine();
+    void aScenarioWithoutCommandsIsSaidToBeSo();
     void aLineThatCannotBeUsedEndsThePlay();
     void linesThatWereNotComparedAreADifference();
     void stepsGoFromCommandToCommand();
@@ -147,7 +148,7 @@ void tst_ScenarioDock::aScenarioIsPlayedFromAFreshLibrary()
     QCOMPARE(shown.started.lines, lines);
     QCOMPARE(shown.editor()->problemLine(), -1);
     QCOMPARE(shown.editor()->currentLine(), -1);
-    QVERIFY(!shown.dock.message().isEmpty());
+    QCOMPARE(shown.dock.message(), u"All lines went as the scenario wants."_s);
     QVERIFY(!shown.editor()->isReadOnly());
     QCOMPARE(shown.started.engine.state().value("devices"_L1).toArray().size(), 1);
 }
@@ -205,6 +206,13 @@ void tst_ScenarioDock::aRunKeepsTheCursorAndShowsItsLine()
     shown.click("runScenarioButton");
     KVX_EVENTUALLY(shown.isIdle());
     QCOMPARE(shown.editor()->verticalScrollBar()->value(), 0);
+}
+
+void tst_ScenarioDock::aScenarioWithoutCommandsIsSaidToBeSo()
+{
+    ShownDock shown;
+    QVERIFY(shown.play(u"# comment\n\n"_s));
+    QCOMPARE(shown.dock.message(), u"The scenario has no commands."_s);
 }
 
 void tst_ScenarioDock::aLineThatCannotBeUsedEndsThePlay()

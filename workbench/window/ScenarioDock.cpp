@@ -20,6 +20,8 @@
 #include <QtWidgets/QToolButton>
 #include <QtWidgets/QVBoxLayout>
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -44,6 +46,12 @@ std::optional<QString> textOf(const QString &path, QString &problem)
         return {};
     }
     return text.remove(u'\r');
+}
+
+bool hasCommand(const QStringList &lines)
+{
+    return std::any_of(lines.cbegin(), lines.cend(),
+                       [](const QString &line) { return !commandWord(line).isEmpty(); });
 }
 
 QString problemText(qsizetype line, const Answer &answer)
@@ -166,8 +174,10 @@ void ScenarioDock::makeActions()
 void ScenarioDock::connectPlayer()
 {
     connect(&m_player, &ScenarioPlayer::changed, this, &ScenarioDock::showPlay);
-    connect(&m_player, &ScenarioPlayer::finished, this,
-            [this] { say(tr("All lines went as the scenario wants.")); });
+    connect(&m_player, &ScenarioPlayer::finished, this, [this] {
+        say(hasCommand(m_editor->lines()) ? tr("All lines went as the scenario wants.")
+                                          : tr("The scenario has no commands."));
+    });
     connect(&m_player, &ScenarioPlayer::failed, this, [this](qsizetype line, const Answer &answer) {
         m_editor->setProblemLine(line);
         say(problemText(line, answer));
