@@ -98,6 +98,7 @@ private Q_SLOTS:
     void stopEndsAHang();
     void aCrashIsMarkedAtItsLine();
     void aFileIsOpenedChangedAndSaved();
+    void theOutcomeStaysBesideASavedText();
     void undoStaysInItsFile();
     void aNewTextIsSavedUnderAName();
     void aFileThatCannotBeRead();
@@ -323,6 +324,25 @@ void tst_ScenarioDock::aFileIsOpenedChangedAndSaved()
     QVERIFY(!dock.isModified());
     QCOMPARE(contentOf(path), QByteArray("mouse 1\nset ppid \xC3\xA4\nstart\n"));
     QCOMPARE(used.size(), 2);
+}
+
+void tst_ScenarioDock::theOutcomeStaysBesideASavedText()
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(u"own.kvx"_s);
+    QVERIFY(QFile::copy(QStringLiteral(KVX_EXAMPLES) + u"/01-dpi-slots.kvx"_s, path));
+    ShownDock shown;
+    QVERIFY(shown.dock.openFile(path));
+    shown.click("runScenarioButton");
+    KVX_EVENTUALLY(shown.isIdle());
+    const QString outcome = shown.dock.message();
+    QVERIFY(!outcome.isEmpty());
+    QVERIFY(!shown.dock.openFile(folder.filePath(u"missing.kvx"_s)));
+    QVERIFY(shown.dock.message() != outcome);
+    shown.click("saveScenarioButton");
+    QCOMPARE(shown.dock.message(), outcome);
+    shown.dock.openText(u"other"_s, {});
+    QCOMPARE(shown.dock.message(), QString());
 }
 
 void tst_ScenarioDock::undoStaysInItsFile()

@@ -175,16 +175,16 @@ void ScenarioDock::connectPlayer()
 {
     connect(&m_player, &ScenarioPlayer::changed, this, &ScenarioDock::showPlay);
     connect(&m_player, &ScenarioPlayer::finished, this, [this] {
-        say(hasCommand(m_editor->lines()) ? tr("All lines went as the scenario wants.")
-                                          : tr("The scenario has no commands."));
+        conclude(hasCommand(m_editor->lines()) ? tr("All lines went as the scenario wants.")
+                                               : tr("The scenario has no commands."));
     });
     connect(&m_player, &ScenarioPlayer::failed, this, [this](qsizetype line, const Answer &answer) {
         m_editor->setProblemLine(line);
-        say(problemText(line, answer));
+        conclude(problemText(line, answer));
     });
     connect(&m_player, &ScenarioPlayer::broken, this, [this](qsizetype line, const EngineEnd &end) {
         m_editor->setProblemLine(line);
-        say(tr("Line %1: %2").arg(line + 1).arg(endText(end)));
+        conclude(tr("Line %1: %2").arg(line + 1).arg(endText(end)));
     });
 }
 
@@ -237,7 +237,7 @@ void ScenarioDock::showText(const QString &title, const QString &path, const QSt
     m_editor->document()->clearUndoRedoStacks();
     forgetChanges();
     m_tabs->setCurrentWidget(m_editor);
-    say({});
+    conclude({});
     showTitle();
 }
 
@@ -262,6 +262,12 @@ void ScenarioDock::say(const QString &message)
     m_message->setVisible(!message.isEmpty());
 }
 
+void ScenarioDock::conclude(const QString &outcome)
+{
+    m_outcome = outcome;
+    say(outcome);
+}
+
 void ScenarioDock::showPlay()
 {
     const bool isIdle = m_player.state() == ScenarioPlayer::State::Idle;
@@ -277,7 +283,7 @@ void ScenarioDock::showPlay()
     if (!isIdle) {
         m_tabs->setCurrentWidget(m_editor);
         m_editor->setProblemLine(-1);
-        say({});
+        conclude({});
     }
 }
 
@@ -348,7 +354,7 @@ void ScenarioDock::write(const QString &path, const std::function<void()> &then)
     m_path = path;
     m_title = QFileInfo(path).fileName();
     forgetChanges();
-    say({});
+    say(m_outcome);
     showTitle();
     Q_EMIT fileUsed(m_path);
     if (then)
@@ -361,7 +367,7 @@ void ScenarioDock::takeTranscript()
     m_path.clear();
     m_title.clear();
     m_tabs->setCurrentWidget(m_editor);
-    say({});
+    conclude({});
     showTitle();
 }
 

@@ -49,6 +49,7 @@ private:
     void openExample(const QString &path);
     void showText(const QString &title, const QString &path, const QString &text);
     void say(const QString &message);
+    void conclude(const QString &outcome);
     void showPlay();
     void showTitle();
     void askForFile();
@@ -63,6 +64,7 @@ private:
     ScenarioLibrary *m_library;
     QString m_path;
     QString m_title;
+    QString m_outcome;  // what the last run of the text came to
 
     ScenarioEditor *m_editor = nullptr;
     ScenarioEditor *m_transcriptView = nullptr;
