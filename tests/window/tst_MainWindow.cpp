@@ -366,7 +366,11 @@ void tst_MainWindow::theDocksAreConnected()
     Q_EMIT check->scenarioWanted(u"own"_s, u"mouse 1"_s);
     const auto *editor = shown.child<QPlainTextEdit>("scenarioEditor");
     QCOMPARE(editor->toPlainText(), u"mouse 1"_s);
-    QVERIFY(editor->isVisible());
+    KVX_EVENTUALLY(!editor->visibleRegion().isEmpty());
+    shown.child<QDockWidget>("checkDock")->raise();
+    KVX_EVENTUALLY(editor->visibleRegion().isEmpty());
+    shown.trigger("takeTranscript");
+    KVX_EVENTUALLY(!editor->visibleRegion().isEmpty());
 
     const QWidget *sequence = shown.child<QDockWidget>("sequenceDock");
     shown.child<QDockWidget>("sequenceDock")->raise();

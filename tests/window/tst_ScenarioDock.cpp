@@ -98,6 +98,7 @@ private Q_SLOTS:
     void stopEndsAHang();
     void aCrashIsMarkedAtItsLine();
     void aFileIsOpenedChangedAndSaved();
+    void aNewTextHasNoFile();
     void theOutcomeStaysBesideASavedText();
     void undoStaysInItsFile();
     void aNewTextIsSavedUnderAName();
@@ -324,6 +325,17 @@ void tst_ScenarioDock::aFileIsOpenedChangedAndSaved()
     QVERIFY(!dock.isModified());
     QCOMPARE(contentOf(path), QByteArray("mouse 1\nset ppid \xC3\xA4\nstart\n"));
     QCOMPARE(used.size(), 2);
+}
+
+void tst_ScenarioDock::aNewTextHasNoFile()
+{
+    ShownDock shown;
+    QVERIFY(shown.dock.openFile(QStringLiteral(KVX_EXAMPLES) + u"/01-dpi-slots.kvx"_s));
+    shown.child<QAction>("newScenario")->trigger();
+    QCOMPARE(shown.editor()->toPlainText(), QString());
+    QCOMPARE(shown.dock.path(), QString());
+    const auto *tabs = shown.child<QTabWidget>("scenarioTabs");
+    QCOMPARE(tabs->tabText(tabs->currentIndex()), u"Scenario"_s);
 }
 
 void tst_ScenarioDock::theOutcomeStaysBesideASavedText()

@@ -74,10 +74,8 @@ void MainWindow::makeDocks()
 void MainWindow::connectDocks()
 {
     connect(m_timeline, &TimelineDock::selectionChanged, m_sequence, &SequenceDock::showEntries);
-    connect(m_check, &CheckDock::scenarioWanted, this, [this](const QString &title, const QString &text) {
-        showDock("scenario");
-        m_scenario->openText(title, text);
-    });
+    connect(m_check, &CheckDock::scenarioWanted, m_scenario, &ScenarioDock::openText);
+    connect(m_scenario, &ScenarioDock::textReplaced, this, [this] { showDock("scenario"); });
     connect(m_library, &LibraryDock::libraryWanted, this, &MainWindow::openLibrary);
     connect(m_scenario, &ScenarioDock::fileUsed, this, [this](const QString &path) { m_recent->add(path); });
 }

@@ -145,6 +145,8 @@ void ScenarioDock::makeActions()
                  [this] { whenSaved([this] { takeTranscript(); }); });
     m_head = add(tr("Insert &Head"), QStyle::SP_FileDialogDetailedView, {}, "insertHead",
                  [this] { insertHead(); });
+    m_new = add(tr("&New Scenario"), QStyle::SP_FileIcon, {}, "newScenario", [this] { openText({}, {}); });
+    bar->removeAction(m_new);
     m_open = add(tr("&Open Scenario..."), QStyle::SP_DialogOpenButton, QKeySequence::Open, "openScenario",
                  [this] { whenSaved([this] { askForFile(); }); });
     m_save = add(tr("&Save Scenario"), QStyle::SP_DialogSaveButton, QKeySequence::Save, "saveScenario",
@@ -239,6 +241,7 @@ void ScenarioDock::showText(const QString &title, const QString &path, const QSt
     m_tabs->setCurrentWidget(m_editor);
     conclude({});
     showTitle();
+    Q_EMIT textReplaced();
 }
 
 bool ScenarioDock::isModified() const
@@ -369,6 +372,7 @@ void ScenarioDock::takeTranscript()
     m_tabs->setCurrentWidget(m_editor);
     conclude({});
     showTitle();
+    Q_EMIT textReplaced();
 }
 
 void ScenarioDock::insertHead()
@@ -387,7 +391,7 @@ void ScenarioDock::insertHead()
 
 void ScenarioDock::addFileActions(QMenu *menu) const
 {
-    menu->addActions({m_open, m_save, m_saveAs});
+    menu->addActions({m_new, m_open, m_save, m_saveAs});
 }
 
 void ScenarioDock::addPlayActions(QMenu *menu) const

@@ -40,6 +40,8 @@ public:
 Q_SIGNALS:
     /// A file was opened or saved.
     void fileUsed(const QString &path);
+    /// By a file, an empty text or the transcript: somebody wants to see it.
+    void textReplaced();
 
 private:
     void makeActions();
@@ -70,6 +72,7 @@ private:
     ScenarioEditor *m_transcriptView = nullptr;
     QTabWidget *m_tabs = nullptr;
     QLabel *m_message = nullptr;
+    QAction *m_new = nullptr;
     QAction *m_open = nullptr;
     QAction *m_save = nullptr;
     QAction *m_saveAs = nullptr;
