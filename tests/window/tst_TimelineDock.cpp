@@ -175,6 +175,8 @@ private Q_SLOTS:
     void aPauseKeepsLinesWaiting();
     void aPauseEndsWhenTooManyLinesWait();
     void copyTheSelectedLines();
+    void copyAsExpectation_data();
+    void copyAsExpectation();
     void exportAsText();
     void exportAsJsonLines();
     void exportToAFolderThatIsNotThere();
@@ -421,6 +423,41 @@ void tst_TimelineDock::copyTheSelectedLines()
              "    5     5.005 ms  [2]  signal reportRateChanged(500)\n"_s);
     QTest::keyClick(shown.table, Qt::Key_C, Qt::ControlModifier | Qt::ShiftModifier);
     QCOMPARE(QGuiApplication::clipboard()->text(), u"debug Mouse: rate\nsignal reportRateChanged(500)\n"_s);
+    shown.click(4);
+    QTest::keyClick(shown.table, Qt::Key_C, Qt::ControlModifier | Qt::ShiftModifier);
+    QCOMPARE(QGuiApplication::clipboard()->text(), u"signal reportRateChanged(500)"_s);
+    shown.child<QAction>(u"timelineCopyExpectation"_s)->trigger();
+    QCOMPARE(QGuiApplication::clipboard()->text(), u"= signal reportRateChanged(500)"_s);
+}
+
+void tst_TimelineDock::copyAsExpectation_data()
+{
+    QTest::addColumn<QStringList>("scenario");
+    const QStringList oneMouse{u"mouse 1"_s, u"start"_s};
+    QTest::newRow("one-device") << oneMouse;
+    QTest::newRow("two-receivers") << oneMouse + QStringList{u"receiver 2"_s, u"mouse 7"_s, u"start"_s};
+}
+
+// What was copied goes as the scenario wants.
+void tst_TimelineDock::copyAsExpectation()
+{
+    QFETCH(const QStringList, scenario);
+    StartedEngine started;
+    const TimelineDock dock(&started.engine);
+    QVERIFY(started.play(scenario));
+    const auto before = int(started.entries.size());
+    QVERIFY(started.play({u"setReportRate 250"_s}));
+    const auto *model = dock.findChild<TimelineModel *>();
+    QVERIFY(comes([&] { return model->entryCount() == started.entries.size(); }));
+    auto *table = dock.findChild<QTableView *>();
+    table->selectionModel()->select({model->index(before, 0), model->index(model->rowCount() - 1, 0)},
+                                    QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+    dock.findChild<QAction *>(u"timelineCopyExpectation"_s)->trigger();
+    const QStringList lines = QGuiApplication::clipboard()->text().split(u'\n', Qt::SkipEmptyParts);
+    QVERIFY(lines.size() > 5);
+    QVERIFY(started.play(lines + QStringList{u"settle"_s}));
+    for (const Answer &answer : std::as_const(started.answers))
+        QVERIFY2(answer.result == u"done"_s, qPrintable(answer.command + u": "_s + answer.message));
 }
 
 void tst_TimelineDock::exportAsText()

@@ -42,6 +42,7 @@ void setNames(Control *control, const QString &objectName, const QString &access
 
 TimelineDock::TimelineDock(Engine *engine, QWidget *parent)
     : QWidget(parent),
+      m_engine(engine),
       m_model(new TimelineModel(this)),
       m_table(new QTableView(this)),
       m_kinds(new QToolButton(this)),

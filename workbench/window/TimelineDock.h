@@ -5,6 +5,8 @@
 #include <QtCore/QTimer>
 #include <QtWidgets/QWidget>
 
+#include <functional>
+
 class Engine;
 class FindBar;
 class QComboBox;
@@ -58,12 +60,13 @@ private:
     QList<int> selectedRows() const;
 
     void find(int step, bool mayStay);
-    void copyLines(QString (*textOf)(const Entry &)) const;
+    void copyLines(const std::function<QString(const Entry &)> &textOf) const;
     void askForFile(const QString &title, const QString &suffix, QByteArray (TimelineDock::*content)() const);
     void save(const QString &file, const QByteArray &content);
     QByteArray asText() const;
     QByteArray asJsonLines() const;
 
+    const Engine *m_engine;
     TimelineModel *m_model;
     QTableView *m_table;
     QToolButton *m_kinds;

@@ -1,3 +1,4 @@
+#include "Engine.h"
 #include "FindBar.h"
 #include "ReportFile.h"
 #include "TimelineDock.h"
@@ -10,6 +11,20 @@
 #include <QtWidgets/QTableView>
 
 using namespace Qt::StringLiterals;
+
+namespace {
+
+// kvx compares a line together with its device's id while there are several devices.
+QString expectation(const Entry &entry, bool hasSeveralDevices)
+{
+    const int words = entry.receiver == 1 ? 1 : 2;  // in front of the id: "signal", "receiver 2"
+    QString line = u"= "_s + entry.text.section(u' ', 0, words - 1);
+    if (hasSeveralDevices && entry.device)
+        line += u" [%1]"_s.arg(*entry.device);
+    return line + u' ' + entry.text.section(u' ', words);
+}
+
+}  // namespace
 
 void TimelineDock::addActions()
 {
@@ -27,6 +42,10 @@ void TimelineDock::addActions()
         [this] { copyLines(&TimelineModel::line); });
     add(m_table, u"timelineCopyText"_s, tr("Copy the text only"), QKeySequence(tr("Ctrl+Shift+C")),
         [this] { copyLines([](const Entry &entry) { return entry.text; }); });
+    add(m_table, u"timelineCopyExpectation"_s, tr("Copy as expectation"), {}, [this] {
+        const bool hasSeveralDevices = m_engine->state().value("devices"_L1).toArray().size() > 1;
+        copyLines([hasSeveralDevices](const Entry &entry) { return expectation(entry, hasSeveralDevices); });
+    });
     m_table->setContextMenuPolicy(Qt::ActionsContextMenu);
     add(this, u"timelineFind"_s, tr("Find"), QKeySequence::Find, [this] { m_findBar->open(); });
     add(this, u"timelineFindNext"_s, tr("Find next"), QKeySequence(Qt::Key_F3), [this] { find(1, false); });
@@ -66,14 +85,17 @@ void TimelineDock::find(int step, bool mayStay)
     m_findBar->setResult(tr("Not found"));
 }
 
-void TimelineDock::copyLines(QString (*textOf)(const Entry &)) const
+// One line has no line break at its end, so that it fits into a line of a text.
+void TimelineDock::copyLines(const std::function<QString(const Entry &)> &textOf) const
 {
-    QString text;
+    QStringList lines;
     const QList<int> rows = selectedRows();
     for (const int row : rows)
-        text += textOf(m_model->entry(row)) + u'\n';
-    if (!text.isEmpty())
-        QGuiApplication::clipboard()->setText(text);
+        lines.append(textOf(m_model->entry(row)));
+    if (lines.size() > 1)
+        lines.append(QString());
+    if (!lines.isEmpty())
+        QGuiApplication::clipboard()->setText(lines.join(u'\n'));
 }
 
 void TimelineDock::askForFile(const QString &title, const QString &suffix,
