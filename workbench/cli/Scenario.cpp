@@ -100,17 +100,16 @@ const QList<Scenario::Command> &Scenario::commands()
         {"timeline", "[N]", "print the timeline's last lines", &Scenario::showTimeline, Needs::Nothing,
          Kind::Check},
         {"=", "LINE",
-         "compare the next line that the last command left; with the first, all of them must be given",
+         "compare the next line that the last command left; with the first, all of them must be given; log "
+         "lines count: \"log debug off\" before \"mouse\" leaves most of them out",
          &Scenario::expectNextLine, Needs::Nothing, Kind::Check},
         {"expect",
-         "VALUE TEXT... | signal LINE | timeline [LINE | LINE ...] | log [LINE | LINE ...] | metadata JSON | "
-         "exports NAME... | agreement | no-growth",
-         "compare a value, the next signal, the last lines without the log, the log of the last command, the "
-         "plugin's metadata without its Qt version and build type, the symbols that it exports, all values "
-         "with "
-         "their last signals and the mouse's, or what the process holds with what it held halfway through "
-         "the "
-         "last repeat",
+         "VALUE TEXT... | signal NAME(ARGUMENTS) | timeline [LINE | LINE ...] | log [LINE | LINE ...] | "
+         "metadata JSON | exports NAME... | agreement | no-growth",
+         "compare a value, the next signal that was not compared yet, counted from the start of the run, the "
+         "last lines without the log, the log of the last command, the plugin's metadata without its Qt "
+         "version and build type, the symbols that it exports, all values with their last signals and the "
+         "mouse's, or what the process holds with what it held halfway through the last repeat",
          &Scenario::expect, Needs::Nothing, Kind::Check},
         {"wait", "EVENT [MS]", "wait for a timeline line that begins so", &Scenario::wait, Needs::Nothing,
          Kind::Check},
