@@ -79,9 +79,10 @@ struct ShownDock
     {
         QStringList lines;
         for (QTreeWidgetItemIterator item(tree(), QTreeWidgetItemIterator::NotHidden); *item; ++item) {
-            if (!(*item)->parent() || !(*item)->parent()->isHidden())
-                lines.append(((*item)->parent() ? u"  "_s : QString()) + (*item)->text(0) + u": "_s +
-                             (*item)->text(1));
+            if (!(*item)->parent())
+                lines.append((*item)->text(0));
+            else if (!(*item)->parent()->isHidden())
+                lines.append(u"  %1: %2"_s.arg((*item)->text(0), (*item)->text(1)));
         }
         return lines;
     }
@@ -127,6 +128,7 @@ private Q_SLOTS:
     void whatCannotRunIsSaid_data();
     void whatCannotRunIsSaid();
     void resultOfAnotherLibraryIsSaid();
+    void countsLeaveRoomForTheNames();
     void filterShowsOneVerdict();
     void scenarioIsOpened();
     void scenarioThatIsGoneIsSaid();
@@ -285,6 +287,15 @@ void tst_CheckDock::resultOfAnotherLibraryIsSaid()
     QVERIFY(!note->isVisible());
     QVERIFY(shown.waitForEnd());
     QVERIFY2(shown.outcome().contains("keeps the contract; "_L1), qPrintable(shown.outcome()));
+}
+
+void tst_CheckDock::countsLeaveRoomForTheNames()
+{
+    ShownDock shown(brokenLibrary(u"report-rate-flag-without-signal"_s));
+    QVERIFY(shown.check(u"report-rate"_s));
+    const QString counts = shown.shownTree().constFirst().section(u": "_s, 1);
+    QVERIFY2(counts.contains(u" fail, "_s) && counts.contains(u" pass"_s), qPrintable(counts));
+    QVERIFY(shown.tree()->columnWidth(1) < shown.tree()->fontMetrics().horizontalAdvance(counts));
 }
 
 void tst_CheckDock::filterShowsOneVerdict()

@@ -15,6 +15,7 @@ namespace {
 
 enum Column { NameColumn, VerdictColumn };
 constexpr int scenarioRole = Qt::UserRole;
+constexpr int featureRole = Qt::UserRole + 1;  // its name
 
 QString verdictOf(const QTreeWidgetItem *item)
 {
@@ -44,6 +45,9 @@ CheckTree::CheckTree(QWidget *parent) : QTreeWidget(parent)
 {
     setHeaderLabels({tr("Scenario"), tr("Verdict")});
     setUniformRowHeights(true);
+    // A dock is narrow, and the names are long: "/home/.../mine.kvx".
+    setIndentation(indentation() / 2);
+    setTextElideMode(Qt::ElideMiddle);
     sortByColumn(NameColumn, Qt::AscendingOrder);
     setSortingEnabled(true);
     // A narrow tree shortens the names rather than hide the verdicts.
@@ -94,7 +98,9 @@ QTreeWidgetItem *CheckTree::featureItem(const QString &name)
     QTreeWidgetItem *&item = m_features[name];
     if (!item) {
         item = new QTreeWidgetItem(this);
-        item->setText(NameColumn, name);
+        item->setData(NameColumn, featureRole, name);
+        // Its counts must not widen the column of the verdicts.
+        item->setFirstColumnSpanned(true);
     }
     return item;
 }
@@ -103,7 +109,7 @@ void CheckTree::show(QTreeWidgetItem *item)
 {
     const QString name = item->data(NameColumn, scenarioRole).toJsonObject().value("name"_L1).toString();
     QTreeWidgetItem *const feature = item->parent();
-    const bool isInFolder = name.startsWith(feature->text(NameColumn) + u'/');
+    const bool isInFolder = name.startsWith(featureOf(name) + u'/');
     item->setText(NameColumn, isInFolder ? name.section(u'/', 1) : name);
     item->setToolTip(NameColumn, name);
     item->setText(VerdictColumn, verdictOf(item));
@@ -122,7 +128,8 @@ void CheckTree::noteCounts(QTreeWidgetItem *feature)
         ++counts[verdictOf(feature->child(index))];
         isAnyShown = isAnyShown || !feature->child(index)->isHidden();
     }
-    feature->setText(VerdictColumn, countsAsText(counts));
+    const QString name = feature->data(NameColumn, featureRole).toString();
+    feature->setText(NameColumn, name + u": "_s + countsAsText(counts));
     feature->setHidden(!isAnyShown);
 }
 
