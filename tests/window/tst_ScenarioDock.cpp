@@ -384,6 +384,15 @@ void tst_ScenarioDock::aNewTextIsSavedUnderAName()
     static_cast<QDialog *>(dialog)->accept();
     KVX_EVENTUALLY(shown.dock.path() == path);
     QCOMPARE(contentOf(path), QByteArray("mouse 1\n"));
+
+    // The next one begins in the same folder, wherever a library was opened.
+    QFileDialog(nullptr, {}, QDir::rootPath()).setDirectory(QDir::rootPath());
+    KVX_EVENTUALLY(!shown.dock.findChild<QFileDialog *>());
+    shown.child<QAction>("newScenario")->trigger();
+    shown.click("saveScenarioButton");
+    dialog = shown.dock.findChild<QFileDialog *>();
+    QVERIFY(dialog);
+    QCOMPARE(dialog->directory().path(), folder.path());
 }
 
 void tst_ScenarioDock::aFileThatCannotBeRead()

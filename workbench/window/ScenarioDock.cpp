@@ -7,6 +7,7 @@
 #include "ScenarioText.h"
 #include "Transcript.h"
 
+#include <QtCore/QDir>
 #include <QtCore/QFileInfo>
 #include <QtCore/QStringDecoder>
 #include <QtGui/QTextBlock>
@@ -72,7 +73,8 @@ ScenarioDock::ScenarioDock(Engine *engine, const Transcript *transcript, QWidget
     : QWidget(parent),
       m_transcript(transcript),
       m_player(engine),
-      m_library(new ScenarioLibrary(engine, this))
+      m_library(new ScenarioLibrary(engine, this)),
+      m_folder(QDir::currentPath())
 {
     makeWidgets();
     makeActions();
@@ -81,6 +83,8 @@ ScenarioDock::ScenarioDock(Engine *engine, const Transcript *transcript, QWidget
     connect(m_library, &ScenarioLibrary::fileWanted, this, &ScenarioDock::openExample);
     connect(m_library, &ScenarioLibrary::textWanted, this, &ScenarioDock::openText);
     connect(m_library, &ScenarioLibrary::problem, this, &ScenarioDock::say);
+    connect(this, &ScenarioDock::fileUsed, this,
+            [this](const QString &path) { m_folder = QFileInfo(path).path(); });
     connect(m_editor, &QPlainTextEdit::modificationChanged, this, &ScenarioDock::showTitle);
     showPlay();
     showTitle();
@@ -319,7 +323,7 @@ void ScenarioDock::whenSaved(const std::function<void()> &action)
 
 void ScenarioDock::askForFile()
 {
-    auto *dialog = new QFileDialog(this, tr("Open Scenario"), QFileInfo(m_path).path(), filter());
+    auto *dialog = new QFileDialog(this, tr("Open Scenario"), m_folder, filter());
     dialog->setFileMode(QFileDialog::ExistingFile);
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     // The user has answered already what becomes of the changes.
@@ -337,7 +341,7 @@ void ScenarioDock::save(const std::function<void()> &then)
 
 void ScenarioDock::saveAs(const std::function<void()> &then)
 {
-    auto *dialog = new QFileDialog(this, tr("Save Scenario"), QFileInfo(m_path).path(), filter());
+    auto *dialog = new QFileDialog(this, tr("Save Scenario"), m_folder, filter());
     dialog->setAcceptMode(QFileDialog::AcceptSave);
     dialog->setDefaultSuffix(u"kvx"_s);
     dialog->setAttribute(Qt::WA_DeleteOnClose);

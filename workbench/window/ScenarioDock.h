@@ -64,6 +64,7 @@ private:
     const Transcript *m_transcript;
     ScenarioPlayer m_player;
     ScenarioLibrary *m_library;
+    QString m_folder;  // of the last file; Qt would take that of any dialog
     QString m_path;
     QString m_title;
     QString m_outcome;  // what the last run of the text came to
