@@ -602,12 +602,15 @@ void tst_KvxShellJson::severalDevices()
         for (const auto &device : found)
             devices.append(u"%1 at %2%3"_s.arg(device["id"_L1].toString())
                                .arg(device["receiver"_L1].toInt())
-                               .arg(device["isStarted"_L1].toBool() ? u" started()"_s : QString()));
+                               .arg(device["isStarted"_L1].toBool() ? u" started()"_s : QString()) +
+                           (device["isStopped"_L1].toBool() ? u" stopped()"_s : QString()));
         return u"%1: %2"_s.arg(state["current"_L1].toString(), devices.join(u", "_s));
     };
     QCOMPARE(summary(two), u"4: 4 at 3 started(), 7 at 1"_s);
     QCOMPARE(summary(two + QStringList{u"use 7"_s}), u"7: 4 at 3 started(), 7 at 1"_s);
-    QCOMPARE(summary(two + QStringList{u"stop"_s}), u"4: 4 at 3 started(), 7 at 1"_s);
+    QCOMPARE(summary(two + QStringList{u"stop"_s}), u"4: 4 at 3 started() stopped(), 7 at 1"_s);
+    QCOMPARE(summary(two + QStringList{u"stop"_s, u"start"_s}), u"4: 4 at 3 started(), 7 at 1"_s);
+    QCOMPARE(summary({u"mouse 4"_s, u"stop"_s}), u"4: 4 at 1"_s);
     QCOMPARE(summary(two + QStringList{u"remove"_s}), u"7: 7 at 1"_s);
     const QJsonObject none = stateAfter(two + QStringList{u"remove"_s, u"remove"_s});
     QVERIFY(none["current"_L1].isNull());

@@ -73,6 +73,7 @@ void tst_MiceDock::aMouseIsAddedStartedStoppedAndRemoved()
     KVX_EVENTUALLY_EQUAL(mice.shown(), QStringList{u"1 yes yes 1 *"_s});
     mice.click("miceStop");
     QCOMPARE(mice.takeLines(), QStringList{u"stop"_s});
+    KVX_EVENTUALLY_EQUAL(mice.shown(), QStringList{u"1 stopped yes 1 *"_s});
     mice.click("miceRemove");
     QCOMPARE(mice.takeLines(), QStringList{u"remove"_s});
     KVX_EVENTUALLY(mice.shown().isEmpty());

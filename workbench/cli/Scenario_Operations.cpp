@@ -175,6 +175,8 @@ CommandResult Scenario::callOperation(const QStringList &words)
     const quint64 before = m_workbench.timeline.lastSequence();
     if (command.operation == &calls::start)
         m_workbench.noteStart();
+    else if (command.operation == &calls::stop)
+        m_workbench.noteStop();
     QJsonValue result;
     callDevice([&] { result = device.call(*command.operation, *arguments); });
     if (result.isBool() && result.toBool() == (m_wantedOutcome == u"refused"))

@@ -78,6 +78,7 @@ QJsonObject Scenario::deviceState(DeviceId id, const Workbench::KnownDevice &kno
 {
     QJsonObject state{{u"id"_s, QString::number(id)},
                       {u"isStarted"_s, known.starts > 0},
+                      {u"isStopped"_s, known.isStopped},
                       {u"hasMouse"_s, known.hasMouse},
                       {u"receiver"_s, known.receiver->number()}};
     if (known.hasMouse)

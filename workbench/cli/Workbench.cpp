@@ -149,6 +149,19 @@ HostedDevice *Workbench::device() const
     return current == m_devices.end() ? nullptr : current->second.device.get();
 }
 
+void Workbench::noteStart()
+{
+    KnownDevice &known = m_devices.at(m_current);
+    ++known.starts;
+    known.isStopped = false;
+}
+
+void Workbench::noteStop()
+{
+    KnownDevice &known = m_devices.at(m_current);
+    known.isStopped = known.starts > 0;
+}
+
 bool Workbench::setLogSwitches(const LogSwitches &switches)
 {
     m_logSwitches = switches;

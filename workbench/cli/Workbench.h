@@ -36,6 +36,7 @@ public:
         bool hasMouse = false;
         int starts = 0;
         SimulatedReceiver *receiver = nullptr;
+        bool isStopped = false;  // since the last start
     };
 
     Workbench() = default;
@@ -85,7 +86,9 @@ public:
 
     bool isStarted() const { return device() && m_devices.at(m_current).starts > 0; }
     /// To be called at each start of the current device.
-    void noteStart() { ++m_devices.at(m_current).starts; }
+    void noteStart();
+    /// To be called at each stop of the current device.
+    void noteStop();
 
     /// Qt's filter rules for logging categories, for the whole process and until this object goes.
     void setCategoryRules(const QString &rules);

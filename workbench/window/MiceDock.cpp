@@ -174,7 +174,7 @@ void MiceDock::showDevices(const QJsonObject &state)
         const auto yesOrNo = [&](QLatin1StringView key) {
             return device.value(key).toBool() ? tr("yes") : tr("no");
         };
-        item->setText(1, yesOrNo("isStarted"_L1));
+        item->setText(1, device.value("isStopped"_L1).toBool() ? tr("stopped") : yesOrNo("isStarted"_L1));
         item->setText(2, yesOrNo("hasMouse"_L1));
         item->setText(3, device.value("hasMouse"_L1).toBool()
                              ? QString::number(device.value("receiver"_L1).toInt(1))
