@@ -51,6 +51,7 @@ private Q_SLOTS:
     void otherRequests_data();
     void otherRequests();
     void lostConfirmationIsPendingUntilItComes();
+    void aConfirmationEndsWhenTheMouseChangesTheValue();
     void refusedRequest();
     void refusedRepetition();
     void withoutSettleTheNextLineComesWhilePending();
@@ -66,6 +67,7 @@ void tst_RequestsDock::slotsTakeAnyText()
 {
     Fixture requests;
     QCOMPARE(requests.slotTexts(), (QStringList{u"800"_s, u"1600"_s, u"2400"_s, u"3200"_s, u"4000"_s}));
+    const int widthBefore = requests.dock.minimumSizeHint().width();
     requests.type("requestSlot1", u"65536"_s);
     requests.type("requestSlot2", u"+800"_s);
     requests.type("requestSlot3", u"4 \"\\ 2"_s);
@@ -85,6 +87,7 @@ void tst_RequestsDock::slotsTakeAnyText()
     KVX_EVENTUALLY_EQUAL(requests.outcome("setDpiSlotValues"), u"confirmed"_s);
     QCOMPARE(requests.slotTexts(), texts);
     QCOMPARE(requests.value("setDpiSlotValues"), u"now 800 800 2400 3200 4000"_s);
+    QCOMPARE(requests.dock.minimumSizeHint().width(), widthBefore);
 }
 
 void tst_RequestsDock::fieldsFollowTheDeviceUntilTheyAreEdited()
@@ -157,6 +160,17 @@ void tst_RequestsDock::lostConfirmationIsPendingUntilItComes()
     QVERIFY(requests.play({u"report reportRateConfirmed 1000"_s}));
     KVX_EVENTUALLY_EQUAL(requests.outcome("setReportRate"), u"confirmed"_s);
     QVERIFY(!requests.widget("outcome-setReportRate")->font().bold());
+}
+
+void tst_RequestsDock::aConfirmationEndsWhenTheMouseChangesTheValue()
+{
+    Fixture requests;
+    requests.typeRate(u"1000"_s);
+    KVX_EVENTUALLY_EQUAL(requests.outcome("setReportRate"), u"confirmed"_s);
+    requests.takeLines();
+    QVERIFY(requests.play({u"report reportRateConfirmed 250"_s}));
+    KVX_EVENTUALLY_EQUAL(requests.value("setReportRate"), u"now 250"_s);
+    QCOMPARE(requests.outcome("setReportRate"), QString());
 }
 
 void tst_RequestsDock::refusedRequest()

@@ -70,7 +70,7 @@ RequestOutcomes::RequestOutcomes(Engine *engine, LineSender *sender, QObject *pa
     : QObject(parent), m_engine(engine), m_sender(sender)
 {
     connect(sender, &LineSender::answered, this, &RequestOutcomes::takeAnswer);
-    connect(engine, &Engine::entriesCame, this, &RequestOutcomes::noteRefusals);
+    connect(engine, &Engine::entriesCame, this, &RequestOutcomes::takeEntries);
     connect(engine, &Engine::stateChanged, this, &RequestOutcomes::takeState);
     connect(engine, &Engine::started, this, &RequestOutcomes::forget);
     connect(engine, &Engine::ended, this, &RequestOutcomes::forget);
@@ -120,17 +120,37 @@ void RequestOutcomes::takeAnswer(const Answer &answer)
     Q_EMIT changed();
 }
 
-void RequestOutcomes::noteRefusals(const QList<Entry> &entries)
+void RequestOutcomes::takeEntries(const QList<Entry> &entries)
 {
     for (const Entry &entry : entries) {
-        if (entry.kind != "receiver"_L1 || !entry.device)
+        if (!entry.device)
             continue;
-        // A later call of the operation replaces what is known of an earlier one.
-        const QString key = keyOf(QString::number(*entry.device), entry.name);
-        if (isRefusal(entry))
-            m_refusals.insert(key);
-        else
-            m_refusals.remove(key);
+        const QString device = QString::number(*entry.device);
+        if (entry.kind == "receiver"_L1)
+            noteRefusal(device, entry);
+        else if (entry.kind == "signal"_L1)
+            forgetConfirmation(device, entry.name);
+    }
+}
+
+// A later call of the operation replaces what is known of an earlier one.
+void RequestOutcomes::noteRefusal(const QString &device, const Entry &entry)
+{
+    const QString key = keyOf(device, entry.name);
+    if (isRefusal(entry))
+        m_refusals.insert(key);
+    else
+        m_refusals.remove(key);
+}
+
+// The mouse has changed the value by itself: what it confirmed is no longer in force.
+void RequestOutcomes::forgetConfirmation(const QString &device, const QString &signal)
+{
+    for (const Request &request : requests) {
+        const QString key = keyOf(device, request.command);
+        if (!request.property.isEmpty() && signal == request.property + "Changed"_L1 &&
+            !m_pending.contains(key))
+            m_outcomes.remove(key);
     }
 }
 

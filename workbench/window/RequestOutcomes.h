@@ -35,7 +35,7 @@ public:
     void setSettles(bool settles) { m_settles = settles; }
     /// command: the operation's name. words: its arguments, as a scenario writes them.
     void send(const QString &command, const QString &words);
-    /// The last one of this request, whoever sent it, on the current device.
+    /// The last one of this request, whoever sent it, on the current device; none when the mouse has changed the value since.
     Outcome outcome(const QString &command) const;
 
 Q_SIGNALS:
@@ -43,7 +43,9 @@ Q_SIGNALS:
 
 private:
     void takeAnswer(const Answer &answer);
-    void noteRefusals(const QList<Entry> &entries);
+    void takeEntries(const QList<Entry> &entries);
+    void noteRefusal(const QString &device, const Entry &entry);
+    void forgetConfirmation(const QString &device, const QString &signal);
     void takeState(const QJsonObject &state);
     void forget();
 

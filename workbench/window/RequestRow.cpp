@@ -60,8 +60,9 @@ RequestRow::RequestRow(const Request &request, QWidget *input, std::function<QSt
 
     auto *head = new QHBoxLayout;
     head->addWidget(new QLabel(request.title));
-    head->addWidget(m_value);
-    head->addStretch();
+    // An outcome must not widen the row.
+    m_value->setWordWrap(true);
+    head->addWidget(m_value, 1);
     head->addWidget(m_outcome);
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins({});
