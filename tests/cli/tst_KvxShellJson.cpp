@@ -559,11 +559,19 @@ void tst_KvxShellJson::mouse()
     const QJsonObject found = deviceAfter(started() + commands).value("mouse"_L1).toObject();
     QCOMPARE(found[field], value);
     // All that "set" knows, and the three that it does not.
-    const QJsonObject answer = answerTo(2, runShell({u"mouse 1"_s, u"set nothing 1"_s}).lines);
+    const ShellRun run = runShell({u"mouse 1"_s, u"set nothing 1"_s});
+    const QJsonObject answer = answerTo(2, run.lines);
     QStringList names = answer["message"_L1].toString().section(u"it has "_s, 1).split(u", "_s);
     names += {u"isAsleep"_s, u"heldButtons"_s, u"disabledButtonsOrKeys"_s};
     names.sort();
     QCOMPARE(found.keys(), names);
+
+    QJsonObject fields = lastState(run.lines).value("devices"_L1)[0]["mouse"_L1].toObject();
+    for (const QString &name : {u"isAsleep"_s, u"heldButtons"_s, u"disabledButtonsOrKeys"_s})
+        fields.remove(name);
+    const ShellLines states = linesWith("state"_L1, run.lines);
+    QCOMPARE(states.first()["state"_L1]["mouseFields"_L1].toObject(), fields);
+    QVERIFY(!states.last()["state"_L1].toObject().contains("mouseFields"_L1));
 }
 
 void tst_KvxShellJson::faultsInForce()

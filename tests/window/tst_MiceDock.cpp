@@ -50,6 +50,7 @@ class tst_MiceDock : public QObject
 private Q_SLOTS:
     void aMouseIsAddedStartedStoppedAndRemoved();
     void fieldsAndReceiverBelongToTheNewMouse();
+    void theFieldsOfAMouseAreNamed();
     void theReceiverIsTheOneInForce();
     void devicesWithoutAMouse();
     void theSelectedDeviceIsTheCurrentOne();
@@ -95,6 +96,19 @@ void tst_MiceDock::fieldsAndReceiverBelongToTheNewMouse()
     const QJsonObject mouse = DeviceState::currentDevice(mice.engine.state()).value("mouse"_L1).toObject();
     QCOMPARE(mouse.value("batteryLevel"_L1).toInt(), 20);
     QCOMPARE(mouse.value("ppid"_L1).toString(), u"A 1"_s);
+}
+
+void tst_MiceDock::theFieldsOfAMouseAreNamed()
+{
+    Fixture mice;
+    QVERIFY(mice.play({u"mouse 1"_s, u"set nothing 1"_s}));
+    const QStringList names = mice.answers.last().message.section(u"it has "_s, 1).split(u", "_s);
+    QVERIFY(names.contains(u"losesSettingsAsleep"_s));
+    const QStringList lines = mice.widget("miceFields")->toolTip().split(u'\n');
+    QCOMPARE(lines.size(), names.size() + 1);
+    for (const QString &name : names)
+        QVERIFY2(lines.join(u'\n').contains(u'\n' + name + u'='), qPrintable(name));
+    QVERIFY(lines.contains(u"dpiSlotValues=800,1600,2400,3200,4000"_s));
 }
 
 void tst_MiceDock::theReceiverIsTheOneInForce()

@@ -1,4 +1,5 @@
 #include "Commands.h"
+#include "MouseFields.h"
 #include "ScenarioPlay.h"
 #include "StandardInput.h"
 #include "StepLines.h"
@@ -119,8 +120,10 @@ void JsonShell::printState()
     if (state == m_state)
         return;
     QJsonObject printed = state;
-    if (m_state.isEmpty())
+    if (m_state.isEmpty()) {
+        printed.insert(u"mouseFields"_s, mouseFields({}));
         printed.insert(u"operations"_s, Scenario::operations());
+    }
     m_state = state;
     printLine(jsonText({{u"state"_s, printed}}));
 }

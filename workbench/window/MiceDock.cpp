@@ -98,9 +98,7 @@ QWidget *MiceDock::makeForm()
     m_fields = new QLineEdit;
     m_fields->setObjectName(u"miceFields"_s);
     m_fields->setAccessibleName(tr("Fields of the new mouse"));
-    m_fields->setPlaceholderText(u"batteryLevel=20"_s);
-    m_fields->setToolTip(
-        tr("FIELD=VALUE,... with blanks between the fields; quotes around what has a blank"));
+    m_fields->setPlaceholderText(u"batteryLevel=20 losesSettingsAsleep=true"_s);
     m_receiver = new QSpinBox;
     m_receiver->setObjectName(u"miceReceiver"_s);
     m_receiver->setAccessibleName(tr("Receiver of the new device"));
@@ -146,8 +144,23 @@ void MiceDock::useSelected(const QTreeWidgetItem *item)
         m_sender->send(u"use "_s + item->text(0));
 }
 
+// Only the first state has them.
+void MiceDock::showFields(const QJsonObject &fields)
+{
+    QStringList lines{
+        tr("FIELD=VALUE,... with blanks between the fields; quotes around what has a blank. Without them:")};
+    for (auto field = fields.begin(); field != fields.end(); ++field) {
+        const QVariant value = field->toVariant();
+        lines.append(field.key() + u'=' +
+                     (field->isArray() ? value.toStringList().join(u',') : value.toString()));
+    }
+    m_fields->setToolTip(lines.join(u'\n'));
+}
+
 void MiceDock::showState(const QJsonObject &state)
 {
+    if (const QJsonValue fields = state.value("mouseFields"_L1); fields.isObject())
+        showFields(fields.toObject());
     m_isLoaded = state.value("isLoaded"_L1).toBool();
     showDevices(state);
     if (!m_id->isModified())

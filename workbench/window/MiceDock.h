@@ -24,6 +24,7 @@ private:
     QWidget *makeForm();
     void add();
     void useSelected(const QTreeWidgetItem *item);
+    void showFields(const QJsonObject &fields);
     void showState(const QJsonObject &state);
     void showDevices(const QJsonObject &state);
     void showCurrent(const QString &id);
