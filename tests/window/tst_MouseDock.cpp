@@ -262,10 +262,10 @@ void tst_MouseDock::anInactiveWindowShowsTheSlotAsWell()
 void tst_MouseDock::dpiButtonChangesTheSlot()
 {
     Fixture mouse;
-    KVX_EVENTUALLY(mouse.status().startsWith(u"Mouse 1: slot 2, 1600 DPI, awake"_s));
+    KVX_EVENTUALLY(mouse.status().startsWith(u"Mouse 1: slot 2, 1600 DPI, 500 Hz, awake"_s));
     const QImage before = mouse.picture();
     QTest::mouseClick(mouse.button(u"dpi"_s), Qt::LeftButton);
-    KVX_EVENTUALLY(mouse.status().startsWith(u"Mouse 1: slot 3, 2400 DPI, awake"_s));
+    KVX_EVENTUALLY(mouse.status().startsWith(u"Mouse 1: slot 3, 2400 DPI, 500 Hz, awake"_s));
     QVERIFY(mouse.picture() != before);
 }
 

@@ -24,10 +24,11 @@ QString MouseDock::statusText(const QJsonObject &device, const MouseStatus &mous
     const QString id = DeviceState::idOf(device);
     if (!mouse.hasMouse)
         return tr("Device %1 has no mouse.").arg(id);
-    const QString settings = tr("Mouse %1: slot %2, %3 DPI, %4")
+    const QString settings = tr("Mouse %1: slot %2, %3 DPI, %4 Hz, %5")
                                  .arg(id)
                                  .arg(mouse.activeSlot)
                                  .arg(mouse.dpi)
+                                 .arg(mouse.reportRate)
                                  .arg(mouse.isAsleep ? tr("asleep") : tr("awake"));
     const QString buttons = tr("held: %1; diverted to the host: %2")
                                 .arg(listOf(mouse.heldButtons), listOf(mouse.divertedButtons));

@@ -30,6 +30,7 @@ MouseStatus MouseStatus::of(const QJsonObject &device)
     status.batteryLevel = mouse.value("batteryLevel"_L1).toInt();
     status.activeSlot = mouse.value("activeDpiSlotIndex"_L1).toInt();
     status.dpi = mouse.value("dpiValue"_L1).toInt();
+    status.reportRate = mouse.value("reportRate"_L1).toInt();
     status.heldButtons = numbersOf(mouse.value("heldButtons"_L1));
     status.divertedButtons = numbersOf(mouse.value("disabledButtonsOrKeys"_L1));
     return status;

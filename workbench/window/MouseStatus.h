@@ -18,6 +18,7 @@ struct MouseStatus
     int batteryLevel = 0;  // percent
     int activeSlot = 0;    // from 1
     int dpi = 0;
+    int reportRate = 0;  // Hz
     QSet<int> heldButtons;
     QSet<int> divertedButtons;
 };
