@@ -287,6 +287,7 @@ void tst_ValuesDock::aCrashLeavesTheValues()
     shown.engine.stop();
     KVX_EVENTUALLY_EQUAL(shown.ends.size(), 1);
     QCOMPARE(shown.text(u"reportRate"_s, ValuesModel::LastSignal), u"250"_s);
+    QCOMPARE(shown.summary->text(), u"The session has ended. Device 1 as it was last."_s);
     shown.engine.start();
     KVX_EVENTUALLY_EQUAL(shown.rows().rowCount(), 0);
 }

@@ -13,7 +13,7 @@
 
 using namespace Qt::StringLiterals;
 
-ValuesDock::ValuesDock(Engine *engine, QWidget *parent) : QWidget(parent)
+ValuesDock::ValuesDock(Engine *engine, QWidget *parent) : QWidget(parent), m_engine(engine)
 {
     fillTable();
     m_summary->setObjectName(u"valuesSummary"_s);
@@ -28,6 +28,7 @@ ValuesDock::ValuesDock(Engine *engine, QWidget *parent) : QWidget(parent)
     connect(engine, &Engine::entriesCame, &m_model, &ValuesModel::noteEntries);
     connect(engine, &Engine::stateChanged, &m_model, &ValuesModel::setState);
     connect(&m_model, &ValuesModel::refreshed, this, &ValuesDock::showSummary);
+    connect(engine, &Engine::ended, this, &ValuesDock::showSummary);
     m_model.setState(engine->state());
 }
 
@@ -107,6 +108,8 @@ void ValuesDock::showSummary()
 {
     if (m_model.device().isEmpty())
         m_summary->setText(tr("There is no device."));
+    else if (!m_engine->isRunning())
+        m_summary->setText(tr("The session has ended. Device %1 as it was last.").arg(m_model.device()));
     else if (m_model.markCount() == 0)
         m_summary->setText(tr("Device %1: every value is as its last signal.").arg(m_model.device()));
     else

@@ -21,6 +21,7 @@ private:
     void copyRows();
     void showSummary();
 
+    const Engine *m_engine;
     ValuesModel m_model;
     ValuesFilter m_filter;
     QTableView *m_table = new QTableView(this);
