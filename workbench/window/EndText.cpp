@@ -25,11 +25,11 @@ QString endText(const EngineEnd &end)
     case EngineEnd::Kind::Stopped:
         return end.lastCall.isEmpty()
                    ? EndText::tr("The session was stopped.")
-                   : EndText::tr("The session was stopped. The last call: %1").arg(end.lastCall);
+                   : EndText::tr("The session was stopped. The last call: %1.").arg(end.lastCall);
     case EngineEnd::Kind::Unloadable:
-        return EndText::tr("The library cannot be loaded: %1").arg(end.errorText);
+        return EndText::tr("The library cannot be loaded: %1.").arg(end.errorText);
     case EngineEnd::Kind::NotStarted:
-        return EndText::tr("kvx cannot be started: %1").arg(end.errorText);
+        return EndText::tr("kvx cannot be started: %1.").arg(end.errorText);
     case EngineEnd::Kind::Crashed:
         break;
     }

@@ -187,7 +187,11 @@ void Engine::takeEnd(int exitCode, QProcess::ExitStatus status)
 void Engine::takeError(QProcess::ProcessError error)
 {
     if (error == QProcess::FailedToStart)
-        finish({EngineEnd::Kind::NotStarted, 0, {}, m_process.errorString(), {}});
+        finish({EngineEnd::Kind::NotStarted,
+                0,
+                {},
+                m_process.program() + u": "_s + m_process.errorString(),
+                {}});
 }
 
 void Engine::finish(const EngineEnd &end)

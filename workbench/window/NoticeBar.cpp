@@ -74,7 +74,10 @@ void NoticeBar::showEnd(const EngineEnd &end)
     m_saysSilence = false;
     m_stop->hide();
     const bool isInText = end.kind == EngineEnd::Kind::Unloadable || end.kind == EngineEnd::Kind::NotStarted;
-    say(tr("%1 The timeline is kept.").arg(endText(end)), isInText ? QString() : end.errorText);
+    // Without a call there is no timeline.
+    const QString text =
+        end.lastCall.isEmpty() ? endText(end) : tr("%1 The timeline is kept.").arg(endText(end));
+    say(text, isInText ? QString() : end.errorText);
 }
 
 void NoticeBar::showSilence()
@@ -88,7 +91,7 @@ void NoticeBar::showSilence()
     m_stop->show();
     const QString call = m_engine->lastCall();
     say(call.isEmpty() ? tr("The library does not answer.")
-                       : tr("The library does not answer. The last call: %1").arg(call),
+                       : tr("The library does not answer. The last call: %1.").arg(call),
         {});
 }
 
