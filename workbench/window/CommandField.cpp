@@ -17,6 +17,7 @@ CommandField::CommandField(Engine *engine, QWidget *parent) : QLineEdit(parent),
     completer->setCaseSensitivity(Qt::CaseInsensitive);
     setCompleter(completer);
     connect(this, &QLineEdit::returnPressed, this, &CommandField::sendLine);
+    connect(engine, &Engine::started, this, [this] { m_sent.clear(); });
 }
 
 void CommandField::sendLine()
@@ -25,12 +26,17 @@ void CommandField::sendLine()
     if (completer()->popup()->isVisible() && completer()->popup()->currentIndex().isValid())
         return;
     const QString line = text().trimmed();
-    if (line.isEmpty() || !m_engine->isRunning())
+    if (line.isEmpty())
         return;
+    if (!m_engine->isRunning()) {
+        Q_EMIT notSent();
+        return;
+    }
     if (m_former.isEmpty() || m_former.last() != line)
         m_former.append(line);
     m_recalled = m_former.size();
     m_engine->send(line);
+    m_sent.insert(m_engine->sentCount());
     clear();
 }
 

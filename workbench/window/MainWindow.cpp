@@ -3,7 +3,9 @@
 #include "CommandField.h"
 #include "RecentFiles.h"
 #include "ScenarioDock.h"
+#include "TextWindow.h"
 
+#include <QtCore/QDir>
 #include <QtCore/QFileInfo>
 #include <QtCore/QMimeData>
 #include <QtGui/QCloseEvent>
@@ -55,6 +57,8 @@ MainWindow::MainWindow(KvxSetup setup, QWidget *parent)
     connectDocks();
     makeBars();
     makeMenus();
+    if (!setup.pluginFile.isEmpty())
+        m_recent->add(setup.pluginFile);
     restoreLayout();
     showTitle();
 }
@@ -99,14 +103,47 @@ void MainWindow::takeAnswer(const Answer &answer)
         m_command->setCommands(commandsOf(m_help));
         return;
     }
-    // Of an empty line or a comment.
-    if (answer.command.isEmpty() && answer.result == "done"_L1)
+    const bool isTyped = m_command->takeSent(answer.number);
+    // Of an empty line or a comment, or of what a dock sends behind a request.
+    const bool isSilent = answer.command.isEmpty() || (answer.command == "settle"_L1 && !isTyped);
+    if (isSilent && answer.result == "done"_L1)
         return;
-    QString text = answer.command + u": "_s + answer.result;
+    showAnswer(answer);
+    if (isTyped && answer.printed.size() > 1)
+        showPrinted(answer);
+}
+
+void MainWindow::showAnswer(const Answer &answer)
+{
+    // The result of a long command must not be out of sight.
+    constexpr qsizetype most = 60;  // characters
+    const QString command =
+        answer.command.size() <= most ? answer.command : answer.command.left(most - 1) + u'\u2026';
+    QStringList parts{answer.result};
     if (!answer.message.isEmpty())
-        text += u", "_s + answer.message;
-    m_answer->setText(text.simplified());
-    m_answer->setToolTip(answer.printed.join(u'\n'));
+        parts.append(answer.message);
+    if (answer.printed.size() == 1)
+        parts.append(answer.printed);
+    const bool isProblem = !QStringList{u"done"_s, u"end"_s, u"skipped"_s}.contains(answer.result);
+    say((command + u": "_s + parts.join(u", "_s)).simplified(), isProblem);
+}
+
+void MainWindow::showPrinted(const Answer &answer)
+{
+    delete m_printed;
+    m_printed = new TextWindow(answer.command, answer.printed.join(u'\n'), this);
+    // The next command is typed at once.
+    m_printed->setAttribute(Qt::WA_ShowWithoutActivating);
+    m_printed->show();
+}
+
+void MainWindow::say(const QString &text, bool isProblem)
+{
+    m_answer->setText(text);
+    m_answer->setToolTip(text);
+    QFont font = m_answer->font();
+    font.setBold(isProblem);
+    m_answer->setFont(font);
 }
 
 bool MainWindow::isLibrary(const QString &path)
@@ -152,12 +189,16 @@ void MainWindow::setWrapper(const QString &words)
 
 void MainWindow::showTitle()
 {
-    QStringList parts{QFileInfo(m_engine.setup().pluginFile).fileName(), tr("kvx workbench")};
-    parts.removeAll(QString());
+    const QString file = m_engine.setup().pluginFile;
     const QStringList wrapper = m_engine.setup().wrapper;
+    QStringList parts;
+    // All builds of the library have the same file name.
+    if (!file.isEmpty())
+        parts.append(QFileInfo(file).absoluteDir().dirName() + u'/' + QFileInfo(file).fileName());
     if (!wrapper.isEmpty())
         parts.append(tr("under %1").arg(QFileInfo(wrapper.first()).fileName()));
-    setWindowTitle(parts.join(u" - "_s));
+    // Qt appends the program's name.
+    setWindowTitle(parts.join(u' '));
 }
 
 void MainWindow::closeEvent(QCloseEvent *event)

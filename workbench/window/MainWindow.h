@@ -4,6 +4,7 @@
 #include "SessionWatch.h"
 #include "Transcript.h"
 
+#include <QtCore/QPointer>
 #include <QtCore/QSettings>
 #include <QtWidgets/QMainWindow>
 
@@ -16,6 +17,7 @@ class QLabel;
 class RecentFiles;
 class ScenarioDock;
 class SequenceDock;
+class TextWindow;
 class TimelineDock;
 
 /// The window: it puts the docks together and owns the engine. What it remembers is in the settings of the user.
@@ -57,6 +59,9 @@ private:
     void openLibrary(const QString &file);
     void takeState();
     void takeAnswer(const Answer &answer);
+    void showAnswer(const Answer &answer);
+    void showPrinted(const Answer &answer);
+    void say(const QString &text, bool isProblem);
     void setWrapper(const QString &words);
     void showTitle();
 
@@ -96,8 +101,9 @@ private:
     RecentFiles *m_recent = nullptr;
     QLabel *m_status = nullptr;
     QLabel *m_answer = nullptr;
-    QString m_help;        // what "help" printed
-    int m_helpNumber = 0;  // number of the line "help" that was sent
+    QPointer<TextWindow> m_printed;  // of the last typed command
+    QString m_help;                  // what "help" printed
+    int m_helpNumber = 0;            // number of the line "help" that was sent
     bool m_isUsualLayout = false;
     bool m_isFirstState = false;
     bool m_startsMouse = false;

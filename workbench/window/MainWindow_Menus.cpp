@@ -37,13 +37,19 @@ void MainWindow::makeBars()
     m_answer = new QLabel(this);
     m_answer->setObjectName("lastAnswer"_L1);
     m_answer->setAccessibleDescription(tr("Last answer"));
+    statusBar()->addWidget(m_status, 1);
+    statusBar()->addWidget(m_answer, 2);
     for (QLabel *text : {m_status, m_answer}) {
         text->setTextFormat(Qt::PlainText);
         // A long text must not widen the window.
         text->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
-        statusBar()->addWidget(text, 1);
     }
-    connect(&m_watch, &SessionWatch::changed, this, [this] { m_status->setText(m_watch.text()); });
+    connect(&m_watch, &SessionWatch::changed, this, [this] {
+        m_status->setText(m_watch.text());
+        m_status->setToolTip(m_watch.text());
+    });
+    connect(m_command, &CommandField::notSent, this,
+            [this] { say(tr("There is no session; choose New Session in the menu Session."), true); });
 }
 
 void MainWindow::makeMenus()
