@@ -219,7 +219,7 @@ void tst_RequestsDock::wrongTextIsNotTaken()
     Fixture requests;
     auto *message = requests.widget<QLabel>("requestsMessage");
     requests.typeRate(u"very fast"_s);
-    KVX_EVENTUALLY_EQUAL(requests.outcome("setReportRate"), u"not taken"_s);
+    KVX_EVENTUALLY_EQUAL(requests.outcome("setReportRate"), u"unusable"_s);
     QCOMPARE(requests.takeLines(), (QStringList{u"setReportRate \"very fast\" nowait"_s, u"settle"_s}));
     QVERIFY(message->isVisible());
     QVERIFY2(message->text().contains(u"\"very fast\" is not what setReportRate takes: a number"_s),

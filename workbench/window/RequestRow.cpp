@@ -39,7 +39,7 @@ QString outcomeText(Outcome outcome)
     case Outcome::Done:
         return RequestRow::tr("done");
     case Outcome::Wrong:
-        return RequestRow::tr("not taken");
+        return RequestRow::tr("unusable");
     }
     return {};
 }
