@@ -8,12 +8,15 @@
 #include <QtWidgets/QStyle>
 #include <QtWidgets/QToolButton>
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 NoticeBar::NoticeBar(Engine *engine, SessionWatch *watch, QWidget *parent)
     : QToolBar(parent),
       m_engine(engine),
       m_watch(watch),
+      m_content(new QWidget),
       m_text(new QLabel),
       m_stop(new QToolButton),
       m_detailsButton(new QToolButton),
@@ -48,10 +51,12 @@ NoticeBar::NoticeBar(Engine *engine, SessionWatch *watch, QWidget *parent)
     constexpr int detailLines = 8;
     m_details->setMaximumHeight(detailLines * m_details->fontMetrics().lineSpacing());
     m_details->hide();
-    connect(m_detailsButton, &QToolButton::toggled, m_details, &QWidget::setVisible);
+    connect(m_detailsButton, &QToolButton::toggled, this, [this](bool isChecked) {
+        m_details->setVisible(isChecked);
+        fitHeight();
+    });
 
-    auto *content = new QWidget;
-    auto *layout = new QVBoxLayout(content);
+    auto *layout = new QVBoxLayout(m_content);
     auto *row = new QHBoxLayout;
     row->addWidget(icon);
     row->addWidget(m_text, 1);
@@ -61,7 +66,7 @@ NoticeBar::NoticeBar(Engine *engine, SessionWatch *watch, QWidget *parent)
     }
     layout->addLayout(row);
     layout->addWidget(m_details);
-    addWidget(content);
+    addWidget(m_content);
     hide();
 
     connect(engine, &Engine::started, this, &QWidget::hide);
@@ -102,5 +107,19 @@ void NoticeBar::say(const QString &text, const QString &details)
     m_detailsButton->setVisible(!details.isEmpty());
     if (details.isEmpty())
         m_detailsButton->setChecked(false);
+    fitHeight();
     show();
+}
+
+void NoticeBar::resizeEvent(QResizeEvent *event)
+{
+    QToolBar::resizeEvent(event);
+    fitHeight();
+}
+
+// A tool bar takes the height that a text of several lines might need.
+void NoticeBar::fitHeight()
+{
+    // Before the content is shown it needs none.
+    m_content->setFixedHeight(std::max(0, m_content->layout()->totalHeightForWidth(contentsRect().width())));
 }

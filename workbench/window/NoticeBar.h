@@ -20,13 +20,18 @@ Q_SIGNALS:
     /// The button "Start Again".
     void startWanted();
 
+protected:
+    void resizeEvent(QResizeEvent *event) override;
+
 private:
+    void fitHeight();
     void showEnd(const EngineEnd &end);
     void showSilence();
     void say(const QString &text, const QString &details);
 
     Engine *m_engine;
     SessionWatch *m_watch;
+    QWidget *m_content;
     QLabel *m_text;
     QToolButton *m_stop;
     QToolButton *m_detailsButton;
