@@ -9,6 +9,7 @@
 #include <QtCore/QTemporaryDir>
 #include <QtGui/QAccessible>
 #include <QtGui/QDropEvent>
+#include <QtGui/QWindow>
 #include <QtTest/QSignalSpy>
 #include <QtWidgets/QAbstractItemView>
 #include <QtWidgets/QComboBox>
@@ -19,6 +20,8 @@
 #include <QtWidgets/QMenu>
 #include <QtWidgets/QMessageBox>
 #include <QtWidgets/QPlainTextEdit>
+#include <QtWidgets/QScrollArea>
+#include <QtWidgets/QScrollBar>
 #include <QtWidgets/QTableView>
 #include <QtWidgets/QToolBar>
 #include <QtWidgets/QToolButton>
@@ -26,6 +29,9 @@
 using namespace Qt::StringLiterals;
 
 namespace {
+
+constexpr QSize narrowSize(1000, 700);
+constexpr QSize wideSize(1500, 900);
 
 /// A window with a session, and what came of it.
 struct ShownWindow
@@ -59,6 +65,13 @@ struct ShownWindow
         auto *field = child<CommandField>("commandField");
         QTest::keyClicks(field, line);
         QTest::keyClick(field, Qt::Key_Return);
+    }
+
+    /// The mice share the mouse's place.
+    bool isNarrow() const
+    {
+        return window.tabifiedDockWidgets(child<QDockWidget>("mouseDock"))
+            .contains(child<QDockWidget>("miceDock"));
     }
 
     bool hasNotice() const { return child<QToolBar>("noticeBar")->isVisible(); }
@@ -113,6 +126,10 @@ private Q_SLOTS:
     void filesAreKept();
     void theLayoutIsKeptAndReset();
     void theWindowIsUsableWhenItIsSmall();
+    void theUsualLayoutFollowsTheSize();
+    void anOwnLayoutStays_data();
+    void anOwnLayoutStays();
+    void aFloatingDockStaysAboveTheWindow();
     void theDocksAreConnected();
     void theWrapperIsKept();
     void changesDelayTheEnd();
@@ -360,11 +377,15 @@ void tst_MainWindow::kvxIsMissing()
 {
     MainWindow window({u"/nowhere/kvx"_s, {}, {}});
     window.show();
+    window.resize(wideSize);
     window.newSession();
     const auto *bar = window.findChild<QToolBar *>("noticeBar"_L1);
     KVX_EVENTUALLY(bar->isVisible());
     const QString notice = window.findChild<QLabel *>("noticeText"_L1)->text();
     QVERIFY2(notice.startsWith(u"kvx cannot be started: /nowhere/kvx: "_s), qPrintable(notice));
+    // One line is no higher than the button beside it.
+    const auto *button = window.findChild<QToolButton *>("startAgain"_L1);
+    KVX_EVENTUALLY_EQUAL(window.findChild<QLabel *>("noticeText"_L1)->height(), button->height());
     QVERIFY2(notice.endsWith(u'.') && !notice.contains(u"timeline"_s), qPrintable(notice));
 }
 
@@ -439,6 +460,81 @@ void tst_MainWindow::theWindowIsUsableWhenItIsSmall()
              qPrintable(u"%1 x %2"_s.arg(shown.window.minimumSizeHint().width())
                             .arg(shown.window.minimumSizeHint().height())));
     QCOMPARE(shown.window.size(), small);
+}
+
+void tst_MainWindow::theUsualLayoutFollowsTheSize()
+{
+    {
+        ShownWindow shown;
+        shown.window.resize(narrowSize);
+        KVX_EVENTUALLY(shown.isNarrow());
+        shown.child<QDockWidget>("scenarioDock")->raise();
+        QVERIFY(shown.window.close());
+    }
+    ShownWindow shown;
+    QVERIFY(shown.settle());
+    const auto *scenario = shown.child<QDockWidget>("scenarioDock");
+    KVX_EVENTUALLY(!scenario->visibleRegion().isEmpty());
+    shown.window.resize(wideSize);
+    KVX_EVENTUALLY(!shown.isNarrow());
+    KVX_EVENTUALLY(!scenario->visibleRegion().isEmpty());
+    const auto *requests = shown.child<QDockWidget>("requestsDock");
+    KVX_EVENTUALLY(!requests->visibleRegion().isEmpty());
+    KVX_EVENTUALLY_EQUAL(requests->findChild<QScrollArea *>()->horizontalScrollBar()->maximum(), 0);
+    // What is new is not the mouse's.
+    const auto *mouse = shown.child<QDockWidget>("mouseDock");
+    KVX_EVENTUALLY(mouse->width() < wideSize.width() / 3);
+    shown.window.resize(2 * wideSize.width(), wideSize.height());
+    KVX_EVENTUALLY(shown.window.width() == 2 * wideSize.width() && mouse->width() < wideSize.width() / 3);
+}
+
+void tst_MainWindow::anOwnLayoutStays_data()
+{
+    QTest::addColumn<QString>("change");
+    QTest::newRow("closed") << u"closed"_s;
+    QTest::newRow("moved") << u"moved"_s;
+    QTest::newRow("resized") << u"resized"_s;
+}
+
+void tst_MainWindow::anOwnLayoutStays()
+{
+    QFETCH(const QString, change);
+    ShownWindow shown;
+    shown.window.resize(wideSize);
+    QVERIFY(shown.settle());
+    auto *timeline = shown.child<QDockWidget>("timelineDock");
+    const QRect mouse = shown.child<QDockWidget>("mouseDock")->geometry();
+    if (change == "closed"_L1) {
+        timeline->close();
+    } else if (change == "moved"_L1) {
+        shown.window.addDockWidget(Qt::LeftDockWidgetArea, timeline);
+    } else {
+        const QPoint separator(mouse.right() + 2, mouse.center().y());
+        QVERIFY(shown.window.isSeparator(separator));
+        QTest::mouseClick(&shown.window, Qt::LeftButton, {}, separator);
+    }
+    shown.window.resize(narrowSize);
+    QVERIFY(shown.settle());
+    QVERIFY(!shown.isNarrow());
+    shown.trigger("resetLayout");
+    QVERIFY(shown.isNarrow());
+}
+
+void tst_MainWindow::aFloatingDockStaysAboveTheWindow()
+{
+    {
+        ShownWindow shown;
+        shown.child<QDockWidget>("timelineDock")->setFloating(true);
+        QVERIFY(shown.window.close());
+    }
+    const ShownWindow shown;
+    const auto *timeline = shown.child<QDockWidget>("timelineDock");
+    QVERIFY(timeline->isFloating() && timeline->isVisible());
+    // The one that is shown last is above.
+    const QSignalSpy shows(timeline, &QDockWidget::visibilityChanged);
+    KVX_EVENTUALLY(shows.contains(QVariantList{true}));
+    QVERIFY(timeline->isVisible());
+    QCOMPARE(timeline->windowHandle()->transientParent(), shown.window.windowHandle());
 }
 
 void tst_MainWindow::theDocksAreConnected()

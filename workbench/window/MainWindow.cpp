@@ -211,8 +211,7 @@ void MainWindow::closeEvent(QCloseEvent *event)
         });
         return;
     }
-    m_settings.setValue("geometry"_L1, saveGeometry());
-    m_settings.setValue("layout"_L1, saveState(layoutVersion));
+    saveLayout();
     m_engine.stop();
     event->accept();
 }

@@ -53,6 +53,8 @@ protected:
     void closeEvent(QCloseEvent *event) override;
     void dragEnterEvent(QDragEnterEvent *event) override;
     void dropEvent(QDropEvent *event) override;
+    bool event(QEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
     void showEvent(QShowEvent *event) override;
 
 private:
@@ -71,8 +73,12 @@ private:
     void makeDocks();
     void connectDocks();
     void placeDocks();
-    void shareRoom(bool isNarrow);
+    void shareRoom();
+    void followSize();
+    bool isUsualLayout() const;
+    void saveLayout();
     void restoreLayout();
+    void showFloatingDocks();
     QDockWidget *dock(const char *name) const;
     void showDock(const char *name);
 
@@ -104,7 +110,8 @@ private:
     QPointer<TextWindow> m_printed;  // of the last typed command
     QString m_help;                  // what "help" printed
     int m_helpNumber = 0;            // number of the line "help" that was sent
-    bool m_isUsualLayout = false;
+    bool m_isUsualLayout = false;    // until a dock is moved or resized
+    bool m_isNarrow = false;         // the docks are placed for a narrow window
     bool m_isFirstState = false;
     bool m_startsMouse = false;
 };

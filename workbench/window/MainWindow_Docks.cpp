@@ -12,16 +12,26 @@
 #include "TimelineDock.h"
 #include "ValuesDock.h"
 
+#include <QtGui/QMouseEvent>
 #include <QtWidgets/QDockWidget>
 #include <QtWidgets/QScrollArea>
 #include <QtWidgets/QStyle>
 
 #include <algorithm>
+#include <array>
 #include <utility>
 
 using namespace Qt::StringLiterals;
 
 namespace {
+
+constexpr std::array seldomUsed{"faults", "scenario", "sequence", "check", "library"};
+
+bool isNarrow(const QWidget &window)
+{
+    constexpr int narrow = 1250;
+    return window.width() < narrow;
+}
 
 const QWidget *contentOf(const QDockWidget &dock)
 {
@@ -42,6 +52,8 @@ QDockWidget *MainWindow::addDock(QWidget *content, const QString &name, const QS
     area->setWidget(content);
     widget->setWidget(area);
     addDockWidget(Qt::RightDockWidgetArea, widget);
+    connect(widget, &QDockWidget::dockLocationChanged, this, [this] { m_isUsualLayout = false; });
+    connect(widget, &QDockWidget::topLevelChanged, this, [this] { m_isUsualLayout = false; });
     m_docks.append(widget);
     return widget;
 }
@@ -95,31 +107,31 @@ void MainWindow::placeDocks()
         widget->setFloating(false);
         removeDockWidget(widget);
     }
-    constexpr int narrow = 1250;
-    const bool isNarrow = width() < narrow;
+    m_isNarrow = isNarrow(*this);
     addDockWidget(Qt::LeftDockWidgetArea, dock("mouse"));
-    if (isNarrow)
+    if (m_isNarrow)
         tabifyDockWidget(dock("mouse"), dock("mice"));
     else
         splitDockWidget(dock("mouse"), dock("mice"), Qt::Vertical);
     addDockWidget(Qt::RightDockWidgetArea, dock("requests"));
     splitDockWidget(dock("requests"), dock("timeline"), Qt::Vertical);
-    if (isNarrow)
+    if (m_isNarrow)
         tabifyDockWidget(dock("requests"), dock("values"));
     else
         splitDockWidget(dock("requests"), dock("values"), Qt::Horizontal);
-    for (const char *name : {"faults", "scenario", "sequence", "check", "library"})
-        tabifyDockWidget(dock(isNarrow ? "requests" : "values"), dock(name));
+    for (const char *name : seldomUsed)
+        tabifyDockWidget(dock(m_isNarrow ? "requests" : "values"), dock(name));
     for (QDockWidget *widget : std::as_const(m_docks))
         widget->show();
     for (const char *name : {"mouse", "values", "requests"})
         dock(name)->raise();
+    m_isUsualLayout = true;
     // Before they are shown the docks take no sizes.
     if (isVisible())
-        shareRoom(isNarrow);
+        shareRoom();
 }
 
-void MainWindow::shareRoom(bool isNarrow)
+void MainWindow::shareRoom()
 {
     constexpr int mouseWidth = 470;
     constexpr int miceHeight = 320;
@@ -128,7 +140,7 @@ void MainWindow::shareRoom(bool isNarrow)
     resizeDocks({dock("mouse"), dock("requests")}, {mouseWidth, restWidth}, Qt::Horizontal);
     resizeDocks({dock("requests"), dock("timeline")}, {height() - timelineHeight, timelineHeight},
                 Qt::Vertical);
-    if (isNarrow)
+    if (m_isNarrow)
         return;
     const QWidget *requests = contentOf(*dock("requests"));
     const int requestsWidth =
@@ -138,13 +150,46 @@ void MainWindow::shareRoom(bool isNarrow)
     resizeDocks({dock("mouse"), dock("mice")}, {height() - miceHeight, miceHeight}, Qt::Vertical);
 }
 
+bool MainWindow::isUsualLayout() const
+{
+    return m_isUsualLayout && std::none_of(m_docks.cbegin(), m_docks.cend(),
+                                           [](const QDockWidget *widget) { return widget->isHidden(); });
+}
+
+// What the user has moved stays where it is.
+void MainWindow::followSize()
+{
+    if (!isVisible() || !isUsualLayout())
+        return;
+    if (m_isNarrow == isNarrow(*this)) {
+        shareRoom();
+        return;
+    }
+    QList<QDockWidget *> inFront;
+    for (const char *name : seldomUsed) {
+        if (!dock(name)->visibleRegion().isEmpty())
+            inFront.append(dock(name));
+    }
+    placeDocks();
+    for (QDockWidget *widget : std::as_const(inFront))
+        widget->raise();
+}
+
+void MainWindow::saveLayout()
+{
+    m_settings.setValue("geometry"_L1, saveGeometry());
+    m_settings.setValue("layout"_L1, saveState(layoutVersion));
+    m_settings.setValue("usualLayout"_L1, isUsualLayout());
+}
+
 void MainWindow::restoreLayout()
 {
     constexpr QSize usualSize(1400, 900);
     if (!restoreGeometry(m_settings.value("geometry"_L1).toByteArray()))
         resize(usualSize);
     placeDocks();
-    m_isUsualLayout = !restoreState(m_settings.value("layout"_L1).toByteArray(), layoutVersion);
+    m_isUsualLayout = !restoreState(m_settings.value("layout"_L1).toByteArray(), layoutVersion) ||
+                      m_settings.value("usualLayout"_L1).toBool();
     // A notice is of the moment.
     m_notice->hide();
 }
@@ -152,6 +197,31 @@ void MainWindow::restoreLayout()
 void MainWindow::showEvent(QShowEvent *event)
 {
     QMainWindow::showEvent(event);
-    if (std::exchange(m_isUsualLayout, false))
-        placeDocks();
+    followSize();
+    QMetaObject::invokeMethod(this, &MainWindow::showFloatingDocks, Qt::QueuedConnection);
+}
+
+// Only a dock that is shown after the window stays above it.
+void MainWindow::showFloatingDocks()
+{
+    for (QDockWidget *widget : std::as_const(m_docks)) {
+        if (!widget->isFloating() || widget->isHidden())
+            continue;
+        widget->hide();
+        widget->show();
+    }
+}
+
+void MainWindow::resizeEvent(QResizeEvent *event)
+{
+    QMainWindow::resizeEvent(event);
+    followSize();
+}
+
+bool MainWindow::event(QEvent *event)
+{
+    if (event->type() == QEvent::MouseButtonPress &&
+        isSeparator(static_cast<QMouseEvent *>(event)->position().toPoint()))
+        m_isUsualLayout = false;
+    return QMainWindow::event(event);
 }
