@@ -115,7 +115,7 @@ QString wordOf(Outcome outcome)
 
 QString answerOf(const CheckReport &report)
 {
-    const QString answer = outcomeWithNumbers(report);
+    QString answer = outcomeWithNumbers(report);
     if (report.verdicts.size() == report.planned)
         return answer;
     return u"interrupted (%1) after %2 of %3, %4"_s.arg(report.interruption,
