@@ -112,9 +112,8 @@ class Bench(ToolTest):
         process = self.bench("--write-budgets")
         self.assertEqual((process.stderr, process.returncode), ("", 0))
         rows = self.rows.read_text(encoding="utf-8").splitlines()
-        self.assertEqual(
-            rows[-2:], ['"work" = { instructions = 115, allocations = 2 }', '"heap" = { blocks = 3, bytes = 42 }']
-        )
+        written = ['"work" = { instructions = 115, allocations = 2 }', '"heap" = { blocks = 3, bytes = 42 }']
+        self.assertEqual(rows[-2:], written)
         page = self.page.read_text(encoding="utf-8").splitlines()
         self.assertEqual((page[:2], page[-2:]), (["before", "<!-- table -->"], ["<!-- end -->", "after"]))
         self.assertIn("| work | 110 | 115 | 88 | 1.25 | 2 | 2 |", page)

@@ -42,9 +42,8 @@ class CheckTestCount(ToolTest):
         self.assert_ends(self.check(), 1, *lines)
 
     def assert_differs(self, line):
-        self.assert_fails(
-            line, f"if the change is meant, write the new numbers: tools/check-test-count {self.folder} --write"
-        )
+        advice = f"if the change is meant, write the new numbers: tools/check-test-count {self.folder} --write"
+        self.assert_fails(line, advice)
 
     def assert_damaged(self, part):
         self.assert_refused(part, self.folder)

@@ -96,9 +96,8 @@ class Programs(WineRunTest):
         self.run_tool(program)
         start = f"{self.base}|{self.left()[0]}|none"
         self.assert_ends(self.run_tool(program, DISPLAY=":0"), f"{start}|-all\n")
-        process = self.run_tool(
-            "--dlls", str(self.base / "Qt's bin"), "--dlls", "x/../relative", program, WINEDEBUG="+relay"
-        )
+        dlls = ["--dlls", str(self.base / "Qt's bin"), "--dlls", "x/../relative"]
+        process = self.run_tool(*dlls, program, WINEDEBUG="+relay")
         self.assert_ends(process, f"{start}|+relay\nZ:{base}\\Qt's bin;Z:{base}\\relative")
 
     def test_variables_of_qt(self):
