@@ -286,7 +286,8 @@ void tst_CheckDock::resultOfAnotherLibraryIsSaid()
     shown.click("checkStart");
     QVERIFY(!note->isVisible());
     QVERIFY(shown.waitForEnd());
-    QVERIFY2(shown.outcome().contains("keeps the part of the contract that was run; "_L1), qPrintable(shown.outcome()));
+    QVERIFY2(shown.outcome().contains("keeps the part of the contract that was run; "_L1),
+             qPrintable(shown.outcome()));
 }
 
 void tst_CheckDock::countsLeaveRoomForTheNames()
