@@ -134,7 +134,7 @@ void MainWindow::placeDocks()
 void MainWindow::shareRoom()
 {
     constexpr int mouseWidth = 470;
-    constexpr int miceHeight = 320;
+    constexpr int miceHeight = 350;
     constexpr int timelineHeight = 320;
     const int restWidth = std::max(width() - mouseWidth, 1);
     resizeDocks({dock("mouse"), dock("requests")}, {mouseWidth, restWidth}, Qt::Horizontal);

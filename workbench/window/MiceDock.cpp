@@ -67,6 +67,8 @@ QWidget *MiceDock::makeList()
     m_list->setHeaderLabels({tr("Device"), tr("Started"), tr("Mouse"), tr("Receiver")});
     m_list->setRootIsDecorated(false);
     m_list->setUniformRowHeights(true);
+    // The form below it is in sight, too.
+    m_list->setSizeAdjustPolicy(QAbstractScrollArea::AdjustToContents);
     m_list->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
     connect(m_list, &QTreeWidget::currentItemChanged, this, &MiceDock::useSelected);
 
