@@ -30,7 +30,7 @@ QString scenarioWords(const QStringList &texts)
             word.isEmpty() || word.startsWith(u'#') || word.contains(u'"') ||
             std::any_of(word.cbegin(), word.cend(), [](QChar character) { return character.isSpace(); });
         if (needsQuotes)
-            word = u'"' + word.replace(u'\\', "\\\\"_L1).replace(u'"', "\\\""_L1) + u'"';
+            word = u'"' + word.replace(u'\\', R"(\\)"_L1).replace(u'"', R"(\")"_L1) + u'"';
         words.append(word);
     }
     return words.join(u' ');
