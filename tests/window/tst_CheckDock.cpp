@@ -1,6 +1,7 @@
 #include "CheckDock.h"
 #include "StartedEngine.h"
 
+#include <QtCore/QFileInfo>
 #include <QtCore/QTemporaryDir>
 #include <QtGui/QClipboard>
 #include <QtGui/QDesktopServices>
@@ -378,7 +379,8 @@ void tst_CheckDock::wrapperRunsTheCheckAndIsRepeated()
     shown.selectFirstScenario();
     shown.click("checkCopyCommand");
     QStringList words = wrapper;
-    words << QStringLiteral(KVX_COMMAND) << u"check"_s << QStringLiteral(KVX_LIBRARY) << u"load/one-device"_s;
+    words << QStringLiteral(KVX_COMMAND) << u"check"_s
+          << QFileInfo(QStringLiteral(KVX_LIBRARY)).absoluteFilePath() << u"load/one-device"_s;
     const QString command = QGuiApplication::clipboard()->text();
     std::transform(words.cbegin(), words.cend(), words.begin(), CheckSystem::quoted);
     QVERIFY2(command.startsWith(words.join(u' ') + u" --seed "_s), qPrintable(command));
