@@ -67,8 +67,9 @@ CheckArguments::CheckArguments(CLI::App &program)
     m_command->add_flag("--list", m_isList, "List the scenarios; needs no library");
     m_command->add_option("--explain", m_explained, "Show what a scenario promises, and its lines")
         ->option_text("NAME");
-    m_command->footer("Exit codes: 0 the library keeps the contract, 1 it does not, or a waiver is not right, "
-                      "2 bad usage or an unusable file, 3 no answer: interrupted, or a scenario could not run.");
+    m_command->footer(
+        "Exit codes: 0 the library keeps the contract, 1 it does not, or a waiver is not right, "
+        "2 bad usage or an unusable file, 3 no answer: interrupted, or a scenario could not run.");
 }
 
 ExitCode CheckArguments::run()

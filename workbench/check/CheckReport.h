@@ -71,7 +71,7 @@ enum class Outcome {
     Keeps,         ///< the library keeps the contract
     KeepsPart,     ///< it keeps what was run, and the contract has more
     Breaks,        ///< it does not keep the contract
-    WrongWaivers,  ///< it keeps the contract, but a waiver is not right
+    WrongWaivers,  ///< it keeps what was run, but a waiver is not right
     NoAnswer,      ///< scenarios are missing, or kvx could not run them, or none could run here
 };
 
