@@ -6,6 +6,8 @@
 #include <QtCore/QDebug>
 #include <QtCore/QString>
 
+#include <utility>
+
 /// How the model writes its lines.
 namespace Model {
 
@@ -81,7 +83,7 @@ void change(World &world, Device &device, const char *name, Value Device::*value
 {
     if (device.*value == newValue)
         return;
-    device.*value = newValue;
+    device.*value = std::move(newValue);
     emitOnDeviceThread(world, device, name, value);
 }
 

@@ -22,7 +22,10 @@ struct ShownDock : DockFixture<ValuesDock>
     explicit ShownDock(const QString &library = QStringLiteral(KVX_LIBRARY)) : DockFixture({}, library) {}
 
     /// Also waits for the last line's state, which comes behind its answer.
-    bool play(const QStringList &scenario) { return DockFixture::play(scenario + QStringList{QString()}); }
+    bool playToEnd(const QStringList &scenario)
+    {
+        return DockFixture::play(scenario + QStringList{QString()});
+    }
 
     QStringList names() const { return column(ValuesModel::Name); }
     QStringList column(int column) const
@@ -98,11 +101,11 @@ private Q_SLOTS:
 void tst_ValuesDock::aValueIsBesideItsLastSignal()
 {
     ShownDock shown;
-    QVERIFY(shown.play({}));
+    QVERIFY(shown.playToEnd({}));
     QCOMPARE(shown.rows().rowCount(), 0);
     QCOMPARE(shown.summary->text(), u"There is no device."_s);
 
-    QVERIFY(shown.play({u"mouse 1"_s, u"start"_s, u"setReportRate 250"_s}));
+    QVERIFY(shown.playToEnd({u"mouse 1"_s, u"start"_s, u"setReportRate 250"_s}));
     KVX_EVENTUALLY_EQUAL(shown.text(u"reportRate"_s, ValuesModel::Value), u"250"_s);
     KVX_EVENTUALLY_EQUAL(shown.text(u"reportRate"_s, ValuesModel::LastSignal), u"250"_s);
     QCOMPARE(shown.text(u"isReportRateChangePending"_s, ValuesModel::LastSignal), u"false"_s);
@@ -111,7 +114,7 @@ void tst_ValuesDock::aValueIsBesideItsLastSignal()
     QCOMPARE(shown.marked(), QStringList());
 
     // A list is written as the getter's is.
-    QVERIFY(shown.play({u"setDpiSlotValues 400 800 1600 2400 3200"_s}));
+    QVERIFY(shown.playToEnd({u"setDpiSlotValues 400 800 1600 2400 3200"_s}));
     KVX_EVENTUALLY_EQUAL(shown.text(u"dpiSlotValues"_s, ValuesModel::LastSignal),
                          u"400 800 1600 2400 3200"_s);
     QCOMPARE(shown.text(u"dpiSlotValues"_s, ValuesModel::Value), u"400 800 1600 2400 3200"_s);
@@ -121,17 +124,17 @@ void tst_ValuesDock::aValueIsBesideItsLastSignal()
 void tst_ValuesDock::eachDeviceHasItsOwn()
 {
     ShownDock shown;
-    QVERIFY(shown.play({u"mouse 1"_s, u"start"_s, u"setReportRate 250"_s, u"mouse 2"_s, u"start"_s,
-                        u"setReportRate 125"_s}));
+    QVERIFY(shown.playToEnd({u"mouse 1"_s, u"start"_s, u"setReportRate 250"_s, u"mouse 2"_s, u"start"_s,
+                             u"setReportRate 125"_s}));
     KVX_EVENTUALLY_EQUAL(shown.text(u"reportRate"_s, ValuesModel::LastSignal), u"125"_s);
     KVX_EVENTUALLY_EQUAL(shown.summary->text(), u"Device 2: every value is as its last signal."_s);
-    QVERIFY(shown.play({u"use 1"_s}));
+    QVERIFY(shown.playToEnd({u"use 1"_s}));
     KVX_EVENTUALLY_EQUAL(shown.text(u"reportRate"_s, ValuesModel::LastSignal), u"250"_s);
     QCOMPARE(shown.text(u"reportRate"_s, ValuesModel::Value), u"250"_s);
     QCOMPARE(shown.summary->text(), u"Device 1: every value is as its last signal."_s);
-    QVERIFY(shown.play({u"remove"_s}));
+    QVERIFY(shown.playToEnd({u"remove"_s}));
     KVX_EVENTUALLY_EQUAL(shown.text(u"reportRate"_s, ValuesModel::Value), u"125"_s);
-    QVERIFY(shown.play({u"remove"_s}));
+    QVERIFY(shown.playToEnd({u"remove"_s}));
     KVX_EVENTUALLY_EQUAL(shown.summary->text(), u"There is no device."_s);
     QCOMPARE(shown.rows().rowCount(), 0);
 }
@@ -139,7 +142,7 @@ void tst_ValuesDock::eachDeviceHasItsOwn()
 void tst_ValuesDock::aSignalWithAnotherValueIsMarked()
 {
     ShownDock shown;
-    QVERIFY(shown.play({u"mouse 1"_s, u"start"_s, u"call reportRateChanged 999"_s}));
+    QVERIFY(shown.playToEnd({u"mouse 1"_s, u"start"_s, u"call reportRateChanged 999"_s}));
     KVX_EVENTUALLY_EQUAL(shown.marked(), QStringList{u"reportRate"_s});
     QCOMPARE(shown.text(u"reportRate"_s, ValuesModel::LastSignal), u"999"_s);
     QCOMPARE(shown.text(u"reportRate"_s, ValuesModel::Note), u"differs"_s);
@@ -148,7 +151,7 @@ void tst_ValuesDock::aSignalWithAnotherValueIsMarked()
     QVERIFY(shown.index(u"dpiMin"_s, ValuesModel::Note).data(Qt::DecorationRole).isNull());
     KVX_EVENTUALLY_EQUAL(shown.summary->text(), u"Device 1: values that no signal announced: 1"_s);
 
-    QVERIFY(shown.play({u"setReportRate 250"_s}));
+    QVERIFY(shown.playToEnd({u"setReportRate 250"_s}));
     KVX_EVENTUALLY(shown.marked().isEmpty());
 }
 
@@ -166,7 +169,7 @@ void tst_ValuesDock::aMissingSignalIsMarked()
     QFETCH(const QString, library);
     QFETCH(const QStringList, marked);
     ShownDock shown(library);
-    QVERIFY(shown.play(
+    QVERIFY(shown.playToEnd(
         {u"mouse 1"_s, u"start"_s, u"fault setReportRate drop"_s, u"setReportRate 250 => pending"_s}));
     KVX_EVENTUALLY_EQUAL(shown.text(u"isReportRateChangePending"_s, ValuesModel::Value), u"true"_s);
     KVX_EVENTUALLY_EQUAL(shown.text(u"reportRate"_s, ValuesModel::LastSignal), u"250"_s);
@@ -199,7 +202,7 @@ void tst_ValuesDock::aSoundSessionHasNoMark()
                               u"setReportRate 250 => refused"_s,
                               u"stop"_s};
     for (const QString &line : session) {
-        QVERIFY(shown.play({line}));
+        QVERIFY(shown.playToEnd({line}));
         KVX_EVENTUALLY(shown.marked().isEmpty());
     }
 }
@@ -207,17 +210,17 @@ void tst_ValuesDock::aSoundSessionHasNoMark()
 void tst_ValuesDock::aSecondStartBeginsAgain()
 {
     ShownDock shown;
-    QVERIFY(shown.play({u"mouse 1"_s, u"start"_s, u"call reportRateChanged 999"_s}));
+    QVERIFY(shown.playToEnd({u"mouse 1"_s, u"start"_s, u"call reportRateChanged 999"_s}));
     KVX_EVENTUALLY_EQUAL(shown.marked(), QStringList{u"reportRate"_s});
     // It also appends the report rates without a signal.
-    QVERIFY(shown.play({u"start"_s}));
+    QVERIFY(shown.playToEnd({u"start"_s}));
     KVX_EVENTUALLY(shown.marked().isEmpty());
 }
 
 void tst_ValuesDock::aChangeFlashes()
 {
     ShownDock shown;
-    QVERIFY(shown.play({u"mouse 1"_s, u"start"_s}));
+    QVERIFY(shown.playToEnd({u"mouse 1"_s, u"start"_s}));
     KVX_EVENTUALLY_EQUAL(shown.text(u"reportRate"_s, ValuesModel::Value), u"500"_s);
     const auto flashes = [&](const QString &name, int column) {
         return !shown.index(name, column).data(Qt::BackgroundRole).isNull();
@@ -234,7 +237,7 @@ void tst_ValuesDock::aChangeFlashes()
         flashed |= flashing;
     });
     view.setModel(shown.table->model());
-    QVERIFY(shown.play({u"setReportRate 250"_s}));
+    QVERIFY(shown.playToEnd({u"setReportRate 250"_s}));
     KVX_EVENTUALLY_EQUAL(flashed, (QSet<int>{ValuesModel::Value, ValuesModel::LastSignal}));
     KVX_EVENTUALLY(flashing.isEmpty());
 }
@@ -242,14 +245,14 @@ void tst_ValuesDock::aChangeFlashes()
 void tst_ValuesDock::rowsAreFiltered()
 {
     ShownDock shown;
-    QVERIFY(shown.play({u"mouse 1"_s, u"start"_s}));
+    QVERIFY(shown.playToEnd({u"mouse 1"_s, u"start"_s}));
     KVX_EVENTUALLY(shown.names().contains(u"dpiMin"_s));
     QTest::keyClicks(shown.filter, u"REPORTRATE"_s);
     QCOMPARE(shown.names(), (QStringList{u"isReportRateChangePending"_s, u"isReportRateSupported"_s,
                                          u"reportRate"_s, u"reportRateValues"_s}));
     QTest::mouseClick(shown.onlyDifferences, Qt::LeftButton);
     QCOMPARE(shown.names(), QStringList());
-    QVERIFY(shown.play({u"call reportRateChanged 999"_s, u"call dpiMinChanged 1"_s}));
+    QVERIFY(shown.playToEnd({u"call reportRateChanged 999"_s, u"call dpiMinChanged 1"_s}));
     KVX_EVENTUALLY_EQUAL(shown.names(), QStringList{u"reportRate"_s});
     for (int i = 0; i < 10; ++i)
         QTest::keyClick(shown.filter, Qt::Key_Backspace);
@@ -259,7 +262,7 @@ void tst_ValuesDock::rowsAreFiltered()
 void tst_ValuesDock::copiedRowsAreLinesOfAScenario()
 {
     ShownDock shown;
-    QVERIFY(shown.play({u"mouse 1 ppid=\"a # \\\\b\""_s, u"start"_s}));
+    QVERIFY(shown.playToEnd({u"mouse 1 ppid=\"a # \\\\b\""_s, u"start"_s}));
     KVX_EVENTUALLY(shown.names().contains(u"reportRate"_s));
     QTest::mouseClick(shown.table->viewport(), Qt::LeftButton, {},
                       shown.table->visualRect(shown.index(u"reportRate"_s, 0)).center());
@@ -272,7 +275,7 @@ void tst_ValuesDock::copiedRowsAreLinesOfAScenario()
     const QStringList lines = QGuiApplication::clipboard()->text().split(u'\n', Qt::SkipEmptyParts);
     QCOMPARE(lines.size(), shown.rows().rowCount());
     const qsizetype before = shown.answers.size();
-    QVERIFY(shown.play(lines));
+    QVERIFY(shown.playToEnd(lines));
     for (qsizetype i = 0; i < lines.size(); ++i) {
         const Answer &answer = shown.answers.at(before + i);
         QVERIFY2(answer.result == u"done", qUtf8Printable(lines.at(i) + u": "_s + answer.message));
@@ -282,7 +285,7 @@ void tst_ValuesDock::copiedRowsAreLinesOfAScenario()
 void tst_ValuesDock::aCrashLeavesTheValues()
 {
     ShownDock shown;
-    QVERIFY(shown.play({u"mouse 1"_s, u"start"_s, u"setReportRate 250"_s}));
+    QVERIFY(shown.playToEnd({u"mouse 1"_s, u"start"_s, u"setReportRate 250"_s}));
     KVX_EVENTUALLY_EQUAL(shown.text(u"reportRate"_s, ValuesModel::LastSignal), u"250"_s);
     shown.engine.stop();
     KVX_EVENTUALLY_EQUAL(shown.ends.size(), 1);

@@ -5,6 +5,7 @@
 #include "Words.h"
 
 #include <type_traits>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -82,7 +83,7 @@ constexpr Field field(const char *name)
                 auto value = mouse.*member;
                 const bool isRight = setValue(value, values);
                 if (isRight)
-                    mouse.*member = value;
+                    mouse.*member = std::move(value);
                 return isRight;
             },
             valueOf<member>};

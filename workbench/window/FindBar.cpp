@@ -34,7 +34,7 @@ FindBar::FindBar(QWidget *parent) : QWidget(parent), m_text(new QLineEdit(this))
     };
     addButton(u"findPrevious"_s, QStyle::SP_ArrowUp, tr("Find previous"), &FindBar::previousWanted);
     addButton(u"findNext"_s, QStyle::SP_ArrowDown, tr("Find next"), &FindBar::nextWanted);
-    addButton(u"findClose"_s, QStyle::SP_TitleBarCloseButton, tr("Close the search"), &FindBar::close);
+    addButton(u"findClose"_s, QStyle::SP_TitleBarCloseButton, tr("Close the search"), &FindBar::dismiss);
     layout->addWidget(m_result, 1);
 
     connect(m_text, &QLineEdit::textChanged, this, &FindBar::textChanged);
@@ -48,7 +48,7 @@ void FindBar::open()
     m_text->selectAll();
 }
 
-void FindBar::close()
+void FindBar::dismiss()
 {
     hide();
     Q_EMIT closed();
@@ -67,7 +67,7 @@ void FindBar::setResult(const QString &result)
 void FindBar::keyPressEvent(QKeyEvent *event)
 {
     if (event->key() == Qt::Key_Escape)
-        close();
+        dismiss();
     else if (event->key() != Qt::Key_Return && event->key() != Qt::Key_Enter)
         QWidget::keyPressEvent(event);
     else if (event->modifiers().testFlag(Qt::ShiftModifier))

@@ -5,7 +5,7 @@
 class QLabel;
 class QLineEdit;
 
-/// A text to look for, next and previous. Hidden until open(); Escape closes it.
+/// A text to look for, next and previous. Hidden until open(); Escape dismisses it.
 class FindBar : public QWidget
 {
     Q_OBJECT
@@ -15,7 +15,7 @@ public:
 
     /// Shows it with the text selected and the focus in it.
     void open();
-    void close();
+    void dismiss();
     QString text() const;
     /// A few words beside the text: wrapped, not found.
     void setResult(const QString &result);

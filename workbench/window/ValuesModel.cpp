@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -109,7 +110,7 @@ void ValuesModel::setValues(const QString &device, const QJsonObject &values)
     }
     known.now = now;
     if (known.first.isEmpty())
-        known.first = now;
+        known.first = std::move(now);
 }
 
 void ValuesModel::clear()
