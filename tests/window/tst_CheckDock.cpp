@@ -48,6 +48,15 @@ struct ShownDock
         return dock.findChild<Widget *>(QLatin1StringView(name));
     }
 
+    /// Starts the engine with the library.
+    bool open(const QString &library)
+    {
+        engine.setSetup({QStringLiteral(KVX_COMMAND), library, {}});
+        QSignalSpy started(&engine, &Engine::started);
+        engine.restart();
+        return waitFor([&] { return !started.isEmpty(); });
+    }
+
     void click(const char *name) { QTest::mouseClick(find<QPushButton>(name), Qt::LeftButton); }
 
     void type(const QString &words)
@@ -129,6 +138,7 @@ private Q_SLOTS:
     void whatCannotRunIsSaid_data();
     void whatCannotRunIsSaid();
     void resultOfAnotherLibraryIsSaid();
+    void resultOfAnEarlierBuildIsSaid();
     void countsLeaveRoomForTheNames();
     void filterShowsOneVerdict();
     void scenarioIsOpened();
@@ -272,16 +282,10 @@ void tst_CheckDock::resultOfAnotherLibraryIsSaid()
     const QString checked = brokenLibrary(u"report-rate-flag-without-signal"_s);
     ShownDock shown(checked);
     const auto *note = shown.find<QLabel>("checkOtherLibrary");
-    const auto open = [&shown](const QString &library) {
-        shown.engine.setSetup({QStringLiteral(KVX_COMMAND), library, {}});
-        QSignalSpy started(&shown.engine, &Engine::started);
-        shown.engine.restart();
-        return waitFor([&] { return !started.isEmpty(); });
-    };
-    QVERIFY(open(checked));
+    QVERIFY(shown.open(checked));
     QVERIFY(shown.check(u"report-rate/confirmed"_s));
     QVERIFY(!note->isVisible());
-    QVERIFY(open(QStringLiteral(KVX_LIBRARY)));
+    QVERIFY(shown.open(QStringLiteral(KVX_LIBRARY)));
     QVERIFY(note->isVisible());
     QCOMPARE(note->text(), u"Result of %1; the window now has another library."_s.arg(checked));
     shown.click("checkStart");
@@ -289,6 +293,31 @@ void tst_CheckDock::resultOfAnotherLibraryIsSaid()
     QVERIFY(shown.waitForEnd());
     QVERIFY2(shown.outcome().contains("keeps the part of the contract that was run; "_L1),
              qPrintable(shown.outcome()));
+}
+
+void tst_CheckDock::resultOfAnEarlierBuildIsSaid()
+{
+    const QTemporaryDir folder;
+    const QString library = folder.filePath(QFileInfo(QStringLiteral(KVX_LIBRARY)).fileName());
+    QVERIFY(QFile::copy(QStringLiteral(KVX_LIBRARY), library));
+    ShownDock shown(library);
+    const auto *note = shown.find<QLabel>("checkOtherLibrary");
+    QVERIFY(shown.check(u"report-rate/confirmed"_s));
+    QVERIFY(shown.open(library));
+    QVERIFY(!note->isVisible());
+
+    shown.engine.stop();
+    QVERIFY(waitFor([&] { return !shown.engine.isRunning(); }));
+    QFile file(library);
+    QVERIFY(file.open(QIODevice::Append));
+    QVERIFY(file.setFileTime(QDateTime::currentDateTime().addDays(1), QFileDevice::FileModificationTime));
+    file.close();
+    QVERIFY(shown.open(library));
+    QVERIFY(note->isVisible());
+    QCOMPARE(note->text(), u"Result of an earlier build of %1."_s.arg(library));
+    shown.click("checkStart");
+    QVERIFY(!note->isVisible());
+    QVERIFY(shown.waitForEnd());
 }
 
 void tst_CheckDock::countsLeaveRoomForTheNames()

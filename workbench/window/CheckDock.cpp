@@ -221,6 +221,7 @@ void CheckDock::start()
         m_outcome->setText(tr("There is no library to check; open one first."));
         return;
     }
+    m_buildTime = QFileInfo(m_setup.pluginFile).lastModified();
     noteLibrary();
     m_tree->removeAll();
     noteCounts();
@@ -235,8 +236,11 @@ void CheckDock::start()
 void CheckDock::noteLibrary()
 {
     const QString checked = m_setup.pluginFile;
-    m_otherLibrary->setText(tr("Result of %1; the window now has another library.").arg(checked));
-    m_otherLibrary->setVisible(!checked.isEmpty() && checked != m_engine->setup().pluginFile);
+    const bool isAnother = checked != m_engine->setup().pluginFile;
+    const bool isRebuilt = QFileInfo(checked).lastModified() != m_buildTime;
+    m_otherLibrary->setText(isAnother ? tr("Result of %1; the window now has another library.").arg(checked)
+                                      : tr("Result of an earlier build of %1.").arg(checked));
+    m_otherLibrary->setVisible(!checked.isEmpty() && (isAnother || isRebuilt));
 }
 
 void CheckDock::cancel()

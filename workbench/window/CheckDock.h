@@ -3,6 +3,7 @@
 #include "CheckRun.h"
 #include "Engine.h"
 
+#include <QtCore/QDateTime>
 #include <QtWidgets/QWidget>
 
 class CheckDetails;
@@ -53,7 +54,8 @@ private:
 
     Engine *const m_engine;
     CheckRun m_run;
-    KvxSetup m_setup;  // of the last run
+    KvxSetup m_setup;       // of the last run
+    QDateTime m_buildTime;  // of the library in it
     bool m_hasReport = false;
     QComboBox *m_level = nullptr;
     QLineEdit *m_names = nullptr;
