@@ -1,5 +1,5 @@
-# kvx_add_windows_properties(target DESCRIPTION): what a Windows user sees in the properties of the target's file.
-# Does nothing for other systems.
+# kvx_add_windows_properties(target DESCRIPTION [ICON]): what a Windows user sees in the properties of the target's file,
+# and the file of its icon. Does nothing for other systems.
 function(kvx_add_windows_properties target description)
     if(NOT WIN32)
         return()
@@ -12,6 +12,10 @@ function(kvx_add_windows_properties target description)
     else()
         set(fileType VFT_DLL)
         set(fileName ${internalName}.dll)
+    endif()
+    set(icon)
+    if(ARGC GREATER 2)
+        set(icon "1 ICON \"${CMAKE_CURRENT_SOURCE_DIR}/${ARGV2}\"")
     endif()
     set(resource ${CMAKE_CURRENT_BINARY_DIR}/${target}_properties.rc)
     configure_file(${PROJECT_SOURCE_DIR}/cmake/WindowsProperties.rc.in ${resource} @ONLY)
